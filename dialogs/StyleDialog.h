@@ -1,0 +1,21 @@
+/// The page-setup dialog as the driver calls it.
+#pragma once
+
+#include "PSHPrint.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+class PostscriptPrinterInfo;
+struct Separations;
+
+struct PSStyleParams {
+    double widthMM, heightMM; ///< the host's page image on paper
+    int32_t widthPixels, heightPixels;
+    double minResolution, maxResolution; ///< dots per inch
+    Separations *separations;
+    PostscriptPrinterInfo **printerInfo; ///< replaced when the user picks another PPD file
+};
+
+/// Runs the dialog on `*record`; true when the user confirmed, and only then is it changed.
+bool StyleDialog(CFBundleRef bundle, CFStringRef bundleIdentifier, PSStyleParams *params,
+                 PSHPrint *record);

@@ -1,0 +1,31 @@
+/// What a host needs beyond the classic call sequence: lists to choose from, and choices that hold
+/// for one open driver instead of being saved as the user's defaults.
+#ifndef ZEL_EXTENSIONS_H
+#define ZEL_EXTENSIONS_H
+
+#include "ZELTypes.h"
+
+/// The printer model read from a PPD file (null: the built-in description), or null when the file
+/// is refused; then `*message`, if asked for, says why. The caller releases both. Keys:
+/// "name" string, "colour" and "level2" booleans, "pages" array, "default_page" number, "custom"
+/// dictionary (absent without custom page sizes), "resolutions" array, "default_resolution" number.
+/// A page has "name", "ui_name", "postscript" and "area" (four numbers llx, lly, urx, ury, points);
+/// "custom" has "code", "min_width", "max_width", "min_height", "max_height" (points) and "params",
+/// an array of "name", "units", "index", "min", "max"; a resolution has "name", "ui_name",
+/// "postscript", "x_dpi" and "y_dpi". Text that is not UTF-8 is taken byte for byte as Latin-1.
+ZEL_EXPORT CFDictionaryRef ZELPrCopyPrinterInfo(CFURLRef ppd, CFStringRef *message);
+
+/// The names of the separations that the driver offers now, "Standard" first. The caller releases
+/// the array. Null when the user's profiles folder cannot be told.
+ZEL_EXPORT CFArrayRef ZELPrCopySeparationNames(void);
+
+/// Makes this context print with the given PPD file, whatever printer the user has chosen.
+/// 0, or kZELFileNotFound when the file is refused: the context then keeps its printer and
+/// `*message`, if asked for, says why (the caller releases it).
+ZEL_EXPORT int32_t ZELPrSetPrinter(DriverContext *context, CFURLRef ppd, CFStringRef *message);
+
+/// Makes this context hand its documents to the default print queue, or not, whatever the user has
+/// chosen.
+ZEL_EXPORT void ZELPrSetSendToPrintQueue(DriverContext *context, Boolean send);
+
+#endif

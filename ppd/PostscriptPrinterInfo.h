@@ -1,0 +1,42 @@
+/// The printer model: built from a PPD file, or the built-in description.
+#pragma once
+
+#include "ppd/PostscriptPages.h"
+#include "ppd/PostscriptResolutions.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <memory>
+#include <string>
+
+namespace PPD {
+class MiniParser;
+}
+
+class PostscriptPrinterInfo {
+public:
+    /// The built-in description: A4, 300 dpi, no colour, Level 2.
+    PostscriptPrinterInfo();
+    /// Reads a PPD file. Throws PPD::ParserError.
+    explicit PostscriptPrinterInfo(CFURLRef ppdURL);
+    PostscriptPrinterInfo(const PostscriptPrinterInfo &other);
+    PostscriptPrinterInfo &operator=(const PostscriptPrinterInfo &other);
+    ~PostscriptPrinterInfo();
+
+    /// The PPD's file name, extension included; empty for the built-in description.
+    const std::string &GetName() const { return mName; }
+    bool HasColour() const { return mHasColour; }
+    bool HasPostscriptLevel2() const { return mHasPostscriptLevel2; }
+    const PostscriptPages &Pages() const { return mPages; }
+    const PostscriptResolutions &Resolutions() const { return mResolutions; }
+    void SetNoPPDInfo();
+
+private:
+    void ExtractInfo();
+
+    std::unique_ptr<PPD::MiniParser> mParser; ///< null for the built-in description
+    PostscriptPages mPages;
+    PostscriptResolutions mResolutions;
+    std::string mName;
+    bool mHasColour = false;
+    bool mHasPostscriptLevel2 = true;
+};
