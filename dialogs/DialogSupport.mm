@@ -1,0 +1,179 @@
+#import "dialogs/DialogSupport.h"
+
+#include <ApplicationServices/ApplicationServices.h>
+#include <cstdlib>
+
+#ifdef GNUSTEP
+#import <GNUstepGUI/GSDisplayServer.h>
+#include <X11/Xlib.h>
+
+/// Makes every window that becomes key take part in WM_DELETE_WINDOW. A window that is not closable
+/// (every NSAlert) does not by itself, and a click on the close button that the window manager
+/// draws then kills the whole process. Taking part, AppKit answers with performClose:, which beeps.
+@interface ZELDialogWindowGuard : NSObject
+- (void)windowDidBecomeKey:(NSNotification *)notification;
+@end
+
+@implementation ZELDialogWindowGuard
+- (void)windowDidBecomeKey:(NSNotification *)notification {
+    NSWindow *window = [notification object];
+    GSDisplayServer *server = GSServerForWindow(window);
+    Display *display = static_cast<Display *>([server serverDevice]);
+    const Window handle = (Window)(uintptr_t)[server windowDevice:[window windowNumber]];
+    if (display == nullptr || handle == 0) return;
+    const Atom wanted = XInternAtom(display, "WM_DELETE_WINDOW", False);
+    Atom *present = nullptr;
+    int count = 0;
+    if (XGetWMProtocols(display, handle, &present, &count) == 0) count = 0;
+    Atom all[16];
+    bool found = false;
+    if (count > 15) count = 15;
+    for (int i = 0; i < count; ++i) {
+        all[i] = present[i];
+        found = found || present[i] == wanted;
+    }
+    if (present != nullptr) XFree(present);
+    if (found) return;
+    all[count] = wanted;
+    XSetWMProtocols(display, handle, all, count + 1);
+}
+@end
+
+static BOOL StartApplication() {
+    const char *display = std::getenv("DISPLAY");
+    if (display == nullptr || *display == 0) return NO;
+    @try {
+        [[NSUserDefaults standardUserDefaults]
+            registerDefaults:[NSDictionary dictionaryWithObject:@"YES"
+                                                         forKey:@"GSSuppressAppIcon"]];
+        const BOOL fresh = NSApp == nil; // a host may be a GNUstep application itself
+        [NSApplication sharedApplication];
+        if (fresh)
+            [NSApp finishLaunching]; // without it typed keys do not arrive
+        else
+            [NSScreen mainScreen]; // raises when an earlier start found no server
+        [[NSNotificationCenter defaultCenter] addObserver:[ZELDialogWindowGuard new]
+                                                 selector:@selector(windowDidBecomeKey:)
+                                                     name:NSWindowDidBecomeKeyNotification
+                                                   object:nil];
+        return YES;
+    } @catch (NSException *e) {
+        return NO; // NSWindowServerCommunicationException
+    }
+}
+
+BOOL EnsureApplication(void) {
+    static BOOL tried, works;
+    if (!tried) {
+        tried = YES;
+        @autoreleasepool {
+            works = StartApplication();
+        }
+    }
+    return works;
+}
+
+BOOL HaveWindowServer(void) {
+    static const BOOL have = [] {
+        CGEventSourceRef source = CGEventSourceCreate(kCGEventSourceStateCombinedSessionState);
+        if (source != nullptr) CFRelease(source);
+        return BOOL(source != nullptr);
+    }();
+    return have;
+}
+
+static void PrepareMatrix(NSMatrix *matrix) {
+    // Button cells come out editable: a click would start text editing in the cell.
+    for (NSCell *cell in [matrix cells]) {
+        [cell setEditable:NO];
+        [cell setSelectable:NO];
+    }
+}
+
+static void PreparePopUp(NSPopUpButton *popup) {
+    // The cell keeps an unretained selected item and changes its state while it is deallocated,
+    // after the menu has gone; without state changes that cannot happen, and no check mark is
+    // drawn.
+    [[popup cell] setAltersStateOfSelectedItem:NO];
+    for (NSMenuItem *item in [popup itemArray])
+        [item setState:NSOffState];
+}
+
+static void PrepareView(NSView *view) {
+    if ([view isKindOfClass:[NSMatrix class]]) PrepareMatrix((NSMatrix *)view);
+    if ([view isKindOfClass:[NSPopUpButton class]]) PreparePopUp((NSPopUpButton *)view);
+    for (NSView *sub in [view subviews])
+        PrepareView(sub);
+}
+
+static void FitMenu(NSMenu *menu) {
+    [[menu menuRepresentation] sizeToFit]; // else a title is drawn without its indent
+}
+
+#else
+
+BOOL HaveWindowServer(void) { return YES; }
+
+BOOL EnsureApplication(void) {
+    [NSApplication sharedApplication];
+    return YES;
+}
+
+static void PrepareView(NSView *) {}
+static void FitMenu(NSMenu *) {}
+
+#endif
+
+NSString *InterfaceFilePath(NSBundle *bundle, NSString *name) {
+    NSString *path = [bundle pathForResource:name ofType:@"nib"];
+    return path != nil ? path : [bundle pathForResource:name ofType:@"xib"];
+}
+
+void PrepareLoadedWindow(NSWindow *window) { PrepareView([window contentView]); }
+
+static void ReleaseView(NSView *view) {
+    NSArray *names = [NSArray arrayWithObjects:@"enabled", @"value", @"hidden", @"editable", nil];
+    for (NSString *name in names) {
+        if ([view infoForBinding:name] != nil) [view unbind:name];
+    }
+    if ([view isKindOfClass:[NSTextField class]]) [(NSTextField *)view setDelegate:nil];
+    for (NSView *sub in [view subviews])
+        ReleaseView(sub);
+}
+
+void ReleaseLoadedWindow(NSWindow *window) {
+    [window makeFirstResponder:nil];
+    ReleaseView([window contentView]);
+    [window setDelegate:nil];
+    [window orderOut:nil];
+}
+
+void StopModalAndWake(void) {
+    // stopModal only marks the session; the modal loop, asleep in the event queue, notices at the
+    // next event. A GNUstep run loop moreover does not leave its poll() for an event that a timer
+    // callback queued: a zero-delay perform makes the poll time out.
+    [NSApp stopModal];
+    NSEvent *wake = [NSEvent otherEventWithType:NSApplicationDefined
+                                       location:NSZeroPoint
+                                  modifierFlags:0
+                                      timestamp:0
+                                   windowNumber:0
+                                        context:nil
+                                        subtype:0
+                                          data1:0
+                                          data2:0];
+    [NSApp postEvent:wake atStart:NO];
+    [NSApp performSelector:@selector(class)
+                withObject:nil
+                afterDelay:0.0
+                   inModes:[NSArray arrayWithObject:NSModalPanelRunLoopMode]];
+}
+
+NSMenuItem *InsertPopUpItem(NSPopUpButton *popup, NSString *title, NSInteger tag, NSInteger index) {
+    NSMenuItem *item = [[[NSMenuItem alloc] initWithTitle:title action:NULL
+                                            keyEquivalent:@""] autorelease];
+    [item setTag:tag];
+    [[popup menu] insertItem:item atIndex:index];
+    FitMenu([popup menu]);
+    return item;
+}
