@@ -1,0 +1,42 @@
+// Numbers and booleans (NSNumber).
+#ifndef CF_NUMBER_H
+#define CF_NUMBER_H
+
+#include <CoreFoundation/CFBase.h>
+
+typedef CFIndex CFNumberType;
+enum {
+    kCFNumberSInt8Type = 1,
+    kCFNumberSInt16Type = 2,
+    kCFNumberSInt32Type = 3,
+    kCFNumberSInt64Type = 4,
+    kCFNumberFloat32Type = 5,
+    kCFNumberFloat64Type = 6,
+    kCFNumberCharType = 7,
+    kCFNumberShortType = 8,
+    kCFNumberIntType = 9,
+    kCFNumberLongType = 10,
+    kCFNumberLongLongType = 11,
+    kCFNumberFloatType = 12,
+    kCFNumberDoubleType = 13,
+    kCFNumberCFIndexType = 14
+};
+
+CF_EXTERN_C_BEGIN
+
+CF_EXPORT const CFBooleanRef kCFBooleanTrue;
+CF_EXPORT const CFBooleanRef kCFBooleanFalse;
+
+CF_EXPORT CFTypeID CFBooleanGetTypeID(void);
+CF_EXPORT Boolean CFBooleanGetValue(CFBooleanRef boolean);
+
+CF_EXPORT CFTypeID CFNumberGetTypeID(void);
+CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType theType,
+                                     const void *valuePtr);
+/// Stores the value as `theType`; false when that loses something (the nearest value is stored).
+CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType theType, void *valuePtr);
+CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
+
+CF_EXTERN_C_END
+
+#endif
