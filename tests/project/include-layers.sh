@@ -1,16 +1,45 @@
 #!/bin/bash
-# Includes point down the data flow only: a file may include its own layer and the ones after it. The
-# table names, for every folder or file, what of the project it may include besides <system headers>,
-# the host interface (include/) and the platform.
+# Includes point down the data flow only: every file has a level, and may include files of its own level
+# or below. Besides, printer description and dialogs never reach into the output path, and a host sees
+# the host interface alone.
 set -eu
 
-# pattern of the including file | pattern of what it may include
-rules() {
-    cat <<'TABLE'
-include/*|
-Common/Src/(Queue|PlatformChecks|BigEndian|CFRef|PostscriptDocument|CpuFeatures)*|Common/Src/(Queue|BigEndian|CFRef|PostscriptDocument|CpuFeatures)*
-Common/Src/Writebuffer*|Common/Src/(Writebuffer|Queue)*
-Common/Src/ASCII85*|Common/Src/(ASCII85|CpuFeatures)*
-Common/Src/StreamEncoders*|Common/Src/(StreamEncoders|ASCII85|Writebuffer)*
-TABLE
+level() {
+    case $1 in
+        host/*) echo 90 ;;
+        dialogs/Alerts.* | dialogs/Units.*) echo 15 ;;
+        dialogs/*) echo 80 ;; # dialogs and driver core call each other
+        Common/Src/PageOutput*) echo 70 ;;
+        Common/Src/PostscriptWriter* | Common/Src/OutputFiles* | Common/Src/RowConversion*) echo 60 ;;
+        Common/Src/ScanLines*) echo 55 ;;
+        colour/*) echo 50 ;;
+        Common/Src/StreamEncoders*) echo 40 ;;
+        Common/Src/ASCII85*) echo 35 ;;
+        Common/Src/Writebuffer*) echo 30 ;;
+        ppd/*) echo 25 ;;
+        Common/Src/Queue* | Common/Src/PostscriptDocument* | Common/Src/CFRef* | Common/Src/BigEndian* | \
+            Common/Src/CpuFeatures* | Common/Src/TextFormat*) echo 10 ;;
+        Common/Src/*) echo 80 ;;
+        include/* | platform/*) echo 0 ;;
+        *) echo "no level for $1" >&2; exit 1 ;;
+    esac
 }
+
+outputPath='^(Common/Src/(PageOutput|PostscriptWriter|OutputFiles|RowConversion|ScanLines|StreamEncoders|ASCII85|Writebuffer|Queue))'
+failed=0
+complain() { echo "$1" >&2; failed=1; }
+
+while IFS=: read -r file included; do
+    case $included in
+        */*) ;;
+        *) if [ -e "include/$included" ]; then included=include/$included; else included=$(dirname "$file")/$included; fi ;;
+    esac
+    [ "$(level "$file")" -ge "$(level "$included")" ] || complain "$file includes $included, which is above it"
+    case $file in
+        ppd/* | dialogs/*) if [[ $included =~ $outputPath ]]; then complain "$file reaches into the output path: $included"; fi ;;
+        host/*) case $included in host/* | include/*) ;; *) complain "$file sees more than the host interface: $included" ;; esac ;;
+        include/*) case $included in include/*) ;; *) complain "$file is for hosts and includes $included" ;; esac ;;
+    esac
+done < <(grep -rEo --include='*.h' --include='*.cpp' --include='*.mm' '^#(include|import) "[^"]+"' \
+    include Common colour ppd dialogs host | sed -E 's/:#(include|import) "([^"]+)"/:\2/')
+exit $failed
