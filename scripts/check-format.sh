@@ -5,5 +5,5 @@ cd "$(dirname "$0")/.."
 mode="--dry-run --Werror"
 if [ "${1:-}" = --fix ]; then mode=-i; fi
 echo "== Checking the format"
-find include Common colour ppd dialogs platform host tests bench fuzz docs \
+find . -path './build*' -prune -o \
     \( -name '*.h' -o -name '*.cpp' -o -name '*.mm' \) -print0 | xargs -0 clang-format $mode

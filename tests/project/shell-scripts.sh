@@ -1,7 +1,7 @@
 #!/bin/sh
 # Every shell script parses.
 set -eu
-find scripts tests bench fuzz docs .ci -name '*.sh' -o -path '.ci/run' | while read -r script; do
+find . -path './build*' -prune -o \( -name '*.sh' -o -path ./.ci/run \) -print | while read -r script; do
     case $(head -n 1 "$script") in
         '#!/bin/sh') sh -n "$script" ;;
         '#!/bin/bash' | '#!/usr/bin/env bash') bash -n "$script" ;;
