@@ -42,9 +42,10 @@ public:
     explicit PostscriptPages(PPD::MiniParser &parser);
 
     int32_t NumPages() const;
-    /// `index` is not checked.
+    /// Throws PPD::ParserError when there is no such page, as a printer's description without
+    /// pages has no default page either.
     const PostscriptPage &GetPage(int32_t index) const;
-    /// 0 also when there are no pages: look at NumPages first.
+    /// 0 also when there are no pages: look at NumPages first, GetPage refuses it then.
     int32_t DefaultPageIndex() const;
     /// Index of the first page of exactly that name, or -1.
     int32_t FindPageByName(const std::string &name) const;
@@ -65,6 +66,9 @@ public:
     PostscriptPage GetCustomPage(double first, double second) const;
 
 private:
+    void ReadCustomPageSetup(PPD::MiniParser &parser);
+    std::string CustomPagePostscript() const;
+
     PostscriptDocument::Section mSection = PostscriptDocument::kSetup;
     double mPriority = 30.0;
     std::vector<PostscriptPage> mPages;

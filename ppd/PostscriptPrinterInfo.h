@@ -18,6 +18,7 @@ public:
     PostscriptPrinterInfo();
     /// Reads a PPD file. Throws PPD::ParserError.
     explicit PostscriptPrinterInfo(CFURLRef ppdURL);
+    /// A copy has a parser of its own. Throws PPD::ParserError when the file has gone since.
     PostscriptPrinterInfo(const PostscriptPrinterInfo &other);
     PostscriptPrinterInfo &operator=(const PostscriptPrinterInfo &other);
     ~PostscriptPrinterInfo();
@@ -28,6 +29,7 @@ public:
     bool HasPostscriptLevel2() const { return mHasPostscriptLevel2; }
     const PostscriptPages &Pages() const { return mPages; }
     const PostscriptResolutions &Resolutions() const { return mResolutions; }
+    /// Says on the console that there is no PPD and takes back what one said of colour and level.
     void SetNoPPDInfo();
 
 private:

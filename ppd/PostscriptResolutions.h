@@ -38,7 +38,7 @@ public:
     explicit PostscriptResolutions(PPD::MiniParser &parser);
 
     int32_t NumResolutions() const;
-    /// `index` is not checked.
+    /// Throws PPD::ParserError when there is no such resolution.
     const PostscriptResolution &GetResolution(int32_t index) const;
     int32_t DefaultResolutionIndex() const;
     /// Index of the first resolution of exactly that name, or -1.

@@ -1,0 +1,65 @@
+#include "ppd/PostscriptPrinterInfo.h"
+
+#include "Common/Src/CFRef.h"
+#include "ppd/MiniParser.h"
+
+#include <vector>
+
+namespace {
+
+std::string FileName(CFURLRef url) {
+    const CFRef<CFStringRef> name(CFURLCopyLastPathComponent(url));
+    if (!name) return {};
+    const CFIndex size =
+        CFStringGetMaximumSizeForEncoding(CFStringGetLength(name.Get()), kCFStringEncodingUTF8) + 1;
+    std::vector<char> buffer(static_cast<size_t>(size));
+    const bool converted =
+        CFStringGetCString(name.Get(), buffer.data(), size, kCFStringEncodingUTF8);
+    return converted ? buffer.data() : "";
+}
+
+std::unique_ptr<PPD::MiniParser> CopyOf(const std::unique_ptr<PPD::MiniParser> &parser) {
+    return parser ? std::make_unique<PPD::MiniParser>(*parser) : nullptr;
+}
+
+} // namespace
+
+PostscriptPrinterInfo::PostscriptPrinterInfo() {
+    SetNoPPDInfo();
+}
+
+PostscriptPrinterInfo::PostscriptPrinterInfo(CFURLRef ppdURL)
+    : mParser(std::make_unique<PPD::MiniParser>(ppdURL)), mName(FileName(ppdURL)) {
+    ExtractInfo();
+}
+
+PostscriptPrinterInfo::PostscriptPrinterInfo(const PostscriptPrinterInfo &other)
+    : mParser(CopyOf(other.mParser)), mPages(other.mPages), mResolutions(other.mResolutions),
+      mName(other.mName), mHasColour(other.mHasColour),
+      mHasPostscriptLevel2(other.mHasPostscriptLevel2) {}
+
+PostscriptPrinterInfo &PostscriptPrinterInfo::operator=(const PostscriptPrinterInfo &other) {
+    PostscriptPrinterInfo copy(other);
+    mParser = std::move(copy.mParser);
+    mPages = std::move(copy.mPages);
+    mResolutions = std::move(copy.mResolutions);
+    mName = std::move(copy.mName);
+    mHasColour = copy.mHasColour;
+    mHasPostscriptLevel2 = copy.mHasPostscriptLevel2;
+    return *this;
+}
+
+PostscriptPrinterInfo::~PostscriptPrinterInfo() = default;
+
+void PostscriptPrinterInfo::SetNoPPDInfo() {
+    CFShow(CFSTR("NO PPD INFO SET"));
+    mHasColour = false;
+    mHasPostscriptLevel2 = true;
+}
+
+void PostscriptPrinterInfo::ExtractInfo() {
+    mPages = PostscriptPages(*mParser);
+    mResolutions = PostscriptResolutions(*mParser);
+    mHasColour = mParser->BooleanKeyword("*ColorDevice", false);
+    mHasPostscriptLevel2 = mParser->IntKeyword("*LanguageLevel", 0) > 1;
+}
