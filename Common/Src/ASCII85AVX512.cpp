@@ -9,16 +9,16 @@
 namespace {
 
 /// Where each character of a block comes from: bytes 0 to 63 of the digits d3, d4, d1, d2 of the
-/// sixteen groups, or 64 plus the byte of d0. The last 16 characters hold no surprise: they come
-/// from groups 12 to 15.
+/// sixteen groups, or 64 plus the byte of d0. The first 64 entries make one vector, the other 16 of
+/// the 80 a second one.
 constexpr std::array<int8_t, 128> MakePlaces() {
     std::array<int8_t, 128> places{};
+    size_t at = 0;
     for (int group = 0; group < 16; ++group) {
         const int digits[5] = {64 + 4 * group, 4 * group + 2, 4 * group + 3, 4 * group,
                                4 * group + 1};
-        for (int i = 0; i < 5; ++i) {
-            places.at(static_cast<size_t>(5 * group + i)) = static_cast<int8_t>(digits[i]);
-        }
+        for (const int digit : digits)
+            places.at(at++) = static_cast<int8_t>(digit);
     }
     return places;
 }
