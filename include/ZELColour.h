@@ -34,4 +34,7 @@ ZEL_EXPORT double interpolate(const double xs[4], const double ys[4], double x);
 /// 0.0, 1.0, 2.0, 3.2, 5.0. Not read by the conversions; hosts rely on the values.
 ZEL_EXPORT const double blackGenExponents[5];
 
+/// "Standard": the name of the built-in separation, which needs no profile.
+ZEL_EXPORT const CFStringRef kStandardTableName;
+
 #endif
