@@ -1,0 +1,90 @@
+#include "host/CommandLine.h"
+
+#include "PSHPrint.h"
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <map>
+
+namespace {
+
+template <typename T>
+void Choice(CLI::App &app, const char *names, std::optional<T> &value, const char *help) {
+    app.add_option(names, value, help);
+}
+
+void AddJobOptions(CLI::App &app, JobOptions &options) {
+    app.add_option("FILE", options.files, "TIFF, PNG, JPEG and PNM images and PDF files");
+    app.option_defaults()->group("What to print");
+    app.add_option("-n,--copies", options.copies, "number of copies")->check(CLI::Range(1, 999));
+    Choice(app, "-P,--pages", options.pageRange, "pages to print, such as 1-4,7,9-");
+    Choice(app, "-t,--title", options.title, "title of the document, and base of its file name");
+
+    app.option_defaults()->group("Where to");
+    Choice(app, "--hot-folder", options.hotFolder, "folder that receives the finished document");
+    Choice(app, "-o,--output", options.output,
+           "name of the file to write, replacing what is there");
+    app.add_flag("--eps,!--ps", options.eps, "one EPS file a page, or one PostScript file (--ps)");
+    app.add_flag("--queue,!--no-queue", options.queue, "hand the document to the print queue");
+
+    app.option_defaults()->group("How");
+    Choice(app, "--ppd", options.ppd, "PPD file of the printer");
+    Choice(app, "--media", options.media, "page by its name, or its size as WxH with pt, mm or in");
+    Choice(app, "--resolution", options.resolution, "resolution by its name, or in dpi");
+    app.add_option("--colour-space,--color-space", options.colourSpace, "cmyk, gray or rgb")
+        ->transform(
+            CLI::CheckedTransformer(std::map<std::string, uint32_t>{{"cmyk", kZELColourSpaceCMYK},
+                                                                    {"gray", kZELColourSpaceGray},
+                                                                    {"rgb", kZELColourSpaceRGB}},
+                                    CLI::ignore_case))
+        ->type_name("cmyk|gray|rgb");
+    Choice(app, "--separation", options.separation, "CMYK separation; see zelprint separations");
+    app.add_flag("--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
+    app.add_flag("--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
+    app.add_flag("--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
+    app.add_option("--settings", options.settings,
+                   "repeat a job with the settings saved in a file");
+    app.add_option("--save-settings", options.saveSettings, "save this job's settings to a file");
+    app.add_flag("--page-setup", options.pageSetup, "run the driver's page setup dialog first");
+    app.add_flag("--print-dialog", options.printDialog, "run the driver's print dialog first");
+
+    app.option_defaults()->group("Program");
+    app.add_flag("--dry-run", options.dryRun, "tell what would be printed, and print nothing");
+    app.add_flag("-q,--quiet", options.quiet, "say nothing on success");
+    app.add_flag("--json", options.json, "report as JSON on standard output");
+    app.add_option("--band-height", options.bandHeight, "rows handed to the driver at a time")
+        ->check(CLI::Range(1, 1000000));
+    app.add_option("--bundle", options.bundle, "the driver's bundle, if not beside zelprint");
+}
+
+} // namespace
+
+int RunCommandLine(int argc, char **argv,
+                   const std::function<ExitStatus(const JobOptions &)> &print) {
+    CLI::App app("Prints images and PDFs as PostScript through the ZEL PostScript Printer Driver.",
+                 "zelprint");
+    JobOptions options;
+    CommandAction action = [&] { return print(options); };
+    AddJobOptions(app, options);
+    app.set_version_flag("--version", "zelprint " ZEL_VERSION);
+    AddPrinterInfoCommand(app, action, options.bundle);
+    AddSeparationsCommand(app, action, options.bundle);
+    AddMakeSeparationCommand(app, action, options.bundle);
+    app.require_subcommand(0, 1);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        if (error.get_exit_code() == 0) return app.exit(error);
+        (void)fprintf(stderr, "zelprint: %s; see zelprint --help\n", error.what());
+        return static_cast<int>(ExitStatus::Usage);
+    }
+    try {
+        return static_cast<int>(action());
+    } catch (const HostError &error) {
+        (void)fprintf(stderr, "zelprint: %s\n", error.what());
+        return static_cast<int>(error.Status());
+    } catch (const std::exception &error) {
+        (void)fprintf(stderr, "zelprint: unexpected failure: %s\n", error.what());
+        return static_cast<int>(ExitStatus::Driver);
+    }
+}

@@ -1,0 +1,41 @@
+/// What the command line asks for. A choice that was not made is empty: the user's saved defaults
+/// then hold.
+#ifndef ZEL_HOST_JOBOPTIONS_H
+#define ZEL_HOST_JOBOPTIONS_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct JobOptions {
+    std::vector<std::string> files;
+    std::string bundle; ///< --bundle; empty: found by itself
+
+    std::optional<int> copies;
+    std::optional<std::string> pageRange; ///< as written: "1-4,7,9-"
+    std::optional<std::string> title;
+    std::optional<std::string> ppd;
+    std::optional<std::string> hotFolder;
+    std::optional<std::string> output;
+    std::optional<std::string> media;
+    std::optional<std::string> resolution;
+    std::optional<std::string> separation;
+    std::optional<uint32_t> colourSpace; ///< kZELColourSpace...
+    std::optional<bool> eps;
+    std::optional<bool> rotate;
+    std::optional<bool> flipH;
+    std::optional<bool> flipV;
+    std::optional<bool> queue;
+
+    int bandHeight = 0; ///< rows a band; 0: zelprint's choice
+    std::string settings;
+    std::string saveSettings;
+    bool pageSetup = false;
+    bool printDialog = false;
+    bool dryRun = false;
+    bool quiet = false;
+    bool json = false;
+};
+
+#endif
