@@ -30,6 +30,3 @@ int16_t CloseDocument(PageOutputSession *self);
 
 /// Throws the document away and frees the session.
 void KillDocument(PageOutputSession *self);
-
-/// Runs "/usr/bin/lpr -o raw -r PATH" and returns its exit status, 1 when it cannot be started.
-int CopyFileToPrinter(CFURLRef file);
