@@ -10,12 +10,19 @@ BOOL HaveWindowServer(void);
 /// Starts NSApplication on first use; NO without a window system. Main thread only.
 BOOL EnsureApplication(void);
 
+/// The same for the dialog of that name; says on standard error when there is no window system.
+BOOL EnsureDialogApplication(const char *dialogName);
+
 /// Path of NAME.nib (compiled) or NAME.xib in the bundle's resources, or nil.
 NSString *InterfaceFilePath(NSBundle *bundle, NSString *name);
 
 /// To be called when a window has been loaded from an interface file: repairs controls that GNUstep
 /// reads differently.
 void PrepareLoadedWindow(NSWindow *window);
+
+/// Replaces every title in the window by its translation in the bundle's table; the English title
+/// is the key. A control grows no wider than the interface file made it.
+void LocalizeLoadedWindow(NSWindow *window, NSBundle *bundle, NSString *table);
 
 /// To be called before the controller of a loaded window is released: drops the bindings, which
 /// retain the controller, and detaches delegates.
@@ -26,3 +33,13 @@ void StopModalAndWake(void);
 
 /// Inserts an item without removing an existing one of the same title (NSPopUpButton would).
 NSMenuItem *InsertPopUpItem(NSPopUpButton *popup, NSString *title, NSInteger tag, NSInteger index);
+
+/// Shows an alert as a sheet. `didEnd` (may be NULL) has the form
+/// alertDidEnd:(NSAlert *)alert returnCode:(NSInteger)code contextInfo:(void *)contextInfo. It may
+/// run before this function returns.
+void BeginAlertSheet(NSAlert *alert, NSWindow *window, id delegate, SEL didEnd);
+
+/// Shows a panel as a sheet. `folder` and `name` may be nil. `didEnd` as above, with the panel as
+/// its first argument.
+void BeginPanelSheet(NSSavePanel *panel, NSWindow *window, NSURL *folder, NSString *name,
+                     id delegate, SEL didEnd);

@@ -1,6 +1,7 @@
 #import "dialogs/DialogSupport.h"
 
 #include <ApplicationServices/ApplicationServices.h>
+#include <cstdio>
 #include <cstdlib>
 
 #ifdef GNUSTEP
@@ -124,12 +125,54 @@ static void FitMenu(NSMenu *) {}
 
 #endif
 
+BOOL EnsureDialogApplication(const char *dialogName) {
+    if (HaveWindowServer() && EnsureApplication()) return YES;
+    fprintf(stderr, "The %s dialog cannot be shown: there is no window system.\n", dialogName);
+    return NO;
+}
+
 NSString *InterfaceFilePath(NSBundle *bundle, NSString *name) {
     NSString *path = [bundle pathForResource:name ofType:@"nib"];
     return path != nil ? path : [bundle pathForResource:name ofType:@"xib"];
 }
 
 void PrepareLoadedWindow(NSWindow *window) { PrepareView([window contentView]); }
+
+static NSString *Translation(NSString *title, NSBundle *bundle, NSString *table) {
+    return [title length] == 0 ? title
+                               : [bundle localizedStringForKey:title value:title table:table];
+}
+
+static void LocalizeCells(NSMatrix *matrix, NSBundle *bundle, NSString *table) {
+    for (NSCell *cell in [matrix cells])
+        [cell setTitle:Translation([cell title], bundle, table)];
+}
+
+static void LocalizeMenu(NSPopUpButton *popup, NSBundle *bundle, NSString *table) {
+    for (NSMenuItem *item in [popup itemArray])
+        [item setTitle:Translation([item title], bundle, table)];
+    [popup synchronizeTitleAndSelectedItem];
+}
+
+static void LocalizeView(NSView *view, NSBundle *bundle, NSString *table) {
+    if ([view isKindOfClass:[NSMatrix class]]) {
+        LocalizeCells((NSMatrix *)view, bundle, table);
+    } else if ([view isKindOfClass:[NSPopUpButton class]]) {
+        LocalizeMenu((NSPopUpButton *)view, bundle, table);
+    } else if ([view isKindOfClass:[NSButton class]]) {
+        NSButton *button = (NSButton *)view;
+        [button setTitle:Translation([button title], bundle, table)];
+    } else if ([view isKindOfClass:[NSTextField class]]) {
+        NSTextField *field = (NSTextField *)view;
+        [field setStringValue:Translation([field stringValue], bundle, table)];
+    }
+    for (NSView *sub in [view subviews])
+        LocalizeView(sub, bundle, table);
+}
+
+void LocalizeLoadedWindow(NSWindow *window, NSBundle *bundle, NSString *table) {
+    LocalizeView([window contentView], bundle, table);
+}
 
 static void ReleaseView(NSView *view) {
     NSArray *names = [NSArray arrayWithObjects:@"enabled", @"value", @"hidden", @"editable", nil];
@@ -176,4 +219,22 @@ NSMenuItem *InsertPopUpItem(NSPopUpButton *popup, NSString *title, NSInteger tag
     [[popup menu] insertItem:item atIndex:index];
     FitMenu([popup menu]);
     return item;
+}
+
+// The methods with a delegate and a selector exist on both platforms and need no blocks.
+void BeginAlertSheet(NSAlert *alert, NSWindow *window, id delegate, SEL didEnd) {
+    [alert beginSheetModalForWindow:window
+                      modalDelegate:delegate
+                     didEndSelector:didEnd
+                        contextInfo:NULL];
+}
+
+void BeginPanelSheet(NSSavePanel *panel, NSWindow *window, NSURL *folder, NSString *name,
+                     id delegate, SEL didEnd) {
+    [panel beginSheetForDirectory:[folder path]
+                             file:name
+                   modalForWindow:window
+                    modalDelegate:delegate
+                   didEndSelector:didEnd
+                      contextInfo:NULL];
 }
