@@ -35,6 +35,22 @@ ZEL_EXPORT int32_t ZELPrGetInfo(DriverContext *context, Handle record, ZELDriver
 /// its file name, and goes into a PostScript comment as it is.
 ZEL_EXPORT int32_t ZELPrSetJobName(DriverContext *context, void *ignored, CFStringRef name);
 
+/// What the job needs besides the record, to keep or to hand to another session: a new dictionary
+/// with the numbers "fromPage", "toPage" and "copies" and, when a hot folder is known and exists,
+/// its bookmark under "outputFolder" (data, made by CFURLCreateBookmarkData). The caller releases
+/// it. Null for a handle shorter than a record.
+ZEL_EXPORT CFDictionaryRef ZELPrCopyJobSettings(DriverContext *context, Handle record);
+
+/// Takes over such a dictionary, or one of the host's making with any of its keys: how a host
+/// without dialogs sets the hot folder. A value of another type is passed over. False when
+/// `settings` is no dictionary or the record too short, and when the hot folder cannot be found;
+/// the numbers have then been taken over all the same.
+ZEL_EXPORT Boolean ZELPrSetJobSettings(DriverContext *context, Handle record,
+                                       CFDictionaryRef settings);
+
+/// Copies page range and copies from one record to another. `context` is not used.
+ZEL_EXPORT void ZELPrJobMerge(DriverContext *context, Handle source, Handle destination);
+
 /// Opens the output document. Its record is the handle that the host gave last to a call taking
 /// both a context and a record (ZELPrValidate, ZELPrDefaults, the dialogs, the job settings); it is
 /// read now, so changes since then count, and must still be alive. Without any: kZELBadParameter.

@@ -1,0 +1,208 @@
+// The entry points of a session: see ZELPrint.h.
+#include "Common/Src/Assertion.h"
+#include "Common/Src/DocumentOpening.h"
+#include "Common/Src/DriverContext.h"
+#include "Common/Src/JobSettings.h"
+#include "Common/Src/PageOutput.h"
+#include "Common/Src/PrintRecord.h"
+#include "ZELPrint.h"
+#include "colour/Separations.h"
+#include "ppd/PostscriptPrinterInfo.h"
+#include <ApplicationServices/ApplicationServices.h>
+
+#include <cstring>
+#include <memory>
+#include <new>
+
+namespace {
+
+/// Throws an open document away; its file is deleted.
+void KillOpenDocument(DriverContext *context) {
+    if (context->mPageOutputSession) KillDocument(context->mPageOutputSession);
+    context->mPageOutputSession = nullptr;
+}
+
+/// Calls the page output layer while the session is good and a document is open; without a
+/// document the call is the host's mistake and fails.
+template <class Call>
+int32_t CallWithDocument(DriverContext *context, Call call) {
+    if (context->state != SessionState::kOk) return context->error;
+    return LatchResult(context, context->mPageOutputSession ? call(context->mPageOutputSession)
+                                                            : int16_t{kZELBadParameter});
+}
+
+bool OptionKeyIsHeld() {
+    CGEventSourceRef source = CGEventSourceCreate(kCGEventSourceStateCombinedSessionState);
+    if (!source) return false;
+    CGEventFlags flags = CGEventSourceFlagsState(CGEventSourceGetSourceStateID(source));
+    CFRelease(source);
+    return (flags & kCGEventFlagMaskAlternate) != 0;
+}
+
+/// The work of opening that needs the context: the printer and the separations to choose from.
+void FillContext(DriverContext *context, CFBundleRef bundle) {
+    context->bundle = CFRef<CFBundleRef>::Retain(bundle);
+    context->bundleIdentifier = CFRef<CFStringRef>::Retain(CFBundleGetIdentifier(bundle));
+    context->jobName = CFRef<CFStringRef>::Retain(CFSTR("Untitled"));
+    context->printerInfo = LoadPrinterInfo(context->bundleIdentifier.Get()).release();
+    context->separations = ScanSeparationsFolder();
+}
+
+} // namespace
+
+DriverContext::~DriverContext() {
+    KillOpenDocument(this);
+    delete printerInfo;
+    if (separations) DeleteSeparationsList(separations);
+}
+
+int32_t LatchResult(DriverContext *context, int32_t result) {
+    if (result != kZELNoError && context->state == SessionState::kOk) {
+        context->state =
+            result == kZELUserCancelled ? SessionState::kCancelled : SessionState::kFailed;
+        context->error = result;
+    }
+    return context->error;
+}
+
+int32_t ZELPrOpen(CFBundleRef bundle, DriverContext **outContext) {
+    if (!outContext) return kZELBadParameter;
+    *outContext = nullptr;
+    if (!bundle) return kZELBadParameter;
+    std::unique_ptr<DriverContext> context(new (std::nothrow) DriverContext);
+    if (!context) return kZELOutOfMemory;
+    try {
+        FillContext(context.get(), bundle);
+    } catch (...) {
+        return kZELBadParameter;
+    }
+    *outContext = context.release();
+    return kZELNoError;
+}
+
+void ZELPrSuggestPage(DriverContext *context, void *ignored, const ZELPageRecord *page,
+                      uint16_t depth) {
+    PageInfo_tag &info = context->pageInfo;
+    if (depth) info.depth = depth;
+    if (!page) return;
+    info.widthPixels = page->widthPixels;
+    info.heightPixels = page->heightPixels;
+    info.widthMM = page->widthMM;
+    info.heightMM = page->heightMM;
+}
+
+Boolean ZELPrValidate(DriverContext *context, Handle record) {
+    context->record = record;
+    if (context->state != SessionState::kOk) return false;
+    const bool forced = OptionKeyIsHeld();
+    if (!forced && !HPrintIsBad(context, record)) return false;
+    SetDefaults(context, record);
+    SetSuggestions(context, record, &context->pageInfo);
+    if (HPrintIsBad(context, record)) SetDefaults(context, record);
+    return true;
+}
+
+void ZELPrDefaults(DriverContext *context, Handle record) {
+    context->record = record;
+    SetDefaults(context, record);
+}
+
+int32_t ZELPrGetInfo(DriverContext *context, Handle handle, ZELDriverInfo *info) {
+    const PSHPrint record = CopyRecord(handle);
+    const OutputGeometry geometry = RecordGeometry(record);
+    info->result = kZELNoError;
+    info->widthPixels = geometry.widthPixels;
+    info->heightPixels = geometry.heightPixels;
+    info->widthMM = geometry.widthMM;
+    info->heightMM = geometry.heightMM;
+    info->firstPage = static_cast<uint16_t>(Int16FromBigEndian(record.fromPage_be));
+    info->lastPage = static_cast<uint16_t>(Int16FromBigEndian(record.toPage_be));
+    info->copies = static_cast<uint16_t>(Int16FromBigEndian(record.copies_be));
+    return info->copies;
+}
+
+int32_t ZELPrSetJobName(DriverContext *context, void *ignored, CFStringRef name) {
+    context->jobName = CFRef<CFStringRef>::Retain(name);
+    return context->error;
+}
+
+CFDictionaryRef ZELPrCopyJobSettings(DriverContext *context, Handle record) {
+    context->record = record;
+    return DoCopyJobSettings(context, record).Detach();
+}
+
+Boolean ZELPrSetJobSettings(DriverContext *context, Handle record, CFDictionaryRef settings) {
+    context->record = record;
+    return DoSetJobSettings(context, record, settings);
+}
+
+void ZELPrJobMerge(DriverContext *context, Handle source, Handle destination) {
+    RecordLock sourceLock(source);
+    RecordLock destinationLock(destination);
+    const PSHPrint *from = sourceLock.Record();
+    PSHPrint *to = destinationLock.Record();
+    if (!from || !to) return;
+    to->copies_be = from->copies_be;
+    to->fromPage_be = from->fromPage_be;
+    to->toPage_be = from->toPage_be;
+}
+
+int32_t ZELPrOpenDoc(DriverContext *self) {
+    if (self->state != SessionState::kOk) return self->error;
+    if (self->mPageOutputSession) return LatchResult(self, kZELBadParameter);
+    if (LatchResult(self, DoOpenDocument(self)) == kZELNoError)
+        Assert(self->mPageOutputSession != nullptr, "self->mPageOutputSession != 0", __func__,
+               "Common/Src/DriverCommon");
+    return self->error;
+}
+
+int32_t ZELPrOpenPage(DriverContext *context, const void *a, const void *b) {
+    return CallWithDocument(context,
+                            [=](PageOutputSession *session) { return OpenPage(session, a, b); });
+}
+
+int32_t ZELPrPrintBitmap(DriverContext *context, const ZELBand *band, const ZELRect *sourceRect,
+                         const ZELRect *destRect) {
+    return CallWithDocument(context, [=](PageOutputSession *session) {
+        return PrintBits(session, band, sourceRect, destRect);
+    });
+}
+
+int32_t ZELPrClosePage(DriverContext *context) {
+    CallWithDocument(context, [](PageOutputSession *session) { return ClosePage(session); });
+    if (context->state != SessionState::kOk && context->mPageOutputSession)
+        KillPage(context->mPageOutputSession);
+    return context->error;
+}
+
+int32_t ZELPrCloseDoc(DriverContext *context) {
+    CallWithDocument(context, [context](PageOutputSession *session) {
+        context->mPageOutputSession = nullptr; // freed by the call, whatever its result
+        return CloseDocument(session);
+    });
+    KillOpenDocument(context);
+    return context->error;
+}
+
+void ZELPrSetError(DriverContext *context, int32_t code) {
+    if (context->state != SessionState::kOk) return;
+    context->error = code;
+    context->state = SessionState::kHostError;
+}
+
+int32_t ZELPrErrorString(DriverContext *context, int32_t code, StringPtr out) {
+    // Hosts compare with the second text as it is, misspelling included.
+    const char *text = code == kZELUserCancelled ? "Printing cancelled by user"
+                                                 : "An error ocurred while printing";
+    const size_t length = std::strlen(text);
+    out[0] = static_cast<unsigned char>(length);
+    std::memcpy(out + 1, text, length);
+    return static_cast<int32_t>(length);
+}
+
+int32_t ZELPrClose(DriverContext *context) {
+    const int32_t result =
+        context->state == SessionState::kCancelled ? int32_t{kZELNoError} : context->error;
+    delete context;
+    return result;
+}

@@ -1,0 +1,52 @@
+/// The record behind one open driver.
+#pragma once
+
+#include "Common/Src/CFRef.h"
+#include "Common/Src/PageInfo.h"
+#include "ZELTypes.h"
+#include <CoreServices/CoreServices.h>
+
+#include <optional>
+
+class PostscriptPrinterInfo;
+struct PageOutputSession;
+struct Separations;
+
+/// Once a session has left kOk it stays where it is.
+enum class SessionState : uint32_t {
+    kOk = 0,
+    kCancelled = 1, ///< the user cancelled a dialog, or a call returned kZELUserCancelled
+    kFailed = 2,    ///< a call failed
+    kHostError = 3  ///< the host latched an error of its own
+};
+
+/// Made by ZELPrOpen, freed by ZELPrClose. Used from one thread at a time.
+struct DriverContext {
+    DriverContext() = default;
+    DriverContext(const DriverContext &) = delete;
+    DriverContext &operator=(const DriverContext &) = delete;
+    ~DriverContext();
+
+    SessionState state = SessionState::kOk;
+    int32_t error = 0; ///< what most entry points return
+    uint8_t reserved = 0;
+    PageInfo_tag pageInfo;
+    CFRef<CFBundleRef> bundle;
+    CFRef<CFStringRef> bundleIdentifier; ///< names the preferences everywhere
+    CFRef<CFStringRef> jobName;          ///< null when the host has taken the name away
+    CFRef<CFStringRef> outputFileName;   ///< chosen in the print dialog, or null
+    bool hasOutputFileName = false;
+    CFRef<CFURLRef> hotFolder;
+    PageOutputSession *mPageOutputSession = nullptr; ///< owned while a document is open
+    PostscriptPrinterInfo *printerInfo = nullptr;    ///< owned; the page-setup dialog replaces it
+    Separations *separations = nullptr;              ///< owned; null when there is no folder
+
+    /// The handle given last to a call that takes a context and a record: ZELPrOpenDoc has no
+    /// record argument. The handle and not a copy, because hosts change the record in between.
+    Handle record = nullptr;
+    /// Set by ZELPrSetSendToPrintQueue; otherwise the user's preference holds.
+    std::optional<bool> sendToPrintQueue;
+};
+
+/// Latches a result other than 0 unless the session has ended already; returns the latched error.
+int32_t LatchResult(DriverContext *context, int32_t result);

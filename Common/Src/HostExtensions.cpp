@@ -1,0 +1,51 @@
+// Choices of a host that hold for one open driver: see ZELExtensions.h.
+#include "Common/Src/DriverContext.h"
+#include "ZELExtensions.h"
+#include "ppd/ParserError.h"
+#include "ppd/PostscriptPrinterInfo.h"
+
+#include <memory>
+#include <string>
+
+namespace {
+
+/// UTF-8 if it is that, otherwise byte for byte: PPD files come in many encodings.
+CFStringRef CreateMessage(const std::string &text) {
+    auto bytes = reinterpret_cast<const UInt8 *>(text.data());
+    auto length = static_cast<CFIndex>(text.size());
+    CFStringRef message =
+        CFStringCreateWithBytes(kCFAllocatorDefault, bytes, length, kCFStringEncodingUTF8, false);
+    if (message) return message;
+    return CFStringCreateWithBytes(kCFAllocatorDefault, bytes, length, kCFStringEncodingISOLatin1,
+                                   false);
+}
+
+std::unique_ptr<PostscriptPrinterInfo> ReadPrinter(CFURLRef ppd, std::string &error) {
+    try {
+        return std::make_unique<PostscriptPrinterInfo>(ppd);
+    } catch (const PPD::ParserError &parserError) {
+        error = parserError.ErrorMessage();
+    } catch (...) {
+        error = "The printer description could not be read";
+    }
+    return nullptr;
+}
+
+} // namespace
+
+int32_t ZELPrSetPrinter(DriverContext *context, CFURLRef ppd, CFStringRef *message) {
+    if (message) *message = nullptr;
+    std::string error;
+    std::unique_ptr<PostscriptPrinterInfo> printer = ReadPrinter(ppd, error);
+    if (!printer) {
+        if (message) *message = CreateMessage(error);
+        return kZELFileNotFound;
+    }
+    delete context->printerInfo;
+    context->printerInfo = printer.release();
+    return kZELNoError;
+}
+
+void ZELPrSetSendToPrintQueue(DriverContext *context, Boolean send) {
+    context->sendToPrintQueue = send != 0;
+}
