@@ -10,9 +10,9 @@
 #include "ppd/PostscriptPrinterInfo.h"
 #include <ApplicationServices/ApplicationServices.h>
 
-#include <cstring>
 #include <memory>
 #include <new>
+#include <string_view>
 
 namespace {
 
@@ -80,7 +80,7 @@ int32_t ZELPrOpen(CFBundleRef bundle, DriverContext **outContext) {
     return kZELNoError;
 }
 
-void ZELPrSuggestPage(DriverContext *context, void *ignored, const ZELPageRecord *page,
+void ZELPrSuggestPage(DriverContext *context, void * /*ignored*/, const ZELPageRecord *page,
                       uint16_t depth) {
     PageInfo_tag &info = context->pageInfo;
     if (depth) info.depth = depth;
@@ -107,7 +107,7 @@ void ZELPrDefaults(DriverContext *context, Handle record) {
     SetDefaults(context, record);
 }
 
-int32_t ZELPrGetInfo(DriverContext *context, Handle handle, ZELDriverInfo *info) {
+int32_t ZELPrGetInfo(DriverContext * /*context*/, Handle handle, ZELDriverInfo *info) {
     const PSHPrint record = CopyRecord(handle);
     const OutputGeometry geometry = RecordGeometry(record);
     info->result = kZELNoError;
@@ -121,7 +121,7 @@ int32_t ZELPrGetInfo(DriverContext *context, Handle handle, ZELDriverInfo *info)
     return info->copies;
 }
 
-int32_t ZELPrSetJobName(DriverContext *context, void *ignored, CFStringRef name) {
+int32_t ZELPrSetJobName(DriverContext *context, void * /*ignored*/, CFStringRef name) {
     context->jobName = CFRef<CFStringRef>::Retain(name);
     return context->error;
 }
@@ -136,7 +136,7 @@ Boolean ZELPrSetJobSettings(DriverContext *context, Handle record, CFDictionaryR
     return DoSetJobSettings(context, record, settings);
 }
 
-void ZELPrJobMerge(DriverContext *context, Handle source, Handle destination) {
+void ZELPrJobMerge(DriverContext * /*context*/, Handle source, Handle destination) {
     RecordLock sourceLock(source);
     RecordLock destinationLock(destination);
     const PSHPrint *from = sourceLock.Record();
@@ -190,14 +190,13 @@ void ZELPrSetError(DriverContext *context, int32_t code) {
     context->state = SessionState::kHostError;
 }
 
-int32_t ZELPrErrorString(DriverContext *context, int32_t code, StringPtr out) {
+int32_t ZELPrErrorString(DriverContext * /*context*/, int32_t code, StringPtr out) {
     // Hosts compare with the second text as it is, misspelling included.
-    const char *text = code == kZELUserCancelled ? "Printing cancelled by user"
-                                                 : "An error ocurred while printing";
-    const size_t length = std::strlen(text);
-    out[0] = static_cast<unsigned char>(length);
-    std::memcpy(out + 1, text, length);
-    return static_cast<int32_t>(length);
+    const std::string_view text = code == kZELUserCancelled ? "Printing cancelled by user"
+                                                            : "An error ocurred while printing";
+    out[0] = static_cast<unsigned char>(text.size());
+    text.copy(reinterpret_cast<char *>(out) + 1, text.size());
+    return out[0];
 }
 
 int32_t ZELPrClose(DriverContext *context) {
