@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 
