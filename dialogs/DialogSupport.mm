@@ -40,6 +40,27 @@
 }
 @end
 
+/// GNUstep's own palette is a dark grey; in a host that brings no AppKit of its own the dialogs
+/// come in a lighter one. What the user has set comes first.
+static void RegisterPalette() {
+    struct Colour {
+        NSString *name, *value;
+    };
+    const Colour colours[] = {{@"windowBackgroundColor", @"0.93 0.93 0.93"},
+                              {@"controlBackgroundColor", @"0.93 0.93 0.93"},
+                              {@"controlColor", @"0.96 0.96 0.96"},
+                              {@"controlShadowColor", @"0.7 0.7 0.7"},
+                              {@"controlDarkShadowColor", @"0.5 0.5 0.5"},
+                              {@"selectedMenuItemColor", @"0.25 0.5 0.9"},
+                              {@"selectedMenuItemTextColor", @"1 1 1"},
+                              {@"selectedTextBackgroundColor", @"0.7 0.82 0.98"},
+                              {@"selectedControlColor", @"0.7 0.82 0.98"}};
+    NSMutableDictionary *defaults = [NSMutableDictionary dictionary];
+    for (const Colour &colour : colours)
+        [defaults setObject:colour.value forKey:colour.name];
+    [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
+}
+
 static BOOL StartApplication() {
     const char *display = std::getenv("DISPLAY");
     if (display == nullptr || *display == 0) return NO;
@@ -48,6 +69,7 @@ static BOOL StartApplication() {
             registerDefaults:[NSDictionary dictionaryWithObject:@"YES"
                                                          forKey:@"GSSuppressAppIcon"]];
         const BOOL fresh = NSApp == nil; // a host may be a GNUstep application itself
+        if (fresh) RegisterPalette();
         [NSApplication sharedApplication];
         if (fresh)
             [NSApp finishLaunching]; // without it typed keys do not arrive
