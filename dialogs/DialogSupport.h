@@ -34,6 +34,10 @@ void StopModalAndWake(void);
 /// Inserts an item without removing an existing one of the same title (NSPopUpButton would).
 NSMenuItem *InsertPopUpItem(NSPopUpButton *popup, NSString *title, NSInteger tag, NSInteger index);
 
+/// Shows a text that may be too long for its field: its middle gives way, and a tool tip has it
+/// all.
+void ShowLongText(NSTextField *field, NSString *text);
+
 /// Shows an alert as a sheet. `didEnd` (may be NULL) has the form
 /// alertDidEnd:(NSAlert *)alert returnCode:(NSInteger)code contextInfo:(void *)contextInfo. It may
 /// run before this function returns.

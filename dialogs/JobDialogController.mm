@@ -52,7 +52,7 @@ static void FillBlankField(NSTextField *field) {
 
 - (void)showHotFolder {
     NSString *none = [_myBundle localizedStringForKey:@"none" value:@"none" table:@"Localizable"];
-    [_hotFolderText setStringValue:_hotFolder != nil ? [_hotFolder path] : none];
+    ShowLongText(_hotFolderText, _hotFolder != nil ? [_hotFolder path] : none);
 }
 
 - (void)setHotFolder:(NSURL *)folder {

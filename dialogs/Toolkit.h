@@ -1,0 +1,12 @@
+/// The one place where AppKit on GNUstep and on macOS are treated differently.
+///
+/// Defines HaveWindowServer and EnsureApplication of DialogSupport.h too.
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+/// Repairs the controls below a view that has just been read from an interface file.
+void PrepareToolkitView(NSView *view);
+
+/// Fits a pop-up's list to its items.
+void FitToolkitMenu(NSMenu *menu);

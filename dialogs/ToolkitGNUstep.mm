@@ -1,0 +1,201 @@
+#import "dialogs/Toolkit.h"
+
+#import "dialogs/DialogSupport.h"
+
+#include <ApplicationServices/ApplicationServices.h>
+#include <cstdlib>
+
+#import <GNUstepGUI/GSDisplayServer.h>
+#include <X11/Xlib.h>
+
+/// Makes every window that becomes key take part in WM_DELETE_WINDOW. A window that is not closable
+/// (every NSAlert) does not by itself, and a click on the close button that the window manager
+/// draws then kills the whole process. Taking part, AppKit answers with performClose:, which beeps.
+@interface ZELDialogWindowGuard : NSObject
+- (void)windowDidBecomeKey:(NSNotification *)notification;
+@end
+
+@implementation ZELDialogWindowGuard
+- (void)windowDidBecomeKey:(NSNotification *)notification {
+    NSWindow *window = [notification object];
+    GSDisplayServer *server = GSServerForWindow(window);
+    Display *display = static_cast<Display *>([server serverDevice]);
+    const Window handle = (Window)(uintptr_t)[server windowDevice:[window windowNumber]];
+    if (display == nullptr || handle == 0) return;
+    const Atom wanted = XInternAtom(display, "WM_DELETE_WINDOW", False);
+    Atom *present = nullptr;
+    int count = 0;
+    if (XGetWMProtocols(display, handle, &present, &count) == 0) count = 0;
+    Atom all[16];
+    bool found = false;
+    if (count > 15) count = 15;
+    for (int i = 0; i < count; ++i) {
+        all[i] = present[i];
+        found = found || present[i] == wanted;
+    }
+    if (present != nullptr) XFree(present);
+    if (found) return;
+    all[count] = wanted;
+    XSetWMProtocols(display, handle, all, count + 1);
+}
+@end
+
+/// GNUstep's own palette is a dark grey; in a host that brings no AppKit of its own the dialogs
+/// come in a lighter one. What the user has set comes first.
+static void RegisterPalette() {
+    struct Colour {
+        NSString *name, *value;
+    };
+    const Colour colours[] = {{@"windowBackgroundColor", @"0.93 0.93 0.93"},
+                              {@"controlBackgroundColor", @"0.93 0.93 0.93"},
+                              {@"controlColor", @"0.96 0.96 0.96"},
+                              {@"controlShadowColor", @"0.7 0.7 0.7"},
+                              {@"controlDarkShadowColor", @"0.5 0.5 0.5"},
+                              {@"selectedMenuItemColor", @"0.25 0.5 0.9"},
+                              {@"selectedMenuItemTextColor", @"1 1 1"},
+                              {@"selectedTextBackgroundColor", @"0.7 0.82 0.98"},
+                              {@"selectedControlColor", @"0.7 0.82 0.98"}};
+    NSMutableDictionary *defaults = [NSMutableDictionary dictionary];
+    for (const Colour &colour : colours)
+        [defaults setObject:colour.value forKey:colour.name];
+    [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
+}
+
+static BOOL StartApplication() {
+    const char *display = std::getenv("DISPLAY");
+    if (display == nullptr || *display == 0) return NO;
+    @try {
+        [[NSUserDefaults standardUserDefaults]
+            registerDefaults:[NSDictionary dictionaryWithObject:@"YES"
+                                                         forKey:@"GSSuppressAppIcon"]];
+        const BOOL fresh = NSApp == nil; // a host may be a GNUstep application itself
+        if (fresh) RegisterPalette();
+        [NSApplication sharedApplication];
+        if (fresh)
+            [NSApp finishLaunching]; // without it typed keys do not arrive
+        else
+            [NSScreen mainScreen]; // raises when an earlier start found no server
+        [[NSNotificationCenter defaultCenter] addObserver:[ZELDialogWindowGuard new]
+                                                 selector:@selector(windowDidBecomeKey:)
+                                                     name:NSWindowDidBecomeKeyNotification
+                                                   object:nil];
+        return YES;
+    } @catch (NSException *e) {
+        return NO; // NSWindowServerCommunicationException
+    }
+}
+
+BOOL EnsureApplication(void) {
+    static BOOL tried, works;
+    if (!tried) {
+        tried = YES;
+        @autoreleasepool {
+            works = StartApplication();
+        }
+    }
+    return works;
+}
+
+BOOL HaveWindowServer(void) {
+    static const BOOL have = [] {
+        CGEventSourceRef source = CGEventSourceCreate(kCGEventSourceStateCombinedSessionState);
+        if (source != nullptr) CFRelease(source);
+        return BOOL(source != nullptr);
+    }();
+    return have;
+}
+
+typedef void (*MarkDrawing)(BOOL isOn);
+
+/// The theme tells a selected radio button by shades of grey that a light palette does not have.
+static void DrawRadioMark(BOOL isOn) {
+    NSBezierPath *ring = [NSBezierPath bezierPathWithOvalInRect:NSMakeRect(1.5, 1.5, 12, 12)];
+    [[NSColor whiteColor] set];
+    [ring fill];
+    [[NSColor darkGrayColor] set];
+    [ring stroke];
+    [[NSColor blackColor] set];
+    if (isOn) [[NSBezierPath bezierPathWithOvalInRect:NSMakeRect(4.5, 4.5, 6, 6)] fill];
+}
+
+static void DrawCheckMark(BOOL isOn) {
+    const NSRect box = NSMakeRect(1.5, 1.5, 12, 12);
+    [[NSColor whiteColor] set];
+    NSRectFill(box);
+    [[NSColor darkGrayColor] set];
+    [NSBezierPath strokeRect:box];
+    if (!isOn) return;
+    NSBezierPath *tick = [NSBezierPath bezierPath];
+    [tick setLineWidth:2];
+    [tick moveToPoint:NSMakePoint(4, 7.5)];
+    [tick lineToPoint:NSMakePoint(6.5, 4.5)];
+    [tick lineToPoint:NSMakePoint(11, 11)];
+    [[NSColor blackColor] set];
+    [tick stroke];
+}
+
+/// Wider than the mark, for a gap before the title.
+static NSImage *CreateMark(MarkDrawing draw, BOOL isOn) {
+    NSImage *image = [[NSImage alloc] initWithSize:NSMakeSize(19, 15)];
+    [image lockFocus];
+    draw(isOn);
+    [image unlockFocus];
+    return image;
+}
+
+static void PrepareMatrix(NSMatrix *matrix) {
+    static NSImage *const off = CreateMark(DrawRadioMark, NO);
+    static NSImage *const on = CreateMark(DrawRadioMark, YES);
+    for (NSButtonCell *cell in [matrix cells]) {
+        // Button cells come out editable: a click would start text editing in the cell.
+        [cell setEditable:NO];
+        [cell setSelectable:NO];
+        [cell setImage:off];
+        [cell setAlternateImage:on];
+    }
+}
+
+static void PrepareCheckBox(NSButton *button) {
+    static NSImage *const off = CreateMark(DrawCheckMark, NO);
+    static NSImage *const on = CreateMark(DrawCheckMark, YES);
+    [button setImage:off];
+    [button setAlternateImage:on];
+}
+
+/// Push buttons in the shape that alerts and panels have here. An interface file gives them macOS's
+/// frame, which has wide invisible margins.
+static void PreparePushButton(NSButton *button) {
+    [button setBezelStyle:NSRegularSquareBezelStyle];
+    [button setFrame:NSInsetRect([button frame], 6, 4)];
+    if (![[button keyEquivalent] isEqual:@"\r"]) return;
+    [button setImage:[NSImage imageNamed:@"common_ret"]];
+    [button setImagePosition:NSImageRight];
+}
+
+static void PrepareButton(NSButton *button) {
+    if (![button isBordered])
+        PrepareCheckBox(button);
+    else if ([[button cell] bezelStyle] == NSRoundedBezelStyle)
+        PreparePushButton(button);
+}
+
+static void PreparePopUp(NSPopUpButton *popup) {
+    // The cell keeps an unretained selected item and changes its state while it is deallocated,
+    // after the menu has gone; without state changes that cannot happen, and no check mark is
+    // drawn.
+    [[popup cell] setAltersStateOfSelectedItem:NO];
+    for (NSMenuItem *item in [popup itemArray])
+        [item setState:NSOffState];
+}
+
+void PrepareToolkitView(NSView *view) {
+    if ([view isKindOfClass:[NSMatrix class]]) PrepareMatrix((NSMatrix *)view);
+    if ([view isKindOfClass:[NSPopUpButton class]]) PreparePopUp((NSPopUpButton *)view);
+    if ([view isMemberOfClass:[NSButton class]]) PrepareButton((NSButton *)view);
+    for (NSView *sub in [view subviews])
+        PrepareToolkitView(sub);
+}
+
+void FitToolkitMenu(NSMenu *menu) {
+    [[menu menuRepresentation] sizeToFit]; // else a title is drawn without its indent
+}

@@ -1,0 +1,14 @@
+#import "dialogs/Toolkit.h"
+
+#import "dialogs/DialogSupport.h"
+
+BOOL HaveWindowServer(void) { return YES; }
+
+BOOL EnsureApplication(void) {
+    [NSApplication sharedApplication];
+    return YES;
+}
+
+void PrepareToolkitView(NSView *) {}
+
+void FitToolkitMenu(NSMenu *) {}
