@@ -32,6 +32,7 @@ ASCII85StreamEncoder::ASCII85StreamEncoder(Writebuffer *buffer, ASCII85Kernel ke
     : OutputStreamEncoder(buffer), mKernel(kernel) {}
 
 int16_t ASCII85StreamEncoder::Write(const void *data, size_t length) {
+    if (length == 0) return 0;
     const auto *bytes = static_cast<const uint8_t *>(data);
     if (mGroupCount != 0) {
         const size_t count = std::min(mGroupBuffer.size() - mGroupCount, length);
