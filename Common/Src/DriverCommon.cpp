@@ -1,5 +1,6 @@
-// The entry points of a session: see ZELPrint.h.
-#include "Common/Src/Assertion.h"
+// The entry points of a session: see ZELPrint.h. The assertion stays in the release build: going on
+// without a session would end in a crash of the host later on.
+#undef NDEBUG
 #include "Common/Src/DocumentOpening.h"
 #include "Common/Src/DriverContext.h"
 #include "Common/Src/JobSettings.h"
@@ -7,9 +8,11 @@
 #include "Common/Src/PrintRecord.h"
 #include "ZELPrint.h"
 #include "colour/Separations.h"
+#include "dialogs/Beep.h"
 #include "ppd/PostscriptPrinterInfo.h"
 #include <ApplicationServices/ApplicationServices.h>
 
+#include <cassert>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -95,6 +98,7 @@ Boolean ZELPrValidate(DriverContext *context, Handle record) {
     context->record = record;
     if (context->state != SessionState::kOk) return false;
     const bool forced = OptionKeyIsHeld();
+    if (forced) SoundBeep();
     if (!forced && !HPrintIsBad(context, record)) return false;
     SetDefaults(context, record);
     SetSuggestions(context, record, &context->pageInfo);
@@ -151,8 +155,7 @@ int32_t ZELPrOpenDoc(DriverContext *self) {
     if (self->state != SessionState::kOk) return self->error;
     if (self->mPageOutputSession) return LatchResult(self, kZELBadParameter);
     if (LatchResult(self, DoOpenDocument(self)) == kZELNoError)
-        Assert(self->mPageOutputSession != nullptr, "self->mPageOutputSession != 0", __func__,
-               "Common/Src/DriverCommon");
+        assert(self->mPageOutputSession != 0);
     return self->error;
 }
 

@@ -1,0 +1,10 @@
+#include "dialogs/Beep.h"
+
+#import "dialogs/DialogSupport.h"
+
+void SoundBeep() {
+    @autoreleasepool {
+        // The sound comes from the window system, which a host without windows has not reached yet.
+        if (HaveWindowServer() && EnsureApplication()) NSBeep();
+    }
+}
