@@ -155,7 +155,7 @@ int32_t ZELPrOpenDoc(DriverContext *self) {
     if (self->state != SessionState::kOk) return self->error;
     if (self->mPageOutputSession) return LatchResult(self, kZELBadParameter);
     if (LatchResult(self, DoOpenDocument(self)) == kZELNoError)
-        assert(self->mPageOutputSession != 0);
+        assert(self->mPageOutputSession != 0); // NOLINT(modernize-use-nullptr): reported text
     return self->error;
 }
 
