@@ -24,7 +24,8 @@ bool Known(Handle h) {
 
 Handle Allocate(Size byteCount) {
     Block *block = byteCount < 0 ? nullptr : new (std::nothrow) Block{};
-    // One byte at least, so that *h is never null and a zero-sized block can be told from a failure.
+    // One byte at least, so that *h is never null and a zero-sized block can be told from a
+    // failure.
     Ptr data = block ? static_cast<Ptr>(std::calloc(1, byteCount > 0 ? byteCount : 1)) : nullptr;
     if (!data) {
         delete block;

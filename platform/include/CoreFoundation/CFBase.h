@@ -67,6 +67,7 @@ typedef struct __CFArray *CFMutableArrayRef;
 typedef const struct __CFBoolean *CFBooleanRef;
 typedef struct __CFBundle *CFBundleRef; // NSBundle here; not toll-free bridged on macOS
 typedef const struct __CFData *CFDataRef;
+typedef const struct __CFDate *CFDateRef;
 typedef struct __CFDateFormatter *CFDateFormatterRef; // NSDateFormatter here; not bridged on macOS
 typedef const struct __CFDictionary *CFDictionaryRef;
 typedef struct __CFDictionary *CFMutableDictionaryRef;

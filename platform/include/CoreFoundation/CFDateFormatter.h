@@ -19,6 +19,7 @@ enum {
 CF_EXTERN_C_BEGIN
 
 CF_EXPORT CFTypeID CFDateGetTypeID(void);
+CF_EXPORT CFDateRef CFDateCreate(CFAllocatorRef allocator, CFAbsoluteTime at);
 CF_EXPORT CFAbsoluteTime CFAbsoluteTimeGetCurrent(void);
 CF_EXPORT CFLocaleRef CFLocaleCopyCurrent(void);
 CF_EXPORT CFDateFormatterRef CFDateFormatterCreate(CFAllocatorRef allocator, CFLocaleRef locale,

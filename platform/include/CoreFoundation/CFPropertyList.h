@@ -14,7 +14,8 @@ enum {
 
 CF_EXTERN_C_BEGIN
 
-/// Both: null on failure; `*error` is always set to null.
+/// Both: null on failure; `*error` is always set to null. Data may come from anywhere: lists that
+/// are damaged, or nested more than 128 deep, are refused.
 CF_EXPORT CFDataRef CFPropertyListCreateData(CFAllocatorRef allocator,
                                              CFPropertyListRef propertyList,
                                              CFPropertyListFormat format, CFOptionFlags options,

@@ -4,20 +4,28 @@
 #include <string>
 
 #pragma GCC visibility push(default)
+
 /// The decimal separator of the user's locale.
 std::string PlatformDecimalSeparator();
+
 /// `value` in the user's locale without grouping; `decimals` is clipped to 0..20.
 std::string PlatformFormatNumber(double value, int decimals);
+
 /// Reads a number written in the user's locale. The whole text must be the number; blanks around
 /// it are allowed.
 bool PlatformScanNumber(const std::string &text, double &value);
+
 /// Is the item, or a folder that holds it, in a trash folder of the user?
 bool PlatformIsInTrash(const std::string &path);
+
 /// Asks the system not to keep what is written to `fd` in its file cache. A hint; never fails.
 void PlatformDisableFileCache(int fd);
-/// Runs `program` with `arguments` (argument 0 not included) and waits for it. Returns its exit
-/// status, or 1 when it could not be started.
+
+/// Runs `program` (a path) with `arguments` (argument 0 not included) and waits for its end.
+/// Returns its exit status, or 1 when it could not be started or was ended by a signal.
 int PlatformRunTask(const char *program, const char *const *arguments, int count);
+
 /// The user's Application Support folder; it need not exist. Empty when it cannot be told.
 std::string PlatformApplicationSupportFolder();
+
 #pragma GCC visibility pop

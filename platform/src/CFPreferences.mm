@@ -1,0 +1,129 @@
+// Preferences: one persistent domain of NSUserDefaults, that is one file, for each application
+// identifier.
+#include "CFBridge.h"
+#include <mutex>
+
+namespace {
+
+/// NSUserDefaults merges files and memory in several steps; one thread at a time.
+std::recursive_mutex gLock;
+
+NSDictionary *Domain(NSString *application) {
+    return [[NSUserDefaults standardUserDefaults] persistentDomainForName:application];
+}
+
+bool IsPropertyList(id value) {
+    return [NSPropertyListSerialization propertyList:value
+                                    isValidForFormat:NSPropertyListXMLFormat_v1_0];
+}
+
+/// `defaults write` stores what it is given without a type as a string.
+bool IntegerFromString(NSString *string, CFIndex *result) {
+    NSScanner *scanner = [NSScanner scannerWithString:string];
+    long long value = 0;
+    if (![scanner scanLongLong:&value] || ![scanner isAtEnd]) return false;
+    *result = (CFIndex)value;
+    return true;
+}
+
+bool BooleanFromString(NSString *string, Boolean *result) {
+    NSString *word = [string lowercaseString];
+    *result = [[NSArray arrayWithObjects:@"true", @"yes", @"1", nil] containsObject:word];
+    return *result || [[NSArray arrayWithObjects:@"false", @"no", @"0", nil] containsObject:word];
+}
+
+bool IntegerFromValue(CFTypeRef value, CFIndex *result) {
+    if (NSString *string = String(value)) return IntegerFromString(string, result);
+    NSNumber *number = As<NSNumber>([NSNumber class], value);
+    bool exact = false;
+    const int64_t integer = IntegerValue(number, &exact);
+    if (number == nil || !exact) return false;
+    *result = integer;
+    return true;
+}
+
+bool BooleanFromValue(CFTypeRef value, Boolean *result) {
+    if (NSString *string = String(value)) return BooleanFromString(string, result);
+    NSNumber *number = As<NSNumber>([NSNumber class], value);
+    *result = [number boolValue] ? 1 : 0;
+    return number != nil;
+}
+
+/// Reads a preference by `convert`; 0 when it is missing or not convertible.
+template <class T>
+T Value(CFStringRef key, CFStringRef application, Boolean *valid, bool (*convert)(CFTypeRef, T *)) {
+    @autoreleasepool {
+        CFPropertyListRef value = CFPreferencesCopyAppValue(key, application);
+        T result = 0;
+        const bool good = value && convert(value, &result);
+        if (value) CFRelease(value);
+        if (valid) *valid = good ? 1 : 0;
+        return good ? result : 0;
+    }
+}
+
+void SetValue(NSString *key, id value, NSString *application) {
+    NSMutableDictionary *domain =
+        [NSMutableDictionary dictionaryWithDictionary:Domain(application)];
+    if (value)
+        [domain setObject:value forKey:key];
+    else
+        [domain removeObjectForKey:key];
+    [[NSUserDefaults standardUserDefaults] setPersistentDomain:domain forName:application];
+}
+
+bool Synchronize(NSString *application) {
+    // On its own, synchronize re-reads the files only if their folder's date, in whole seconds, is
+    // newer than the last time. A domain that has been set is merged in any case.
+    NSDictionary *domain = Domain(application);
+    NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
+    [defaults setPersistentDomain:domain ? domain : [NSDictionary dictionary] forName:application];
+    return [defaults synchronize];
+}
+
+} // namespace
+
+extern "C" {
+
+CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID) {
+    if (!String(key) || !String(applicationID)) return nullptr;
+    std::lock_guard<std::recursive_mutex> guard(gLock);
+    return Create([&] { return [Domain(String(applicationID)) objectForKey:String(key)]; });
+}
+
+void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {
+    if (!String(key) || !String(applicationID)) return;
+    std::lock_guard<std::recursive_mutex> guard(gLock);
+    @autoreleasepool {
+        @try {
+            if (!value || IsPropertyList(Object(value)))
+                SetValue(String(key), Object(value), String(applicationID));
+        } @catch (NSException *exception) {
+            NSLog(@"preferences of %@ not changed: %@", applicationID, exception);
+        }
+    }
+}
+
+Boolean CFPreferencesAppSynchronize(CFStringRef applicationID) {
+    if (!String(applicationID)) return 0;
+    std::lock_guard<std::recursive_mutex> guard(gLock);
+    @autoreleasepool {
+        @try {
+            return Synchronize(String(applicationID)) ? 1 : 0;
+        } @catch (NSException *exception) {
+            NSLog(@"preferences of %@ not written: %@", applicationID, exception);
+            return 0;
+        }
+    }
+}
+
+CFIndex CFPreferencesGetAppIntegerValue(CFStringRef key, CFStringRef applicationID,
+                                        Boolean *keyExistsAndHasValidFormat) {
+    return Value<CFIndex>(key, applicationID, keyExistsAndHasValidFormat, IntegerFromValue);
+}
+
+Boolean CFPreferencesGetAppBooleanValue(CFStringRef key, CFStringRef applicationID,
+                                        Boolean *keyExistsAndHasValidFormat) {
+    return Value<Boolean>(key, applicationID, keyExistsAndHasValidFormat, BooleanFromValue);
+}
+}

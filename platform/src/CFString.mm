@@ -1,0 +1,139 @@
+// Strings: creation, reading out, comparison.
+#include "CFBridge.h"
+#include <cstring>
+#include <mutex>
+
+namespace {
+
+NSStringEncoding FoundationEncoding(CFStringEncoding encoding) {
+    switch (encoding) {
+        case kCFStringEncodingMacRoman:
+            return NSMacOSRomanStringEncoding;
+        case kCFStringEncodingISOLatin1:
+            return NSISOLatin1StringEncoding;
+        case kCFStringEncodingASCII:
+            return NSASCIIStringEncoding;
+        case kCFStringEncodingUTF16:
+            return NSUnicodeStringEncoding;
+        default:
+            return NSUTF8StringEncoding;
+    }
+}
+
+NSData *Encoded(CFStringRef string, CFStringEncoding encoding) {
+    return [String(string) dataUsingEncoding:FoundationEncoding(encoding) allowLossyConversion:NO];
+}
+
+} // namespace
+
+extern "C" {
+
+CFStringRef __CFStringMakeConstantString(const char *cStr) {
+    static std::mutex lock;
+    static NSMapTable *strings; // address of the literal -> immortal string
+    @autoreleasepool {
+        std::lock_guard<std::mutex> guard(lock);
+        if (strings == nil)
+            strings = NSCreateMapTable(NSNonOwnedPointerMapKeyCallBacks,
+                                       NSNonOwnedPointerMapValueCallBacks, 64);
+        NSString *string = (NSString *)NSMapGet(strings, cStr);
+        if (string == nil) {
+            string = [[NSString alloc] initWithUTF8String:cStr];
+            NSMapInsert(strings, cStr, string);
+        }
+        return (CFStringRef)string;
+    }
+}
+
+CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8 *bytes, CFIndex numBytes,
+                                    CFStringEncoding encoding, Boolean) {
+    if ((!bytes && numBytes != 0) || numBytes < 0) return nullptr;
+    return (CFStringRef)Create([&] {
+        return [[[NSString alloc] initWithBytes:bytes
+                                         length:(NSUInteger)numBytes
+                                       encoding:FoundationEncoding(encoding)] autorelease];
+    });
+}
+
+CFStringRef CFStringCreateWithCString(CFAllocatorRef alloc, const char *cStr,
+                                      CFStringEncoding encoding) {
+    if (!cStr) return nullptr;
+    return CFStringCreateWithBytes(alloc, (const UInt8 *)cStr, (CFIndex)std::strlen(cStr), encoding,
+                                   0);
+}
+
+CFStringRef CFStringCreateWithPascalString(CFAllocatorRef alloc, ConstStr255Param pStr,
+                                           CFStringEncoding encoding) {
+    if (!pStr) return nullptr;
+    return CFStringCreateWithBytes(alloc, pStr + 1, pStr[0], encoding, 0);
+}
+
+CFStringRef CFStringCreateWithSubstring(CFAllocatorRef, CFStringRef str, CFRange range) {
+    const CFIndex length = CFStringGetLength(str);
+    if (range.location < 0 || range.length < 0 || range.location > length ||
+        range.length > length - range.location)
+        return nullptr;
+    return (CFStringRef)CreateCopy([&] {
+        return [String(str)
+            substringWithRange:NSMakeRange((NSUInteger)range.location, (NSUInteger)range.length)];
+    });
+}
+
+CFStringRef CFStringCreateCopy(CFAllocatorRef, CFStringRef theString) {
+    return (CFStringRef)CreateCopy([&] { return String(theString); });
+}
+
+CFStringRef CFStringCreateWithFormat(CFAllocatorRef, CFDictionaryRef, CFStringRef format, ...) {
+    if (String(format) == nil) return nullptr;
+    va_list arguments;
+    va_start(arguments, format);
+    CFTypeRef result = nullptr;
+    @autoreleasepool {
+        result = [[NSString alloc] initWithFormat:String(format) arguments:arguments];
+    }
+    va_end(arguments);
+    return (CFStringRef)result;
+}
+
+CFIndex CFStringGetLength(CFStringRef theString) { return (CFIndex)[String(theString) length]; }
+
+Boolean CFStringGetCString(CFStringRef theString, char *buffer, CFIndex bufferSize,
+                           CFStringEncoding encoding) {
+    @autoreleasepool {
+        NSData *bytes = Encoded(theString, encoding);
+        if (bytes == nil || bufferSize < (CFIndex)[bytes length] + 1) return 0;
+        std::memcpy(buffer, [bytes bytes], [bytes length]);
+        buffer[[bytes length]] = 0;
+        return 1;
+    }
+}
+
+Boolean CFStringGetPascalString(CFStringRef theString, StringPtr buffer, CFIndex bufferSize,
+                                CFStringEncoding encoding) {
+    @autoreleasepool {
+        NSData *bytes = Encoded(theString, encoding);
+        const NSUInteger length = [bytes length];
+        if (bytes == nil || length > 255 || bufferSize < (CFIndex)length + 1) return 0;
+        buffer[0] = (unsigned char)length;
+        std::memcpy(buffer + 1, [bytes bytes], length);
+        return 1;
+    }
+}
+
+CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
+    switch (encoding) {
+        case kCFStringEncodingUTF8:
+            return length * 3; // a surrogate pair has four bytes, not six
+        case kCFStringEncodingUTF16:
+            return length * 2;
+        default:
+            return length;
+    }
+}
+
+SInt32 CFStringGetIntValue(CFStringRef str) {
+    @autoreleasepool {
+        return [String(str) intValue];
+    }
+}
+}
