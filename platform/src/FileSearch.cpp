@@ -72,7 +72,7 @@ std::string FileSearch::Below(const std::string &root, const std::string &except
     for (size_t i = 0; i < folders.size() && mEntriesLeft > 0; ++i) {
         const std::string folder = folders[i];
         if (DeviceOf(folder) != device) continue;
-        const std::string found = Visit(folder, except, folders);
+        std::string found = Visit(folder, except, folders);
         if (!found.empty()) return found;
     }
     return {};

@@ -11,8 +11,6 @@
 #include <unistd.h>
 #include <vector>
 
-extern char **environ;
-
 namespace {
 
 /// Exit status of the child; 1 when a signal ended it or when it cannot be told.
