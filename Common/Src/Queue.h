@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Common/Src/Mutex.h"
+#include <atomic>
 #include <cstddef>
 #include <optional>
 #include <vector>
@@ -12,7 +13,7 @@ struct QueueState {
     Condition arrived; ///< signalled when an item arrives in an empty queue
     std::vector<void *> ring ZEL_GUARDED_BY(mutex); ///< grows when full, never shrinks
     size_t first ZEL_GUARDED_BY(mutex) = 0;
-    size_t count ZEL_GUARDED_BY(mutex) = 0;
+    std::atomic<size_t> count = 0; ///< changed under the mutex, looked at without it while spinning
 };
 
 /// Does not own its items; a null pointer is an item like any other. Any thread may push and pop,
@@ -34,5 +35,6 @@ void QueueDestroy(Queue *queue);
 /// to grow and memory is short.
 void QueuePush(Queue *queue, void *item);
 
-/// Takes the item at the front, waiting for one without limit.
+/// Takes the item at the front, waiting for one without limit: first awake, for as long as an item
+/// takes on its way through a busy pipeline, then asleep.
 [[nodiscard]] void *QueuePop(Queue *queue);

@@ -1,4 +1,5 @@
 #include "Common/Src/RowConversion.h"
+#include "Common/Src/PackRGB.h"
 
 #include "ZELTypes.h"
 #include "colour/Separations.h"
@@ -73,14 +74,6 @@ int32_t ComponentCount(ColourMode mode) {
             return 3;
         default:
             return 4;
-    }
-}
-
-void PackRGB(const uint8_t *source, int64_t count, uint8_t *out) {
-    for (int64_t i = 0; i < count; ++i) {
-        out[i * 3] = source[i * 4 + 1];
-        out[i * 3 + 1] = source[i * 4 + 2];
-        out[i * 3 + 2] = source[i * 4 + 3];
     }
 }
 

@@ -31,8 +31,5 @@ inline uint64_t RowBufferSize(uint64_t width) {
     return width * 4;
 }
 
-/// x, R, G, B to R, G, B.
-void PackRGB(const uint8_t *source, int64_t count, uint8_t *out);
-
 /// 255 - value, byte by byte.
 void InvertBytes(const uint8_t *source, int64_t count, uint8_t *out);

@@ -11,11 +11,17 @@ constexpr size_t kLineBytes = kLineText + 1;
 /// Blocks encoded at a time: their text and lines stay in the processor's nearest cache.
 constexpr size_t kBatchBlocks = 64;
 constexpr size_t kBatchText = kBatchBlocks * kASCII85BlockText;
-constexpr size_t kBatchLines = kBatchText / kLineText + 1; // one more begun by an earlier batch
 
 int16_t WriteBytes(Writebuffer *buffer, const void *bytes, size_t length) {
     uint64_t count = length;
     return WBWrite(buffer, &count, bytes);
+}
+
+void CopyLines(const char *text, size_t lines, uint8_t *out) {
+    for (; lines > 0; --lines, text += kLineText, out += kLineBytes) {
+        std::memcpy(out, text, kLineText);
+        out[kLineText] = '\n';
+    }
 }
 
 } // namespace
@@ -82,31 +88,42 @@ int16_t ASCII85StreamEncoder::WriteBufferContents() {
     return WriteText(text, length);
 }
 
-/// Forms lines and hands over the finished ones together.
 int16_t ASCII85StreamEncoder::WriteText(const char *text, size_t length) {
-    if (mLineCount + length < kLineText) {
+    const size_t missing = kLineText - mLineCount;
+    if (length < missing) {
         std::memcpy(mLineBuffer.data() + mLineCount, text, length);
         mLineCount += length;
         return 0;
     }
-    char lines[kBatchLines * kLineBytes];
-    char *out = lines;
-    const size_t rest = kLineText - mLineCount;
-    std::memcpy(out, mLineBuffer.data(), kLineText);
-    std::memcpy(out + mLineCount, text, rest);
-    out[kLineText] = '\n';
-    out += kLineBytes;
-    const char *const end = text + length;
-    for (text += rest; end - text >= static_cast<ptrdiff_t>(kLineText); text += kLineText) {
-        std::memcpy(out, text, kLineText);
-        out[kLineText] = '\n';
-        out += kLineBytes;
+    const int16_t error = FinishLine(text, missing);
+    return error != 0 ? error : WriteLines(text + missing, length - missing);
+}
+
+/// Fills the line up with the `missing` characters at `text` and hands it over.
+int16_t ASCII85StreamEncoder::FinishLine(const char *text, size_t missing) {
+    std::memcpy(mLineBuffer.data() + mLineCount, text, missing);
+    mLineBuffer[kLineText] = '\n';
+    mLineCount = 0;
+    return WriteBytes(mBuffer, mLineBuffer.data(), kLineBytes);
+}
+
+/// Text at the start of a line: whole lines are formed in the Writebuffer's memory, all at once,
+/// but for one that goes on in the next buffer. What does not fill a line waits in mLineBuffer.
+int16_t ASCII85StreamEncoder::WriteLines(const char *text, size_t length) {
+    while (length >= kLineText) {
+        const WBRoom room = WBFreeRoom(mBuffer);
+        const size_t lines = std::min<size_t>(length / kLineText, room.size / kLineBytes);
+        const size_t count = std::max<size_t>(lines, 1) * kLineText;
+        CopyLines(text, lines, room.data);
+        const int16_t error =
+            lines != 0 ? WBAccept(mBuffer, lines * kLineBytes) : FinishLine(text, kLineText);
+        if (error != 0) return error;
+        text += count;
+        length -= count;
     }
-    mLineCount = static_cast<size_t>(end - text);
-    std::memcpy(mLineBuffer.data(), text, mLineCount);
-    const int16_t error = WriteBytes(mBuffer, lines, static_cast<size_t>(out - lines));
-    if (error != 0) mLineCount = 0;
-    return error;
+    std::memcpy(mLineBuffer.data(), text, length);
+    mLineCount = length;
+    return 0;
 }
 
 int16_t ASCII85StreamEncoder::Close() {

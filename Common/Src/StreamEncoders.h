@@ -58,6 +58,8 @@ private:
     [[nodiscard]] int16_t WriteBufferContents();
     [[nodiscard]] int16_t WriteBlocks(const uint8_t *data, size_t blocks);
     [[nodiscard]] int16_t WriteText(const char *text, size_t length);
+    [[nodiscard]] int16_t FinishLine(const char *text, size_t missing);
+    [[nodiscard]] int16_t WriteLines(const char *text, size_t length);
 
     ASCII85Kernel mKernel;
     uint64_t mGroupCount = 0;               ///< bytes in mGroupBuffer

@@ -156,6 +156,15 @@ int16_t WBWrite(Writebuffer *wb, uint64_t *inOutCount, const void *bytes) {
     return LatchedError(wb);
 }
 
+WBRoom WBFreeRoom(Writebuffer *wb) {
+    return {wb->current->data + wb->current->length, wb->capacity - wb->current->length};
+}
+
+int16_t WBAccept(Writebuffer *wb, uint64_t count) {
+    wb->current->length += count;
+    return LatchedError(wb);
+}
+
 int16_t DisposeWbuffer(Writebuffer *wb) {
     const std::unique_ptr<Writebuffer> owner(wb);
     (void)WBFlushCurrent(wb); // the error is read once the thread has ended

@@ -50,6 +50,17 @@ struct Writebuffer {
 /// buffer that is just full is handed over with the next byte. Returns the latched error.
 [[nodiscard]] int16_t WBWrite(Writebuffer *wb, uint64_t *inOutCount, const void *bytes);
 
+/// The free part of the current buffer, for a caller that makes its bytes in place, and its size,
+/// which may be 0.
+struct WBRoom {
+    uint8_t *data;
+    uint64_t size;
+};
+[[nodiscard]] WBRoom WBFreeRoom(Writebuffer *wb);
+
+/// Counts `count` bytes made at the start of WBFreeRoom as written. Returns the latched error.
+[[nodiscard]] int16_t WBAccept(Writebuffer *wb, uint64_t count);
+
 /// Hands the current buffer to the writer thread, if it holds anything. Afterwards the caller must
 /// take another one from `freeQueue`. Returns the latched error.
 [[nodiscard]] int16_t WBFlushCurrent(Writebuffer *wb);

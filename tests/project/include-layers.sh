@@ -12,7 +12,7 @@ level() {
         Common/Src/PageOutput*) echo 70 ;;
         Common/Src/BandScaler* | Common/Src/OutputFiles* | Common/Src/PostscriptWriter* | Common/Src/PrintQueue* | \
             Common/Src/RowConversion*) echo 60 ;;
-        Common/Src/PostscriptText* | Common/Src/ScanLines*) echo 55 ;;
+        Common/Src/PostscriptText* | Common/Src/ScanLines* | Common/Src/PackRGB*) echo 55 ;;
         colour/*) echo 50 ;;
         Common/Src/StreamEncoders*) echo 40 ;;
         Common/Src/ASCII85*) echo 35 ;;
@@ -26,7 +26,7 @@ level() {
     esac
 }
 
-outputPath='^(Common/Src/(PageOutput|BandScaler|OutputFiles|PostscriptText|PostscriptWriter|PrintQueue|RowConversion|ScanLines|StreamEncoders|ASCII85|Writebuffer|Queue))'
+outputPath='^(Common/Src/(PageOutput|BandScaler|OutputFiles|PostscriptText|PostscriptWriter|PrintQueue|RowConversion|PackRGB|ScanLines|StreamEncoders|ASCII85|Writebuffer|Queue))'
 failed=0
 complain() { echo "$1" >&2; failed=1; }
 
