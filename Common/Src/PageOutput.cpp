@@ -12,6 +12,8 @@
 
 /// Room for the widest pixel of all formats.
 constexpr uint64_t kWidestPixel = 12;
+/// No paper needs more; a damaged record could ask for 24 GiB, which some systems would hand out.
+constexpr uint64_t kLongestLine = uint64_t{1} << 30;
 
 struct PageOutputSession {
     ~PageOutputSession() { Output_Kill(output); }
@@ -88,6 +90,7 @@ int16_t Reported(const char *where, int16_t error) {
 int16_t MakePipeline(PageOutputSession &self, int16_t outputDepth, const OutputOptions &options) {
     if (self.pageWidth < 0) return kZELOutOfMemory;
     const uint64_t size = static_cast<uint64_t>(self.pageWidth) * kWidestPixel;
+    if (size > kLongestLine) return kZELOutOfMemory;
     self.lineBuffer.reset(new (std::nothrow) uint8_t[size]());
     if (!self.lineBuffer) return kZELOutOfMemory;
     const ScanLinePair pair = ChooseScanLinePair(self.sourceFormat, outputDepth);

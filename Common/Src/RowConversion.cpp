@@ -47,7 +47,8 @@ ConvertRowProc ChooseRowConversion(ColourMode mode, uint16_t pixelFormat) {
         case kZELFormatCMYK32:
             return SendAsItIs;
         case kZELFormatXRGB32:
-            return mode == ColourMode::kRGB ? DropFirstByte : Separate;
+            if (mode == ColourMode::kRGB) return DropFirstByte;
+            return mode == ColourMode::kCMYK ? Separate : Refuse;
         default:
             return Refuse;
     }
