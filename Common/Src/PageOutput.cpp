@@ -131,7 +131,7 @@ int16_t OpenDocument(CFStringRef title, CFStringRef fileName, const OutputGeomet
     if (!geometry || !options || !outSession) return kZELBadParameter;
     *outSession = nullptr;
     auto *self = new (std::nothrow) PageOutputSession;
-    assert(self != 0);
+    assert(self != 0); // NOLINT(modernize-use-nullptr): reported text
     std::unique_ptr<PageOutputSession> session(self);
     self->pageWidth = geometry->widthPixels;
     self->pageHeight = geometry->heightPixels;
@@ -144,7 +144,7 @@ int16_t OpenDocument(CFStringRef title, CFStringRef fileName, const OutputGeomet
 }
 
 int16_t OpenPage(PageOutputSession *self, const void *, const void *) {
-    assert(self != 0);
+    assert(self != 0); // NOLINT(modernize-use-nullptr): reported text
     self->remaining = {0, 0, self->pageHeight, self->pageWidth};
     return Reported("PrinterDriver OpenPage", Output_AddPage(self->output));
 }
