@@ -96,9 +96,10 @@ NSMenuItem *InsertPopUpItem(NSPopUpButton *popup, NSString *title, NSInteger tag
                                             keyEquivalent:@""] autorelease];
     [item setTag:tag];
     [[popup menu] insertItem:item atIndex:index];
-    FitToolkitMenu([popup menu]);
     return item;
 }
+
+void FitPopUp(NSPopUpButton *popup) { FitToolkitMenu([popup menu]); }
 
 /// `text` with its middle `cut` characters replaced by an ellipsis.
 static NSString *WithoutMiddle(NSString *text, NSUInteger cut) {

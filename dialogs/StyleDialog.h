@@ -17,5 +17,5 @@ struct PSStyleParams {
 };
 
 /// Runs the dialog on `*record`; true when the user confirmed, and only then is it changed.
-bool StyleDialog(CFBundleRef bundle, CFStringRef bundleIdentifier, PSStyleParams *params,
+bool StyleDialog(CFBundleRef bundle, CFStringRef preferencesDomain, PSStyleParams *params,
                  PSHPrint *record);

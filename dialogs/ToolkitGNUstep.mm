@@ -105,6 +105,8 @@ BOOL HaveWindowServer(void) {
     return have;
 }
 
+enum { kHeadingTag = 1 };
+
 typedef void (*MarkDrawing)(BOOL isOn);
 
 /// The theme tells a selected radio button by shades of grey that a light palette does not have.
@@ -179,23 +181,38 @@ static void PrepareButton(NSButton *button) {
         PreparePushButton(button);
 }
 
+void FitToolkitMenu(NSMenu *menu) {
+    // Items from an interface file leave room for a check mark, others do not: all alike.
+    NSMenuView *list = [menu menuRepresentation];
+    for (NSInteger i = 0; i < [menu numberOfItems]; ++i) {
+        [[menu itemAtIndex:i] setChangesState:NO];
+        [[list menuItemCellForItemAtIndex:i] setNeedsSizing:YES];
+    }
+    [list sizeToFit];
+}
+
 static void PreparePopUp(NSPopUpButton *popup) {
     // The cell keeps an unretained selected item and changes its state while it is deallocated,
     // after the menu has gone; without state changes that cannot happen, and no check mark is
     // drawn.
     [[popup cell] setAltersStateOfSelectedItem:NO];
+    [[popup cell] setBezelStyle:NSRegularSquareBezelStyle];
+    [popup setFrame:NSInsetRect([popup frame], 3, 1)];
     for (NSMenuItem *item in [popup itemArray])
         [item setState:NSOffState];
+    FitToolkitMenu([popup menu]);
+}
+
+/// An interface file's bold system font is read as the plain one: headings carry a tag as well.
+static void PrepareLabel(NSTextField *label) {
+    if ([[label cell] tag] == kHeadingTag) [label setFont:[NSFont boldSystemFontOfSize:13]];
 }
 
 void PrepareToolkitView(NSView *view) {
     if ([view isKindOfClass:[NSMatrix class]]) PrepareMatrix((NSMatrix *)view);
     if ([view isKindOfClass:[NSPopUpButton class]]) PreparePopUp((NSPopUpButton *)view);
+    if ([view isKindOfClass:[NSTextField class]]) PrepareLabel((NSTextField *)view);
     if ([view isMemberOfClass:[NSButton class]]) PrepareButton((NSButton *)view);
     for (NSView *sub in [view subviews])
         PrepareToolkitView(sub);
-}
-
-void FitToolkitMenu(NSMenu *menu) {
-    [[menu menuRepresentation] sizeToFit]; // else a title is drawn without its indent
 }

@@ -1,0 +1,442 @@
+#import "dialogs/StyleDialogController.h"
+
+#include "dialogs/Alerts.h"
+#import "dialogs/DialogSupport.h"
+#import "dialogs/FieldHelpers.h"
+
+#include "ppd/PostscriptPrinterInfo.h"
+
+enum { kPostscriptTag = 1, kEPSTag = 2 };
+
+static NSString *const kTable = @"PSStyleDialog";
+
+/// The text, or byte for byte as Latin-1 when it is not UTF-8: PPD files come in any encoding.
+static NSString *TextFromPPD(const std::string &text) {
+    NSString *string = [NSString stringWithUTF8String:text.c_str()];
+    if (string != nil) return string;
+    return [[[NSString alloc] initWithBytes:text.data()
+                                     length:text.size()
+                                   encoding:NSISOLatin1StringEncoding] autorelease];
+}
+
+static void ReportPPDError(const std::string &error) {
+    if (!error.empty()) DisplayError(error.c_str());
+}
+
+static std::string FieldText(NSTextField *field) { return [[field stringValue] UTF8String]; }
+
+@implementation PostscriptPrinterStyleDialogController
+
+@synthesize params = _params, myBundle = _myBundle, preferencesDomain = _preferencesDomain;
+@synthesize unitMode = _unitMode, sendToPrinter = _sendToPrinter, isOK = _isOK;
+@synthesize pagesMenu = _pagesMenu, resolutionMenu = _resolutionMenu, cmykMenu = _cmykMenu;
+@synthesize colourMenu = _colourMenu, unitsMenu = _unitsMenu, formatMenu = _formatMenu;
+@synthesize pageWidth = _pageWidth, pageHeight = _pageHeight, resolution = _resolution;
+@synthesize ppdTitleText = _ppdTitleText, versionText = _versionText;
+@synthesize rotateBox = _rotateBox, flipHorizontalBox = _flipHorizontalBox;
+@synthesize flipVerticalBox = _flipVerticalBox, sendToPrinterBox = _sendToPrinterBox;
+@synthesize choosePPDButton = _choosePPDButton, documentSizeButton = _documentSizeButton;
+@synthesize okButton = _okButton, cancelButton = _cancelButton;
+
+- (id)initWithBundle:(NSBundle *)bundle {
+    NSString *path = InterfaceFilePath(bundle, @"PostscriptStyleDialog");
+    if (path == nil) {
+        [self release];
+        return nil;
+    }
+    if ((self = [super initWithWindowNibPath:path owner:self])) {
+        [self setMyBundle:bundle];
+        _unitMode = kMillimetres;
+    }
+    return self;
+}
+
+- (void)dealloc {
+    [_myBundle release];
+    [_preferencesDomain release];
+    [super dealloc];
+}
+
+#pragma mark Values
+
+- (PSHPrint)printRecord {
+    return _setup.Record();
+}
+- (void)setPrintRecord:(PSHPrint)record {
+    _setup.Use(record, _params);
+}
+
+- (NSInteger)colourspace {
+    return _setup.ColourSpace();
+}
+- (void)setColourspace:(NSInteger)colourSpace {
+    [self willChangeValueForKey:@"isCMYK"];
+    _setup.SetColourSpace((int)colourSpace);
+    [self didChangeValueForKey:@"isCMYK"];
+}
+- (BOOL)isCMYK {
+    return _setup.ColourSpace() == kZELColourSpaceCMYK;
+}
+
+- (BOOL)rotate90 {
+    return _setup.IsRotated();
+}
+- (void)setRotate90:(BOOL)flag {
+    _setup.SetRotated(flag);
+    // The page lies the other way on the paper now: its size and limits turn with it.
+    [self syncWithPPD];
+}
+
+- (BOOL)flipHorizontal {
+    return _setup.IsFlippedHorizontally();
+}
+- (void)setFlipHorizontal:(BOOL)flag {
+    _setup.SetFlippedHorizontally(flag);
+}
+- (BOOL)flipVertical {
+    return _setup.IsFlippedVertically();
+}
+- (void)setFlipVertical:(BOOL)flag {
+    _setup.SetFlippedVertically(flag);
+}
+
+- (BOOL)canUseCustomPageSizes {
+    return _setup.CanUseCustomPageSizes();
+}
+
+- (void)getCustomDimensionMinWidth:(double *)minWidth
+                         minHeight:(double *)minHeight
+                          maxWidth:(double *)maxWidth
+                         maxHeight:(double *)maxHeight {
+    const CustomDimensions limits = _setup.CustomLimits();
+    *minWidth = limits.width.low;
+    *maxWidth = limits.width.high;
+    *minHeight = limits.height.low;
+    *maxHeight = limits.height.high;
+}
+
+- (NSString *)localized:(NSString *)key {
+    return [_myBundle localizedStringForKey:key value:key table:kTable];
+}
+
+#pragma mark Opening
+
+- (BOOL)runStyleDialog {
+    _isOK = NO;
+    [self showWindow:nil];
+    [self checkSeparation];
+    [NSApp runModalForWindow:[self window]];
+    [[self window] orderOut:nil];
+    return _isOK;
+}
+
+- (void)windowDidLoad {
+    PrepareLoadedWindow([self window]);
+    LocalizeLoadedWindow([self window], _myBundle, kTable);
+    NSDictionary *info = [_myBundle infoDictionary];
+    NSString *version = [info objectForKey:@"CFBundleShortVersionString"];
+    [[self window] setTitle:[info objectForKey:@"CFBundleName"]];
+    [[self window] setFrameAutosaveName:@"ZELPostscriptPrinterDriverStyleDialogPosition"];
+    [_versionText setStringValue:version != nil ? version : @""];
+    [_unitsMenu selectItemWithTag:_unitMode];
+    [self buildCMYKMenu];
+    [self selectCMYKByName:(NSString *)_setup.SeparationName().Get()];
+    [self showResolution];
+    [self handlePPDChange];
+    [_formatMenu selectItemWithTag:_setup.IsEPS() ? kEPSTag : kPostscriptTag];
+    [_documentSizeButton setEnabled:_setup.HasDocumentSize()];
+    [self chooseFirstField];
+}
+
+- (void)chooseFirstField {
+    NSTextField *first = [_pageWidth isEnabled] ? _pageWidth : _resolution;
+    [[self window] setInitialFirstResponder:first];
+    [[self window] makeFirstResponder:first];
+}
+
+- (void)checkSeparation {
+    const CFRef<CFStringRef> name = _setup.SeparationName();
+    if (_setup.IsGoodSeparation(name.Get())) return;
+    if (![self isCMYK]) {
+        _setup.SetSeparationName(CFSTR(""));
+        return;
+    }
+    // Once the modal loop runs; before, there is nothing to cancel.
+    NSArray *modes = [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode, nil];
+    [self performSelector:@selector(showMissingSeparation:)
+               withObject:(NSString *)name.Get()
+               afterDelay:0
+                  inModes:modes];
+}
+
+- (void)showMissingSeparation:(NSString *)name {
+    NSAlert *alert = [[[NSAlert alloc] init] autorelease];
+    [alert setAlertStyle:NSCriticalAlertStyle];
+    [alert setMessageText:[self localized:@"cantPrint"]];
+    [alert setInformativeText:[NSString stringWithFormat:[self localized:@"missingCMYK"], name]];
+    [alert addButtonWithTitle:[self localized:@"cancel"]];
+    [alert addButtonWithTitle:[self localized:@"useStandard"]];
+    BeginAlertSheet(alert, [self window], self,
+                    @selector(missingSeparationDidEnd:returnCode:contextInfo:));
+}
+
+- (void)missingSeparationDidEnd:(NSAlert *)alert
+                     returnCode:(NSInteger)code
+                    contextInfo:(void *)contextInfo {
+    if (code == NSAlertSecondButtonReturn)
+        _setup.SetSeparationName(CFSTR(""));
+    else
+        [self doCancel:nil];
+}
+
+#pragma mark CMYK separations
+
+- (void)buildCMYKMenu {
+    for (int i = 1; i < _setup.SeparationCount(); ++i)
+        InsertPopUpItem(_cmykMenu, (NSString *)_setup.SeparationNameAt(i), i,
+                        [_cmykMenu numberOfItems]);
+    FitPopUp(_cmykMenu);
+}
+
+- (void)selectCMYKByName:(NSString *)name {
+    [_cmykMenu selectItemWithTag:_setup.SeparationIndex((CFStringRef)name)];
+}
+
+- (IBAction)doSetCMYKName:(id)sender {
+    const NSInteger tag = [[_cmykMenu selectedItem] tag];
+    if (tag < 0 || tag >= _setup.SeparationCount()) return;
+    _setup.SetSeparationName(_setup.SeparationNameAt((int)tag));
+}
+
+- (IBAction)doSetColourspace:(id)sender {
+    [self setColourspace:[[_colourMenu selectedItem] tag]];
+}
+
+#pragma mark Printer description
+
+- (void)handlePPDChange {
+    NSString *name = TextFromPPD(_setup.Printer().GetName());
+    ShowLongText(_ppdTitleText, [name length] != 0 ? name : [self localized:@"none"]);
+    [self syncWithPPD];
+}
+
+- (void)syncWithPPD {
+    [self buildPageMenu];
+    [self buildResolutionMenu];
+    const BOOL hasColour = _setup.Printer().HasColour();
+    if (!hasColour) [self setColourspace:kZELColourSpaceGray];
+    [_colourMenu setEnabled:hasColour];
+    [_colourMenu selectItemWithTag:[self colourspace]];
+    [_pageWidth setEnabled:[self canUseCustomPageSizes]];
+    [_pageHeight setEnabled:[self canUseCustomPageSizes]];
+    const int tag = _setup.SyncPage();
+    [self selectPageTag:tag];
+    [self showSize];
+}
+
+- (void)selectPageTag:(int)tag {
+    if (tag == PageSetup::kNoPageTag)
+        [_pagesMenu selectItem:nil];
+    else
+        [_pagesMenu selectItemWithTag:tag];
+    [_pagesMenu synchronizeTitleAndSelectedItem];
+}
+
+- (void)buildPageMenu {
+    while ([_pagesMenu numberOfItems] > 0 && [[_pagesMenu itemAtIndex:0] tag] >= 0)
+        [_pagesMenu removeItemAtIndex:0];
+    std::string error;
+    const std::vector<std::string> titles = _setup.PageTitles(&error);
+    NSInteger index = 0;
+    for (const std::string &title : titles) {
+        InsertPopUpItem(_pagesMenu, TextFromPPD(title), index, index);
+        ++index;
+    }
+    FitPopUp(_pagesMenu);
+    [_pagesMenu synchronizeTitleAndSelectedItem];
+    const NSInteger custom = [_pagesMenu indexOfItemWithTag:PageSetup::kCustomPageTag];
+    if (custom >= 0) [[_pagesMenu itemAtIndex:custom] setEnabled:[self canUseCustomPageSizes]];
+    ReportPPDError(error);
+}
+
+- (void)addResolution:(const std::string &)title tag:(NSInteger)tag {
+    @try {
+        // A title that is not UTF-8 gives nil, which no item can have.
+        InsertPopUpItem(_resolutionMenu, [NSString stringWithUTF8String:title.c_str()], tag, tag);
+    } @catch (NSException *e) {
+        InsertPopUpItem(_resolutionMenu, @"PPD Error", tag, tag);
+    }
+}
+
+- (void)buildResolutionMenu {
+    [_resolutionMenu removeAllItems];
+    std::string error;
+    const std::vector<std::string> titles = _setup.ResolutionTitles(&error);
+    NSInteger index = 0;
+    for (const std::string &title : titles)
+        [self addResolution:title tag:index++];
+    [_resolutionMenu selectItemWithTag:_setup.SyncResolution()];
+    [_resolutionMenu synchronizeTitleAndSelectedItem];
+    FitPopUp(_resolutionMenu);
+    ReportPPDError(error);
+}
+
+- (BOOL)panel:(id)sender shouldEnableURL:(NSURL *)url {
+    NSString *path = [url path];
+    BOOL isFolder = NO;
+    if (![[NSFileManager defaultManager] fileExistsAtPath:path isDirectory:&isFolder]) return NO;
+    if (isFolder) return ![[NSWorkspace sharedWorkspace] isFilePackageAtPath:path];
+    return IsPPDFile([path fileSystemRepresentation]);
+}
+
+// GNUstep asks this instead; what is refused is hidden.
+- (BOOL)panel:(id)sender shouldShowFilename:(NSString *)path {
+    return [self panel:sender shouldEnableURL:[NSURL fileURLWithPath:path]];
+}
+
+- (IBAction)doOpenPPD:(id)sender {
+    NSOpenPanel *panel = [NSOpenPanel openPanel];
+    [panel setAllowsMultipleSelection:NO];
+    [panel setCanChooseFiles:YES];
+    [panel setCanChooseDirectories:NO];
+    [panel setDelegate:(id)self];
+    BeginPanelSheet(panel, [self window], nil, nil, self,
+                    @selector(openPanelDidEnd:returnCode:contextInfo:));
+}
+
+- (void)openPanelDidEnd:(NSOpenPanel *)panel
+             returnCode:(NSInteger)code
+            contextInfo:(void *)contextInfo {
+    [panel orderOut:nil];
+    [panel setDelegate:nil]; // the panel is shared and does not retain its delegate
+    NSArray *urls = [panel URLs];
+    if (code != NSModalResponseOK || [urls count] == 0) return;
+    _setup.LoadPrinter((CFURLRef)[urls objectAtIndex:0], (CFStringRef)_preferencesDomain);
+    [self handlePPDChange];
+}
+
+#pragma mark Page size
+
+/// Shows the record's size. What was typed is gone then, so it need not be checked any more.
+- (void)showSize {
+    const int unit = (int)_unitMode;
+    const std::string width = FormatPoints(_setup.PaperWidth(), unit, _setup.XDpi());
+    const std::string height = FormatPoints(_setup.PaperHeight(), unit, _setup.YDpi());
+    [_pageWidth setStringValue:[NSString stringWithUTF8String:width.c_str()]];
+    [_pageHeight setStringValue:[NSString stringWithUTF8String:height.c_str()]];
+    mCheckTypingOnExit = NO;
+}
+
+- (void)showResolution {
+    StuffDouble(_resolution, 0, _setup.XDpi());
+}
+
+- (IBAction)doSetUnits:(id)sender {
+    _unitMode = [[_unitsMenu selectedItem] tag];
+    [self showSize];
+}
+
+- (IBAction)doSetPage:(id)sender {
+    const NSInteger tag = [[_pagesMenu selectedItem] tag];
+    if (tag == PageSetup::kCustomPageTag)
+        _setup.ChooseCustomPage();
+    else
+        _setup.ChoosePage((int)tag);
+    [self showSize];
+}
+
+- (IBAction)doSetPrintQuality:(id)sender {
+    _setup.ChooseResolution((int)[[_resolutionMenu selectedItem] tag]);
+}
+
+- (IBAction)doSetFileFormat:(id)sender {
+    _setup.SetEPS([[_formatMenu selectedItem] tag] != kPostscriptTag);
+    [self syncWithPPD]; // custom sizes come and go with EPS
+}
+
+- (void)setSizeFromDocument {
+    _setup.SetSizeFromDocument();
+    [self syncWithPPD];
+    [self showResolution];
+}
+
+- (void)askForDocumentSize:(NSString *)message informative:(NSString *)informative {
+    NSAlert *alert = [[[NSAlert alloc] init] autorelease];
+    [alert setMessageText:[self localized:message]];
+    [alert setInformativeText:[self localized:informative]];
+    [alert addButtonWithTitle:[self localized:@"OK"]];
+    [alert addButtonWithTitle:[self localized:@"cancel"]];
+    BeginAlertSheet(alert, [self window], self,
+                    @selector(documentSizeDidEnd:returnCode:contextInfo:));
+}
+
+- (void)documentSizeDidEnd:(NSAlert *)alert
+                returnCode:(NSInteger)code
+               contextInfo:(void *)contextInfo {
+    if (code == NSAlertFirstButtonReturn) [self setSizeFromDocument];
+}
+
+- (IBAction)doSetSizeFromDocument:(id)sender {
+    if (![self canUseCustomPageSizes])
+        [self askForDocumentSize:@"noCustomPageSize" informative:@"useStandardSize"];
+    else if (!_setup.IsEPS() && !_setup.DocumentFitsOnCustomPaper())
+        [self askForDocumentSize:@"tooLarge" informative:@"makeAsLargeAsPossible"];
+    else
+        [self setSizeFromDocument];
+}
+
+#pragma mark Typing
+
+- (void)controlTextDidChange:(NSNotification *)notification {
+    id field = [notification object];
+    if (field == _pageWidth || field == _pageHeight) [self handleWidthOrHeightTyping];
+    if (field == _resolution) [self handleResolutionTyping];
+}
+
+- (void)handleWidthOrHeightTyping {
+    mCheckTypingOnExit = YES;
+    int tag = 0;
+    if (_setup.TypeSize(FieldText(_pageWidth), FieldText(_pageHeight), (int)_unitMode, &tag))
+        [self selectPageTag:tag];
+}
+
+- (void)handleResolutionTyping {
+    if (!_setup.TypeResolution(FieldText(_resolution))) return;
+    if (_unitMode == kPixels) [self showSize]; // the same paper has another number of pixels now
+}
+
+#pragma mark Ending
+
+- (BOOL)checkTypedSize {
+    const CustomDimensions limits = _setup.CustomLimits();
+    const int unit = (int)_unitMode;
+    double width = 0, height = 0;
+    if (!CheckDimensionField(_pageWidth, "Width", unit, &width, _setup.XDpi(), limits.width.high,
+                             limits.width.low))
+        return NO;
+    if (!CheckDimensionField(_pageHeight, "Height", unit, &height, _setup.YDpi(),
+                             limits.height.high, limits.height.low))
+        return NO;
+    _setup.SetPaperSize(width, height);
+    [self showSize];
+    [self handleWidthOrHeightTyping];
+    return YES;
+}
+
+- (IBAction)doOK:(id)sender {
+    _isOK = !mCheckTypingOnExit || [self checkTypedSize];
+    if (_isOK) StopModalAndWake();
+}
+
+- (IBAction)doCancel:(id)sender {
+    _isOK = NO;
+    StopModalAndWake();
+}
+
+// A window manager offers to close the window in any case.
+- (BOOL)windowShouldClose:(id)sender {
+    [self doCancel:sender];
+    return NO;
+}
+
+@end
