@@ -31,6 +31,16 @@ ZEL_EXPORT void ZELPrDefaults(DriverContext *context, Handle record);
 /// Fills `info` from the record; returns the number of copies. `context` is not used.
 ZEL_EXPORT int32_t ZELPrGetInfo(DriverContext *context, Handle record, ZELDriverInfo *info);
 
+/// Runs the page-setup dialog on the record. True when the user confirms: the record has then been
+/// changed and saved as the user's defaults. False when the user cancels (which ends the session
+/// without an error), when it has ended before, or without a window system. Main thread only.
+ZEL_EXPORT Boolean ZELPrStyle(DriverContext *context, Handle record);
+
+/// Runs the print dialog. True when the user confirms: the record then has the page range and one
+/// copy, and the driver knows the hot folder and, from the save panel, the file name. False as for
+/// ZELPrStyle. Main thread only.
+ZEL_EXPORT Boolean ZELPrJob(DriverContext *context, Handle record);
+
 /// Names the job; the driver retains the string. The name is the document's title and the base of
 /// its file name, and goes into a PostScript comment as it is.
 ZEL_EXPORT int32_t ZELPrSetJobName(DriverContext *context, void *ignored, CFStringRef name);

@@ -14,8 +14,6 @@
 namespace {
 bool DialogIsOpen() { return DialogWindow() != nil && WindowAboveDialog() == nil; }
 
-PostscriptPrinterInfo *LoadTestPrinter(const std::string &path);
-
 TEST(StyleDialogFlow, Open_Picture) {
     PostscriptPrinterInfo *info = new PostscriptPrinterInfo;
     Separations *separations = ScanSeparationsFolder();
@@ -26,9 +24,6 @@ TEST(StyleDialogFlow, Open_Picture) {
     DialogScript script;
     script.When("open", DialogIsOpen, [] {
         TakePicture(DialogWindow(), "style-no-ppd");
-        for (NSString *k in @[@"resolutionMenu", @"pagesMenu"]) for (NSMenuItem *i in [DialogValue(k) itemArray]) { NSMenuItemCell *c = [[[DialogValue(k) menu] menuRepresentation] menuItemCellForItemAtIndex:[[DialogValue(k) menu] indexOfItem:i]];
-        NSLog(@"%@ on %@ off %@ mixed %@ cell %f %f %f changes %d", [i title], [i onStateImage], [i offStateImage], [i mixedStateImage], [c stateImageWidth], [c imageWidth], [c titleWidth], [i changesState]);}
-        NSLog(@"font %@", [NSFont boldSystemFontOfSize:13]);
         PressButton(DialogWindow(), @"OK");
     });
     EXPECT_TRUE(StyleDialog(TestBundle(), TestBundleIdentifier(), &params, &record));

@@ -1,0 +1,103 @@
+#include "Common/Src/DriverDialogs.h"
+
+#include "Common/Src/DriverContext.h"
+#include "Common/Src/PrintRecord.h"
+#include "Common/Src/Settings.h"
+#include "ZELPrint.h"
+#include "dialogs/JobDialog.h"
+#include "dialogs/StyleDialog.h"
+
+namespace {
+
+constexpr double kMinimumDpi = 10.0;
+constexpr double kMaximumDpi = 10000.0;
+
+CFStringRef JobDialogTitle(CFBundleRef bundle) {
+    CFTypeRef name = CFBundleGetValueForInfoDictionaryKey(bundle, kCFBundleNameKey);
+    if (!name || CFGetTypeID(name) != CFStringGetTypeID()) return CFSTR("Job Dialog");
+    return static_cast<CFStringRef>(name);
+}
+
+/// The folder saved last, if it can still be found.
+CFRef<CFURLRef> SavedHotFolder(CFStringRef applicationID) {
+    const CFRef<CFDataRef> bookmark =
+        CopyFileLocationPreference(applicationID, CFSTR("HotFolderBookmark"), CFSTR("HotFolder"));
+    if (!bookmark) return {};
+    return CFRef<CFURLRef>(CFURLCreateByResolvingBookmarkData(kCFAllocatorDefault, bookmark.Get(),
+                                                              kCFURLBookmarkResolutionWithoutUIMask,
+                                                              nullptr, nullptr, nullptr, nullptr));
+}
+
+void SaveHotFolder(CFStringRef applicationID, CFURLRef folder) {
+    const CFRef<CFDataRef> bookmark(CFURLCreateBookmarkData(
+        kCFAllocatorDefault, folder, kCFURLBookmarkCreationSuitableForBookmarkFile, nullptr,
+        nullptr, nullptr));
+    SetFileLocationPreference(applicationID, CFSTR("HotFolderBookmark"), bookmark.Get());
+    CFPreferencesAppSynchronize(applicationID);
+}
+
+/// What a cancelled dialog leaves behind: no error, but nothing is printed any more.
+Boolean ConfirmedOrCancelled(DriverContext *context, bool confirmed) {
+    if (!confirmed) context->state = SessionState::kCancelled;
+    return confirmed;
+}
+
+/// The record that a dialog works on, kept for ZELPrOpenDoc; false when there is nothing to do.
+bool BeginDialog(DriverContext *context, Handle record) {
+    context->record = record;
+    return context->state == SessionState::kOk;
+}
+
+} // namespace
+
+bool DoStyle(DriverContext *context, Handle record) {
+    PSHPrint copy = CopyRecord(record);
+    const PageInfo_tag &page = context->pageInfo;
+    PSStyleParams params = {page.widthMM,         page.heightMM,        page.widthPixels,
+                            page.heightPixels,    kMinimumDpi,          kMaximumDpi,
+                            context->separations, &context->printerInfo};
+    if (!StyleDialog(context->bundle.Get(), context->bundleIdentifier.Get(), &params, &copy))
+        return false;
+    const RecordLock lock(record);
+    if (!lock.Record()) return false;
+    *lock.Record() = copy;
+    return true;
+}
+
+bool DoJob(DriverContext *context, Handle record) {
+    const PSHPrint copy = CopyRecord(record);
+    CFStringRef applicationID = context->bundleIdentifier.Get();
+    CFPreferencesAppSynchronize(applicationID);
+    int16_t firstPage = Int16FromBigEndian(copy.fromPage_be);
+    int16_t lastPage = Int16FromBigEndian(copy.toPage_be);
+    CFURLRef folder = SavedHotFolder(applicationID).Detach();
+    CFStringRef fileName = nullptr;
+    const bool confirmed =
+        JobDialog(context->bundle.Get(), applicationID, JobDialogTitle(context->bundle.Get()),
+                  &folder, context->jobName.Get(), copy.mEPSFormat_be ? CFSTR("eps") : CFSTR("ps"),
+                  &fileName, nullptr, nullptr, &firstPage, &lastPage);
+    const CFRef<CFURLRef> hotFolder(folder);
+    const CFRef<CFStringRef> outputFileName(fileName);
+    const RecordLock lock(record);
+    if (!confirmed || !lock.Record()) return false;
+    lock.Record()->copies_be = Int16ToBigEndian(1);
+    lock.Record()->fromPage_be = Int16ToBigEndian(firstPage);
+    lock.Record()->toPage_be = Int16ToBigEndian(lastPage);
+    context->hasOutputFileName = static_cast<bool>(outputFileName);
+    context->outputFileName = outputFileName;
+    if (!hotFolder) return true;
+    SaveHotFolder(applicationID, hotFolder.Get());
+    context->hotFolder = hotFolder;
+    return true;
+}
+
+Boolean ZELPrStyle(DriverContext *context, Handle record) {
+    if (!BeginDialog(context, record)) return false;
+    const bool confirmed = DoStyle(context, record);
+    if (confirmed) SaveDefaults(context, record);
+    return ConfirmedOrCancelled(context, confirmed);
+}
+
+Boolean ZELPrJob(DriverContext *context, Handle record) {
+    return BeginDialog(context, record) && ConfirmedOrCancelled(context, DoJob(context, record));
+}
