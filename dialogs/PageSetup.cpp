@@ -257,6 +257,7 @@ std::vector<std::string> PageSetup::PageTitles(std::string *error) const {
     return TitlesOrError(
         [&pages] {
             std::vector<std::string> titles;
+            titles.reserve(static_cast<size_t>(pages.NumPages()));
             for (int32_t i = 0; i < pages.NumPages(); ++i)
                 titles.push_back(pages.GetPage(i).GetUIName());
             return titles;
@@ -269,6 +270,7 @@ std::vector<std::string> PageSetup::ResolutionTitles(std::string *error) const {
     return TitlesOrError(
         [&resolutions] {
             std::vector<std::string> titles;
+            titles.reserve(static_cast<size_t>(resolutions.NumResolutions()));
             for (int32_t i = 0; i < resolutions.NumResolutions(); ++i)
                 titles.push_back(resolutions.GetResolution(i).GetUIName());
             return titles;
