@@ -2,19 +2,31 @@
 // identifier.
 #include "CFBridge.h"
 #include <mutex>
+#include <unistd.h>
 
 namespace {
 
 /// NSUserDefaults merges files and memory in several steps; one thread at a time.
 std::recursive_mutex gLock;
 
-NSDictionary *Domain(NSString *application) {
-    return [[NSUserDefaults standardUserDefaults] persistentDomainForName:application];
+/// The folder that holds the files.
+NSString *Folder() { return GSDefaultsRootForUser(NSUserName()); }
+
+/// NSUserDefaults reads nothing that it cannot lock, and it locks by a file of its own.
+bool CanLock() {
+    NSString *locks = [Folder() stringByAppendingPathComponent:@".lck"];
+    return access([locks fileSystemRepresentation], W_OK) == 0;
 }
 
-bool IsPropertyList(id value) {
-    return [NSPropertyListSerialization propertyList:value
-                                    isValidForFormat:NSPropertyListXMLFormat_v1_0];
+NSDictionary *DomainInFile(NSString *application) {
+    NSString *path = [NSString stringWithFormat:@"%@/%@.plist", Folder(), application];
+    return [NSDictionary dictionaryWithContentsOfFile:path];
+}
+
+NSDictionary *Domain(NSString *application) {
+    NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
+    NSDictionary *domain = [defaults persistentDomainForName:application];
+    return domain == nil && !CanLock() ? DomainInFile(application) : domain;
 }
 
 /// `defaults write` stores what it is given without a type as a string.
@@ -78,7 +90,7 @@ bool Synchronize(NSString *application) {
     NSDictionary *domain = Domain(application);
     NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
     [defaults setPersistentDomain:domain ? domain : [NSDictionary dictionary] forName:application];
-    return [defaults synchronize];
+    return [defaults synchronize] && CanLock();
 }
 
 } // namespace

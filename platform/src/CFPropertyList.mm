@@ -5,12 +5,34 @@
 
 namespace {
 
-constexpr int kMaximumDepth = 128;
+bool IsList(id object, int depth);
+
+bool AreLists(NSArray *objects, int depth) {
+    for (id object in objects)
+        if (!IsList(object, depth)) return false;
+    return true;
+}
+
+bool AreText(NSArray *keys) {
+    for (id key in keys)
+        if (![key isKindOfClass:[NSString class]]) return false;
+    return true;
+}
+
+bool IsList(id object, int depth) {
+    if (depth > kMaximumListDepth) return false;
+    if ([object isKindOfClass:[NSArray class]]) return AreLists(object, depth + 1);
+    if ([object isKindOfClass:[NSDictionary class]])
+        return AreText([object allKeys]) && AreLists([object allValues], depth + 1);
+    for (Class leaf : {[NSString class], [NSNumber class], [NSData class], [NSDate class]})
+        if ([object isKindOfClass:leaf]) return true;
+    return false;
+}
 
 CFPropertyListRef CreateFromXML(CFDataRef data, CFOptionFlags options) {
     const std::string_view text((const char *)CFDataGetBytePtr(data),
                                 (size_t)CFDataGetLength(data));
-    if (!IsShallowPropertyListXML(text, kMaximumDepth)) return nullptr;
+    if (!IsShallowPropertyListXML(text, kMaximumListDepth)) return nullptr;
     return Create([&] {
         return [NSPropertyListSerialization propertyListWithData:As<NSData>([NSData class], data)
                                                          options:(NSPropertyListReadOptions)options
@@ -20,8 +42,7 @@ CFPropertyListRef CreateFromXML(CFDataRef data, CFOptionFlags options) {
 }
 
 NSData *WritePropertyList(id list, NSPropertyListFormat format) {
-    // Objects that are no property list would be written as their descriptions.
-    if (![NSPropertyListSerialization propertyList:list isValidForFormat:format]) return nil;
+    if (!IsPropertyList(list)) return nil;
     return [NSPropertyListSerialization dataWithPropertyList:list
                                                       format:format
                                                      options:0
@@ -29,6 +50,8 @@ NSData *WritePropertyList(id list, NSPropertyListFormat format) {
 }
 
 } // namespace
+
+bool IsPropertyList(id object) { return IsList(object, 0); }
 
 extern "C" {
 

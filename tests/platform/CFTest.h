@@ -2,15 +2,10 @@
 #pragma once
 
 #include "Common/Src/CFRef.h"
+#include "tests/output/TempFolder.h"
 #include <CoreFoundation/CoreFoundation.h>
 #include <filesystem>
 #include <string>
-
-inline CFRef<CFStringRef> Str(const std::string &text) {
-    return CFRef(CFStringCreateWithBytes(kCFAllocatorDefault,
-                                         reinterpret_cast<const UInt8 *>(text.data()),
-                                         CFIndex(text.size()), kCFStringEncodingUTF8, false));
-}
 
 /// The string in UTF-8, or a text that no test expects.
 inline std::string Text(CFStringRef string) {

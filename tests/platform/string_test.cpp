@@ -36,7 +36,8 @@ TEST(String, EmptyTextIsAString) {
 }
 
 TEST(String, ZeroBytesAreKept) {
-    const auto string = Str(std::string("a\0b", 3));
+    const UInt8 bytes[] = {'a', 0, 'b'};
+    const CFRef string(CFStringCreateWithBytes(nullptr, bytes, 3, kCFStringEncodingUTF8, false));
     EXPECT_EQ(CFStringGetLength(string.Get()), 3);
 }
 
