@@ -1,4 +1,5 @@
 #include "colour/RGBToCMYK.h"
+#include "colour/ColourKernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -97,7 +98,17 @@ void RGBToCMYKPlain(const uint8_t *table, const uint8_t *src, uint64_t count, ui
 
 void CTRGBToCMYK(const uint8_t *table, const uint8_t *src, uint64_t count, uint8_t *dst,
                  int64_t planeStride, int64_t pixelStride) {
-    RGBToCMYKPlain(table, src, count, dst, {planeStride, pixelStride});
+    const InkLayout layout{planeStride, pixelStride};
+    if (const ColourKernels *kernels = VectorKernels()) {
+        const auto convert = [=](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
+            return kernels->blackGeneration(table, pixels, n, inks);
+        };
+        const uint64_t done = ConvertInLayout(src, count, dst, layout, convert);
+        src += 4 * done;
+        dst += pixelStride * static_cast<int64_t>(done);
+        count -= done;
+    }
+    RGBToCMYKPlain(table, src, count, dst, layout);
 }
 
 void zel_RGBToCMYK(const uint8_t *table, const uint8_t *src, uint8_t *dst, int32_t count) {
@@ -110,12 +121,16 @@ void zel_RGBToCMYK(const uint8_t *table, const uint8_t *src, uint8_t *dst, int32
 
 void zel_RGBToCMYK_planes(const uint8_t *table, const uint8_t *src, uint8_t *c, uint8_t *m,
                           uint8_t *y, uint8_t *k, int32_t count) {
-    for (int32_t i = 0; i < count; ++i, src += 4) {
-        const int grey = 255 - std::max({src[1], src[2], src[3]});
-        const uint8_t removed = table[kBlackEntries + grey];
-        c[i] = static_cast<uint8_t>(255 - src[1] - removed);
-        m[i] = static_cast<uint8_t>(255 - src[2] - removed);
-        y[i] = static_cast<uint8_t>(255 - src[3] - removed);
-        k[i] = table[grey];
+    constexpr int32_t kPiece = 512;
+    uint8_t inks[4 * kPiece];
+    for (int32_t done = 0; done < count; done += kPiece) {
+        const int32_t n = std::min(count - done, kPiece);
+        zel_RGBToCMYK(table, src + int64_t{4} * done, inks, n);
+        for (int32_t i = 0; i < n; ++i) {
+            c[done + i] = inks[4 * i];
+            m[done + i] = inks[4 * i + 1];
+            y[done + i] = inks[4 * i + 2];
+            k[done + i] = inks[4 * i + 3];
+        }
     }
 }

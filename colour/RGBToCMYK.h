@@ -2,18 +2,13 @@
 #pragma once
 
 #include "ZELColour.h"
+#include "colour/InkLayout.h"
 #include <cstddef>
 #include <cstdint>
 
 /// Sizes of a black-generation table: black K[g], then under-colour removal U[g].
 constexpr size_t kBlackEntries = 256;
 constexpr size_t kBlackGenerationTableSize = 2 * kBlackEntries;
-
-/// Where the four inks of a pixel go: planeStride bytes apart, pixelStride from pixel to pixel.
-struct InkLayout {
-    int64_t planeStride;
-    int64_t pixelStride;
-};
 
 /// The plain form of the conversion, in any layout; every faster form gives the same bytes.
 void RGBToCMYKPlain(const uint8_t *table, const uint8_t *src, uint64_t count, uint8_t *dst,

@@ -1,0 +1,5 @@
+#include "colour/ColourKernels.h"
+
+const ColourKernels *VectorKernels() {
+    return nullptr;
+}

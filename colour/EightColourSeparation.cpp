@@ -1,0 +1,122 @@
+#include "colour/EightColourSeparation.h"
+#include "colour/ColourKernels.h"
+#include "colour/InkLayout.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+/// Position of a colour in the grid: the cell's first corner, and the fractions in 255ths.
+struct GridPosition {
+    size_t base;
+    uint32_t r, g, b;
+};
+
+GridPosition Locate(const uint8_t *rgb) {
+    uint32_t cell[3];
+    uint32_t fraction[3];
+    for (int i = 0; i < 3; ++i) {
+        cell[i] = rgb[i] * 131588U >> 23; // = rgb[i] * 4 / 255
+        fraction[i] = rgb[i] * 4U - cell[i] * 255U;
+    }
+    return {cell[0] * kGridStepR + cell[1] * kGridStepG + cell[2] * kGridStepB, fraction[0],
+            fraction[1], fraction[2]};
+}
+
+/// The corners between a cell's first and last, in the order of the fractions, and the weights of
+/// all four from the last to the first.
+struct Tetrahedron {
+    size_t two, one;
+    uint32_t weight[4];
+};
+
+Tetrahedron ChooseTetrahedron(const GridPosition &p) {
+    const auto [base, r, g, b] = p;
+    switch ((g > b ? 1 : 0) + (r > b ? 2 : 0) + (r > g ? 4 : 0)) {
+        case 0:
+            return {24, 4, {r, g - r, b - g, 255 - b}};
+        case 1:
+            return {24, 20, {r, b - r, g - b, 255 - g}};
+        case 3:
+            return {120, 20, {b, r - b, g - r, 255 - g}};
+        case 4:
+            return {104, 4, {g, r - g, b - r, 255 - b}};
+        case 6:
+            return {104, 100, {g, b - g, r - b, 255 - r}};
+        default:
+            return {120, 100, {b, g - b, r - g, 255 - r}}; // 7: 2 and 5 contradict themselves
+    }
+}
+
+/// The order of a colour's fractions, largest first, as steps in the grid. A bit tells that one
+/// fraction is not less than another: 4 that G is not less than R, 2 B than G, 1 R than B. No bit
+/// cannot be, and all mean that the three are equal and no order matters.
+struct Order {
+    size_t first, second;
+};
+
+constexpr Order kOrders[8] = {{kGridStepR, kGridStepG}, {kGridStepR, kGridStepG},
+                              {kGridStepB, kGridStepR}, {kGridStepR, kGridStepB},
+                              {kGridStepG, kGridStepB}, {kGridStepG, kGridStepR},
+                              {kGridStepB, kGridStepG}, {kGridStepR, kGridStepG}};
+
+/// Writes the corners of one tetrahedron: C, M, Y, K of the first two as pairs, then the others.
+/// Less 128, because the vector product takes them as signed.
+void WriteCorners(const uint8_t *base, Order order, uint8_t *corners) {
+    const uint8_t *corner[4] = {base + kGridStepR + kGridStepG + kGridStepB,
+                                base + order.first + order.second, base + order.first, base};
+    for (int i = 0; i < 16; ++i) {
+        const int pair = i / 8 * 2;
+        corners[i] = corner[pair + i % 2][i % 8 / 2] ^ 0x80;
+    }
+}
+
+} // namespace
+
+void BuildCorners(EightColourLUT *table) {
+    // An index is three digits of three bits, for R, G and B: the cell, and above it one bit of the
+    // order. That is how the vector form gets it with a single multiplication.
+    for (size_t index = 0; index < 512; ++index) {
+        const size_t r = index >> 6;
+        const size_t g = index >> 3 & 7;
+        const size_t b = index & 7;
+        const uint8_t *base =
+            table->grid + (r & 3) * kGridStepR + (g & 3) * kGridStepG + (b & 3) * kGridStepB;
+        const size_t order = (r & 4) | (g & 4) >> 1 | b >> 2;
+        WriteCorners(base, kOrders[order], table->corners + 16 * index);
+    }
+}
+
+void EightColourLUTSeparatePlain(const EightColourLUT *table, const uint8_t *src, int64_t srcStride,
+                                 int64_t count, uint8_t *dst, int64_t planeStride,
+                                 int64_t pixelStride) {
+    for (; count > 0; --count, src += srcStride, dst += pixelStride) {
+        const GridPosition position = Locate(src);
+        const Tetrahedron t = ChooseTetrahedron(position);
+        const uint8_t *corner = table->grid + position.base;
+        for (int c = 0; c < 4; ++c, ++corner)
+            dst[c * planeStride] =
+                static_cast<uint8_t>((corner[124] * t.weight[0] + corner[t.two] * t.weight[1] +
+                                      corner[t.one] * t.weight[2] + corner[0] * t.weight[3]) /
+                                     255);
+    }
+}
+
+void EightColourLUTSeparate(const EightColourLUT *table, const uint8_t *src, int64_t srcStride,
+                            int64_t count, uint8_t *dst, int32_t /*channels*/, int64_t planeStride,
+                            int64_t pixelStride) {
+    const ColourKernels *kernels = srcStride == 4 ? VectorKernels() : nullptr;
+    const InkLayout layout{planeStride, pixelStride};
+    if (kernels && count > 0) {
+        const auto convert = [=](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
+            return kernels->tetrahedra(table->corners, pixels, n, inks);
+        };
+        const auto done = static_cast<int64_t>(
+            ConvertInLayout(src, static_cast<uint64_t>(count), dst, layout, convert));
+        src += 4 * done;
+        dst += pixelStride * done;
+        count -= done;
+    }
+    EightColourLUTSeparatePlain(table, src, srcStride, count, dst, planeStride, pixelStride);
+}
