@@ -62,7 +62,7 @@ bool IsEightColourLUT(CFURLRef url) {
     return HasSignature(PathOfURL(url));
 }
 
-EightColourLUT *LoadEightColourLUT(CFURLRef url) {
+EightColourLUT *LoadEightColourLUT(CFURLRef url, bool *sampled) {
     const std::string path = PathOfURL(url);
     if (!HasSignature(path)) return nullptr;
     TableOwner table(static_cast<EightColourLUT *>(std::calloc(1, sizeof(EightColourLUT))));
@@ -70,6 +70,7 @@ EightColourLUT *LoadEightColourLUT(CFURLRef url) {
     const StreamOwner stream = OpenStream(path);
     if (stream && !Fill(*table, stream.get())) return nullptr;
     BuildCorners(table.get());
+    if (sampled) *sampled = stream != nullptr;
     return table.release();
 }
 

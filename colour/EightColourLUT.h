@@ -31,8 +31,8 @@ struct EightColourLUT {
 
 /// Loads a profile and samples it. Null when the file is no profile, is damaged, or memory is
 /// short. When a profile passes the signature check but cannot be opened again, the table is zero
-/// and separates everything to no ink.
-[[nodiscard]] EightColourLUT *LoadEightColourLUT(CFURLRef url);
+/// and separates everything to no ink; `*sampled`, if asked for, tells that it is not so.
+[[nodiscard]] EightColourLUT *LoadEightColourLUT(CFURLRef url, bool *sampled = nullptr);
 
 /// Frees a table.
 void ReleaseEightColourLUT(EightColourLUT *table);
