@@ -36,7 +36,7 @@ void SetCounters(benchmark::State &state) {
 void RunKernel(benchmark::State &state, ASCII85Kernel kernel, Data kind) {
     const std::vector<uint8_t> row = MakeRow(kind);
     std::vector<char> text(kRowBytes / 4 * 5 + kASCII85Slack);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(kernel(row.data(), kRowBytes / kASCII85BlockBytes, text.data()));
         benchmark::ClobberMemory();
     }
@@ -55,7 +55,7 @@ void RunLiteral(benchmark::State &state, Data kind) {
         benchmark::ClobberMemory();
         return int16_t{0};
     });
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(encoder.Write(row.data(), row.size()));
     SetCounters(state);
 }
@@ -82,7 +82,7 @@ void RunEncoder(benchmark::State &state, Data kind) {
     const std::vector<uint8_t> row = MakeRow(kind);
     NullOutput output;
     ASCII85StreamEncoder encoder(output.Get());
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(encoder.Write(row.data(), row.size()));
     SetCounters(state);
 }
@@ -94,7 +94,7 @@ void RunLiteralEncoder(benchmark::State &state, Data kind) {
         uint64_t count = length;
         return WBWrite(output.Get(), &count, bytes);
     });
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(encoder.Write(row.data(), row.size()));
     SetCounters(state);
 }
