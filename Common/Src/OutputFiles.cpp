@@ -1,5 +1,6 @@
 #include "Common/Src/OutputFiles.h"
 
+#include "Common/Src/CFText.h"
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
@@ -18,9 +19,20 @@ bool GetPath(CFURLRef url, Path &path) {
                                                    kOutputPathSize);
 }
 
+CFRef<CFStringRef> Joined(CFStringRef format, CFStringRef a, CFStringRef b) {
+    return CFRef(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, format, a, b));
+}
+
+/// The URL of folder/name. Goes by the path: a name may hold any character that a file system
+/// takes, and a URL library need not see it that way ("a:b", "a\\b").
 CFRef<CFURLRef> FileURL(CFURLRef folder, CFStringRef name) {
     if (!folder || !name) return {};
-    return CFRef(CFURLCreateCopyAppendingPathComponent(kCFAllocatorDefault, folder, name, false));
+    const CFRef<CFStringRef> folderPath(CFURLCopyFileSystemPath(folder, kCFURLPOSIXPathStyle));
+    if (!folderPath) return {};
+    const CFRef<CFStringRef> path = Joined(CFSTR("%@/%@"), folderPath.Get(), name);
+    if (!path) return {};
+    return CFRef(CFURLCreateWithFileSystemPath(kCFAllocatorDefault, path.Get(),
+                                               kCFURLPOSIXPathStyle, false));
 }
 
 /// The descriptor, or -1; `fileURL` is set only with a descriptor.
@@ -32,9 +44,8 @@ int OpenAndKeepURL(CFRef<CFURLRef> url, int flags, mode_t mode, CFRef<CFURLRef> 
 }
 
 CFRef<CFStringRef> UniqueName(CFStringRef base, CFStringRef extension, int index) {
-    if (index == 0)
-        return CFRef(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, CFSTR("%@.%@"), base,
-                                              extension));
+    if (!base) return {};
+    if (index == 0) return Joined(CFSTR("%@.%@"), base, extension);
     return CFRef(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, CFSTR("%@_%02d.%@"), base,
                                           index, extension));
 }
@@ -45,6 +56,10 @@ CFRef<CFStringRef> TimeStamp() {
     localtime_r(&now, &local);
     return CFRef(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, CFSTR("(%02d_%02d_%02d)"),
                                           local.tm_hour, local.tm_min, local.tm_sec));
+}
+
+CFRef<CFStringRef> FirstUnits(CFStringRef string, CFIndex count) {
+    return CFRef(CFStringCreateWithSubstring(kCFAllocatorDefault, string, CFRangeMake(0, count)));
 }
 
 } // namespace
@@ -76,8 +91,9 @@ CFRef<CFStringRef> CreatePSFilename(CFStringRef base, CFStringRef extension) {
     const CFIndex length = CFStringGetLength(base);
     const CFIndex total = length + CFStringGetLength(stamp.Get()) + CFStringGetLength(extension);
     const CFIndex kept = std::max<CFIndex>(0, std::min(length, length - total + kLongestName));
-    const CFRef<CFStringRef> cut(
-        CFStringCreateWithSubstring(kCFAllocatorDefault, base, CFRangeMake(0, kept)));
+    CFRef<CFStringRef> cut = FirstUnits(base, kept);
+    // Half a surrogate pair has no place in a file name.
+    if (kept > 0 && kept < length && !UTF8Text(cut.Get())) cut = FirstUnits(base, kept - 1);
     return CFRef(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, CFSTR("%@%@%@"), cut.Get(),
                                           stamp.Get(), extension));
 }
@@ -87,10 +103,14 @@ int DeleteFileAtURL(CFURLRef url) {
     return GetPath(url, path) ? unlink(path) : 2;
 }
 
-CFRef<CFStringRef> CreateBaseName(CFURLRef folder, CFStringRef name) {
-    const CFRef<CFURLRef> url = FileURL(folder, name);
-    if (!url) return {};
-    const CFRef<CFURLRef> bare(
-        CFURLCreateCopyDeletingPathExtension(kCFAllocatorDefault, url.Get()));
-    return bare ? CFRef(CFURLCopyLastPathComponent(bare.Get())) : CFRef<CFStringRef>();
+CFRef<CFStringRef> CreateBaseName(CFStringRef name) {
+    const std::optional<std::string> text = UTF8Text(name);
+    if (!text) return {};
+    std::string base = *text;
+    const size_t slash = base.find_last_of('/');
+    if (slash != std::string::npos) base.erase(0, slash + 1);
+    const size_t point = base.find_last_of('.');
+    if (point != std::string::npos && point > 0) base.erase(point);
+    return CFRef(
+        CFStringCreateWithCString(kCFAllocatorDefault, base.c_str(), kCFStringEncodingUTF8));
 }

@@ -30,5 +30,5 @@ constexpr CFIndex kOutputPathSize = 1024;
 /// Unlinks the file. The result of `unlink`, or 2 when the URL has no path.
 int DeleteFileAtURL(CFURLRef url);
 
-/// The last path component of folder/name without its extension.
-[[nodiscard]] CFRef<CFStringRef> CreateBaseName(CFURLRef folder, CFStringRef name);
+/// The last path component of `name` without its extension; null for a name that is no UTF-8.
+[[nodiscard]] CFRef<CFStringRef> CreateBaseName(CFStringRef name);

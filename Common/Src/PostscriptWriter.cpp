@@ -1,5 +1,6 @@
 #include "Common/Src/PostscriptWriter.h"
 
+#include "Common/Src/CFText.h"
 #include "Common/Src/OutputFiles.h"
 #include "Common/Src/PrintQueue.h"
 #include "Common/Src/StreamEncoders.h"
@@ -9,7 +10,6 @@
 #include <new>
 #include <unistd.h>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -29,16 +29,6 @@ int16_t Guarded(Action action) {
     } catch (...) {
         return kZELUnexpectedFailure;
     }
-}
-
-std::string UTF8(CFStringRef string) {
-    if (!string) throw static_cast<int16_t>(kZELBadParameter);
-    const CFIndex size =
-        CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
-    std::vector<char> bytes(static_cast<size_t>(size));
-    if (!CFStringGetCString(string, bytes.data(), size, kCFStringEncodingUTF8))
-        throw static_cast<int16_t>(kZELBadParameter);
-    return bytes.data();
 }
 
 /// Now, as the user's locale writes it; empty when it cannot be told in a line of sensible length.
@@ -101,7 +91,9 @@ int16_t CloseFile(OutputPrivate &output) {
 }
 
 int16_t WriteOpening(OutputPrivate &output, CFStringRef title) {
-    AppendHeader(output.textBuffer, output.layout, UTF8(title), CreationDate());
+    const std::optional<std::string> titleText = UTF8Text(title);
+    if (!titleText) return kZELBadParameter;
+    AppendHeader(output.textBuffer, output.layout, *titleText, CreationDate());
     AppendProlog(output.textBuffer, output.layout);
     AppendSetup(output.textBuffer, output.layout);
     return WriteText(output);
@@ -189,9 +181,7 @@ int16_t MakeSeparation(OutputPrivate &output, const OutputOptions &options) {
 }
 
 int16_t Prepare(OutputPrivate &output, CFStringRef fileName, const OutputOptions &options) {
-    if (output.layout.eps)
-        output.baseName =
-            fileName ? CreateBaseName(output.folderURL.Get(), fileName) : output.title;
+    if (output.layout.eps) output.baseName = fileName ? CreateBaseName(fileName) : output.title;
     int16_t error = MakeRows(output, options.pixelFormat);
     if (error == kZELNoError) error = MakeSeparation(output, options);
     if (error != kZELNoError || output.layout.eps) return error;

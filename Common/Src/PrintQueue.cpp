@@ -1,14 +1,14 @@
 #include "Common/Src/PrintQueue.h"
 
-#include "Common/Src/OutputFiles.h"
+#include "Common/Src/CFRef.h"
+#include "Common/Src/CFText.h"
 #include "platform/Platform.h"
 #include <iterator>
 
 int CopyFileToPrinter(CFURLRef file) {
     const CFRef<CFStringRef> path(CFURLCopyFileSystemPath(file, kCFURLPOSIXPathStyle));
-    char bytes[4 * kOutputPathSize];
-    if (!path || !CFStringGetCString(path.Get(), bytes, sizeof bytes, kCFStringEncodingUTF8))
-        return 1;
-    const char *const arguments[] = {"-o", "raw", "-r", bytes};
+    const std::optional<std::string> text = UTF8Text(path.Get());
+    if (!text) return 1;
+    const char *const arguments[] = {"-o", "raw", "-r", text->c_str()};
     return PlatformRunTask("/usr/bin/lpr", arguments, static_cast<int>(std::size(arguments)));
 }

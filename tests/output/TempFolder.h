@@ -15,6 +15,12 @@ inline CFRef<CFStringRef> Str(const std::string &text) {
         CFStringCreateWithCString(kCFAllocatorDefault, text.c_str(), kCFStringEncodingUTF8));
 }
 
+/// A string that has no UTF-8 form.
+inline CFRef<CFStringRef> HalfACharacter() {
+    const CFRef<CFStringRef> whole = Str("\xF0\x9F\x96\xA8");
+    return CFRef(CFStringCreateWithSubstring(kCFAllocatorDefault, whole.Get(), CFRangeMake(0, 1)));
+}
+
 inline std::string ReadFile(const std::filesystem::path &path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};

@@ -18,7 +18,7 @@ level() {
         Common/Src/ASCII85*) echo 35 ;;
         Common/Src/Writebuffer*) echo 30 ;;
         ppd/*) echo 25 ;;
-        Common/Src/Queue* | Common/Src/Mutex* | Common/Src/PostscriptDocument* | Common/Src/CFRef* | Common/Src/BigEndian* | \
+        Common/Src/Queue* | Common/Src/Mutex* | Common/Src/PostscriptDocument* | Common/Src/CFRef* | Common/Src/CFText* | Common/Src/BigEndian* | \
             Common/Src/CpuFeatures* | Common/Src/TextFormat*) echo 10 ;;
         Common/Src/*) echo 80 ;;
         include/* | platform/*) echo 0 ;;
