@@ -143,8 +143,8 @@ void CompareRandomGeometry(std::mt19937 &random, const ScanFunction &function, i
     ZELRect clipped = {};
     if (!SectLongRects(dest, {Between(random, 0, 9), 0, 50, pageWidth}, &clipped)) return;
     // Only rows that are copied may pass as they are.
-    const bool copies = function.sourceSize == function.lineSize &&
-                        function.scaleLine != ScaleLine_CMYKToRGB;
+    const bool copies =
+        function.sourceSize == function.lineSize && function.scaleLine != ScaleLine_CMYKToRGB;
     Page page(pageWidth, function, copies && round % 2 == 0);
     EXPECT_EQ(ZoomRect(guarded.band, source, dest, clipped, page.pipeline), 0);
     const std::vector<Bytes> expected =
