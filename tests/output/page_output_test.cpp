@@ -145,40 +145,39 @@ TEST_F(PageOutput, EveryPageBeginsAtItsTop) {
 TEST_F(PageOutput, EveryFormatPairHasItsRowsAndItsWhite) {
     struct Case {
         int16_t sourceFormat, outputDepth;
+        uint16_t documentFormat, white;
         int32_t mode;
-        uint16_t documentFormat;
         Bytes pixels; ///< two pixels, drawn into columns 0 and 1 of row 0
         Bytes row;    ///< samples of row 0
-        uint8_t white;
     };
     const Bytes two64 = {1, 2, 3, 4, 0, 0, 0, 0, 5, 6, 7, 8, 0, 0, 0, 0};
     const Case cases[] = {
-        {8, 8, kGrayMode, 8, {10, 20}, {245, 235, 255, 255}, 255},
-        {32, 8, kGrayMode, 8, {0, 10, 200, 30, 0, 0, 0, 0}, {200, 0, 255, 255}, 255},
-        {33, 8, kGrayMode, 8, {255, 0, 0, 0, 0, 0, 0, 255}, {176, 0, 255, 255}, 255},
+        {8, 8, 8, 255, kGrayMode, {10, 20}, {245, 235, 255, 255}},
+        {32, 8, 8, 255, kGrayMode, {0, 10, 200, 30, 0, 0, 0, 0}, {200, 0, 255, 255}},
+        {33, 8, 8, 255, kGrayMode, {255, 0, 0, 0, 0, 0, 0, 255}, {176, 0, 255, 255}},
         {32,
          32,
-         kRGBMode,
          32,
+         255,
+         kRGBMode,
          {9, 1, 2, 3, 9, 4, 5, 6},
-         {1, 2, 3, 4, 5, 6, 255, 255, 255, 255, 255, 255},
-         255},
+         {1, 2, 3, 4, 5, 6, 255, 255, 255, 255, 255, 255}},
         {33,
          32,
+         32,
+         255,
          kRGBMode,
-         32,
          {0, 0, 0, 0, 0, 0, 0, 255},
-         {255, 255, 255, 0, 0, 0, 255, 255, 255, 255, 255, 255},
-         255},
+         {255, 255, 255, 0, 0, 0, 255, 255, 255, 255, 255, 255}},
         {33,
          33,
-         kCMYKMode,
          33,
+         0,
+         kCMYKMode,
          {1, 2, 3, 4, 5, 6, 7, 8},
-         {1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0, 0, 0, 0},
-         0},
-        {34, 0, kCMYKMode, 34, two64, {1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0, 0, 0, 0}, 0},
-        {64, 0, kCMYKMode, 34, two64, {1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0, 0, 0, 0}, 0},
+         {1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0, 0, 0, 0}},
+        {34, 0, 34, 0, kCMYKMode, two64, {1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0, 0, 0, 0}},
+        {64, 0, 34, 0, kCMYKMode, two64, {1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0, 0, 0, 0}},
     };
     for (const Case &c : cases) {
         mOptions = MakeOptions(c.mode, c.documentFormat);
@@ -190,7 +189,7 @@ TEST_F(PageOutput, EveryFormatPairHasItsRowsAndItsWhite) {
                               static_cast<uint16_t>(c.sourceFormat)};
         EXPECT_EQ(Print(band, {0, 0, 1, 2}, {0, 0, 1, 2}), 0);
         Bytes expected = c.row;
-        expected.resize(4 * c.row.size(), c.white);
+        expected.resize(4 * c.row.size(), static_cast<uint8_t>(c.white));
         EXPECT_EQ(Samples(), expected) << c.sourceFormat << " at " << c.outputDepth;
     }
 }
