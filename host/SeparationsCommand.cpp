@@ -1,7 +1,7 @@
 // zelprint separations [--json]: the CMYK separations that the driver offers.
 #include "host/CommandLine.h"
 
-#include "host/Driver.h"
+#include "host/Separations.h"
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
@@ -11,17 +11,12 @@ namespace {
 
 ExitStatus ListSeparations(const std::string &bundlePath, bool asJSON) {
     const DriverBundle bundle(bundlePath);
-    const CFOwner<CFArrayRef> names(ZEL_CALL(bundle, ZELPrCopySeparationNames)());
-    nlohmann::json list = nlohmann::json::array();
-    for (CFIndex i = 0; names && i < CFArrayGetCount(names.Get()); ++i)
-        list.push_back(
-            TextOfCFString(static_cast<CFStringRef>(CFArrayGetValueAtIndex(names.Get(), i))));
+    const std::vector<std::string> names = SeparationNames(bundle);
     if (asJSON) {
-        (void)printf("%s\n", list.dump().c_str());
+        (void)printf("%s\n", nlohmann::json(names).dump().c_str());
         return ExitStatus::Success;
     }
-    for (const auto &name : list)
-        (void)printf("%s\n", name.get<std::string>().c_str());
+    for (const std::string &name : names) (void)printf("%s\n", name.c_str());
     return ExitStatus::Success;
 }
 

@@ -1,0 +1,27 @@
+/// Page ranges as lp writes them: "1-4,7,9-".
+#ifndef ZEL_HOST_PAGERANGE_H
+#define ZEL_HOST_PAGERANGE_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// A set of page numbers, counted from 1 through all files of the job. Pages always come in the
+/// order of the document, however the ranges are ordered.
+class PageRange {
+public:
+    /// All pages.
+    PageRange();
+    /// Pages `first` to `last`; 999 as last page means up to the end, as in the print dialog.
+    PageRange(int first, int last);
+    /// Reads "1-4,7,9-" ("-4" is "1-4"). Throws HostError (Usage) for anything else.
+    [[nodiscard]] static PageRange Parse(const std::string &text);
+
+    [[nodiscard]] bool Contains(int page) const;
+
+private:
+    explicit PageRange(std::vector<std::pair<int, int>> ranges) : mRanges(std::move(ranges)) {}
+    std::vector<std::pair<int, int>> mRanges;
+};
+
+#endif

@@ -1,0 +1,58 @@
+#include "host/PrintCommand.h"
+
+#include "host/PrintJob.h"
+#include "host/Report.h"
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+void CheckOptions(const JobOptions &options) {
+    if (options.files.empty())
+        throw HostError(ExitStatus::Usage, "no file to print; see zelprint --help");
+    const bool placed = options.output && options.hotFolder;
+    if (placed && options.output->find('/') != std::string::npos)
+        throw HostError(ExitStatus::Usage,
+                        "-o and --hot-folder both name a folder; give one of them");
+    if (options.printDialog && (options.output || options.hotFolder))
+        throw HostError(ExitStatus::Usage, "the print dialog asks where the document goes; leave "
+                                           "out -o and --hot-folder");
+}
+
+void Say(const std::string &text) {
+    (void)fputs(text.c_str(), stdout);
+    (void)fflush(stdout);
+}
+
+ExitStatus Print(const JobOptions &options) {
+    CheckOptions(options);
+    const std::vector<SourceFile> files(options.files.begin(), options.files.end());
+    const bool pdf = std::any_of(files.begin(), files.end(), [](const SourceFile &file) {
+        return file.Kind() == FileKind::PDF;
+    });
+    StartVips(pdf);
+    const DriverBundle bundle(options.bundle);
+    const JobSetup setup(bundle, options, files);
+    const JobPlan &plan = setup.Plan();
+    if (options.dryRun) {
+        Say(options.json ? DryRunAsJSON(plan) : DryRunAsText(plan));
+        return ExitStatus::Success;
+    }
+    const JobResult result = PrintJob(setup, options.bandHeight, options.quiet);
+    if (options.json)
+        Say(ReportAsJSON(plan, result));
+    else if (!options.quiet)
+        Say(ReportAsText(plan, result));
+    return ExitStatus::Success;
+}
+
+} // namespace
+
+ExitStatus PrintCommand(const JobOptions &options) {
+    try {
+        return Print(options);
+    } catch (const HostError &error) {
+        if (options.json) Say(ErrorAsJSON(error));
+        throw;
+    }
+}

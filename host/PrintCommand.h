@@ -1,0 +1,11 @@
+/// zelprint FILE...: prints a job from its options to its report.
+#ifndef ZEL_HOST_PRINTCOMMAND_H
+#define ZEL_HOST_PRINTCOMMAND_H
+
+#include "host/ExitStatus.h"
+#include "host/JobOptions.h"
+
+/// Throws HostError.
+[[nodiscard]] ExitStatus PrintCommand(const JobOptions &options);
+
+#endif

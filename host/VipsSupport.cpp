@@ -1,0 +1,36 @@
+#include "host/VipsSupport.h"
+
+#include "host/ExitStatus.h"
+#include <cstdlib>
+
+namespace {
+
+void DropMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
+
+} // namespace
+
+void StartVips(bool withModules) {
+    static bool started = false;
+    if (started) return;
+    // libvips looks for its modules below this folder, and nothing else of it is used.
+    if (!withModules) (void)setenv("VIPSHOME", "/nonexistent", 0);
+    if (VIPS_INIT("zelprint") != 0)
+        throw HostError(ExitStatus::Input, "cannot start libvips: " + TakeVipsError());
+    // Warnings about odd files would otherwise land between our own lines.
+    g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), DropMessage, nullptr);
+    // Every page is read once; a cache would only keep files open.
+    vips_cache_set_max(0);
+    started = true;
+}
+
+std::string TakeVipsError() {
+    std::string line;
+    for (const char *c = vips_error_buffer(); *c != '\0'; ++c) {
+        if (*c != '\n')
+            line += *c;
+        else if (c[1] != '\0')
+            line += "; ";
+    }
+    vips_error_clear();
+    return line.empty() ? "unknown error" : line;
+}
