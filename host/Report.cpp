@@ -72,10 +72,13 @@ uint64_t ExpectedBytes(const JobPlan &plan) {
 
 std::string ReportAsText(const JobPlan &plan, const JobResult &result) {
     if (result.queued) return "handed to the print queue (" + Details(plan) + ")\n";
+    if (result.files.size() == 1)
+        return "wrote " + result.files[0].path + " (" + Details(plan) + ", " +
+               Megabytes(result.files[0].bytes) + ")\n";
     std::string text;
     for (const FinishedFile &file : result.files)
-        text += "wrote " + file.path + " (" + Details(plan) + ", " + Megabytes(file.bytes) + ")\n";
-    return text;
+        text += "wrote " + file.path + " (" + Megabytes(file.bytes) + ")\n";
+    return text + "in all " + Details(plan) + "\n";
 }
 
 std::string ReportAsJSON(const JobPlan &plan, const JobResult &result) {
