@@ -16,7 +16,8 @@ ExitStatus ListSeparations(const std::string &bundlePath, bool asJSON) {
         (void)printf("%s\n", nlohmann::json(names).dump().c_str());
         return ExitStatus::Success;
     }
-    for (const std::string &name : names) (void)printf("%s\n", name.c_str());
+    for (const std::string &name : names)
+        (void)printf("%s\n", name.c_str());
     return ExitStatus::Success;
 }
 

@@ -1,0 +1,54 @@
+#include "host/PageRange.h"
+
+#include "host/ExitStatus.h"
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string PagesOf(const PageRange &range, int last = 12) {
+    std::string pages;
+    for (int page = 1; page <= last; ++page)
+        if (range.Contains(page)) pages += (pages.empty() ? "" : " ") + std::to_string(page);
+    return pages;
+}
+
+struct RangeCase {
+    const char *text;
+    const char *pages;
+};
+
+class PageRangeText : public testing::TestWithParam<RangeCase> {};
+
+TEST_P(PageRangeText, NamesPages) {
+    EXPECT_EQ(PagesOf(PageRange::Parse(GetParam().text)), GetParam().pages);
+}
+
+INSTANTIATE_TEST_SUITE_P(Good, PageRangeText,
+                         testing::Values(RangeCase{"1-4,7,9-", "1 2 3 4 7 9 10 11 12"},
+                                         RangeCase{"3", "3"}, RangeCase{"-2", "1 2"},
+                                         RangeCase{"2-2", "2"}, RangeCase{"11-", "11 12"},
+                                         RangeCase{"5,1", "1 5"}, RangeCase{"1-3,2-4", "1 2 3 4"},
+                                         RangeCase{"100", ""}));
+
+class BadPageRangeText : public testing::TestWithParam<const char *> {};
+
+TEST_P(BadPageRangeText, IsAUsageError) {
+    try {
+        (void)PageRange::Parse(GetParam());
+        FAIL() << "accepted";
+    } catch (const HostError &error) {
+        EXPECT_EQ(error.Status(), ExitStatus::Usage);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Bad, BadPageRangeText,
+                         testing::Values("", "-", "0", "0-3", "4-1", "a", "1,", ",1", "1--3", "1 2",
+                                         "1;2", "99999999999", "+1", "1-x"));
+
+TEST(PageRange, OfTheDialog_999IsTheEnd) {
+    EXPECT_TRUE(PageRange(1, 999).Contains(5000));
+    EXPECT_EQ(PagesOf(PageRange(3, 5)), "3 4 5");
+    EXPECT_TRUE(PageRange().Contains(1));
+}
+
+} // namespace
