@@ -34,6 +34,16 @@ std::string ReadHead(const std::string &path) {
     return std::string(head, static_cast<size_t>(count));
 }
 
+/// Byte order, then 42 (or 43: BigTIFF) in it.
+bool IsTIFF(const std::string &head) {
+    if (head.size() < 4) return false;
+    const bool little = head[0] == 'I' && head[1] == 'I';
+    const bool big = head[0] == 'M' && head[1] == 'M';
+    const char version = little ? head[2] : head[3];
+    const char zero = little ? head[3] : head[2];
+    return (little || big) && zero == 0 && (version == 42 || version == 43);
+}
+
 bool IsPNM(const std::string &head) {
     return head.size() > 2 && head[0] == 'P' && strchr("123456fF", head[1]) &&
            strchr(" \t\r\n#", head[2]);
@@ -43,8 +53,7 @@ std::optional<FileKind> KindOf(const std::string &head) {
     const auto starts = [&head](const char *magic, size_t size) {
         return head.compare(0, size, magic, size) == 0;
     };
-    if (starts("II*\0", 4) || starts("MM\0*", 4) || starts("II+\0", 4) || starts("MM\0+", 4))
-        return FileKind::TIFF;
+    if (IsTIFF(head)) return FileKind::TIFF;
     if (starts("\x89PNG\r\n\x1a\n", 8)) return FileKind::PNG;
     if (starts("\xff\xd8\xff", 3)) return FileKind::JPEG;
     if (starts("%PDF", 4)) return FileKind::PDF;
