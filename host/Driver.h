@@ -30,7 +30,9 @@
 
 /// The bundle's functions under their own names. A function that this bundle lacks is null.
 struct DriverFunctions {
-#define ZEL_HOST_DECLARE(name) decltype(&::name) name = nullptr;
+// A name after :: takes no parentheses.
+#define ZEL_HOST_DECLARE(name)                                                                     \
+    decltype(&::name) name = nullptr; // NOLINT(bugprone-macro-parentheses)
     ZEL_HOST_FUNCTIONS(ZEL_HOST_DECLARE)
 #undef ZEL_HOST_DECLARE
     Boolean (*ZELPrStyle)(DriverContext *, Handle) = nullptr;

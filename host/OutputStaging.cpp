@@ -51,7 +51,7 @@ std::string MakeHiddenFolder(const std::string &parent) {
 std::string SplitExtension(std::string &name) {
     const size_t dot = name.rfind('.');
     if (dot == std::string::npos || dot == 0) return {};
-    const std::string extension = name.substr(dot);
+    std::string extension = name.substr(dot);
     name.resize(dot);
     return extension;
 }
@@ -113,7 +113,8 @@ std::string OutputStaging::MoveUnique(const std::string &name) const {
     for (int number = 0; number < 100; ++number) {
         char suffix[8] = "";
         if (number > 0) (void)snprintf(suffix, sizeof suffix, "_%02d", number);
-        const std::string target = mFolder + "/" + base + suffix + extension;
+        std::string target = mFolder + "/" + base;
+        target.append(suffix).append(extension);
         const int code = MoveWithoutReplacing(mStaging + "/" + name, target);
         if (code == 0) return target;
         if (code != EEXIST) Refuse(target, strerror(code));
@@ -123,7 +124,7 @@ std::string OutputStaging::MoveUnique(const std::string &name) const {
 }
 
 std::string OutputStaging::MoveOver(const std::string &file, const std::string &name) const {
-    const std::string target = mFolder + "/" + name;
+    std::string target = mFolder + "/" + name;
     if (rename((mStaging + "/" + file).c_str(), target.c_str()) != 0)
         Refuse(target, std::string(strerror(errno)) + "; choose another name with -o");
     return target;

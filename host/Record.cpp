@@ -128,6 +128,6 @@ bool Record::SetSeparation(const std::string &name) {
     if (name.size() > 255) return false;
     memset(stored, 0, sizeof Fields().cmykSeparationName);
     stored[0] = static_cast<uint8_t>(name.size());
-    memcpy(stored + 1, name.data(), name.size());
+    std::copy(name.begin(), name.end(), stored + 1);
     return true;
 }
