@@ -60,9 +60,9 @@ struct KernelList {
 #if defined(__x86_64__)
         if (__builtin_cpu_supports("sse4.1")) Add("SSE4.1", ASCII85EncodeSSE41);
         if (__builtin_cpu_supports("avx2")) Add("AVX2", ASCII85EncodeAVX2);
-        if (__builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512bw")) {
-            Add("AVX-512 VBMI", ASCII85EncodeAVX512);
-        }
+        if (__builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi") &&
+            __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("bmi2"))
+            Add("AVX-512 VBMI2", ASCII85EncodeAVX512);
 #endif
     }
 

@@ -4,19 +4,22 @@
 #include <array>
 #include <immintrin.h>
 
-#define ZEL_TARGET __attribute__((target("avx512f,avx512bw,avx512vbmi,avx2")))
+#define ZEL_TARGET __attribute__((target("avx512f,avx512bw,avx512vbmi,avx512vbmi2,bmi2,popcnt")))
 
 namespace {
 
-/// Where each character of a block comes from: bytes 0 to 63 of the digits d3, d4, d1, d2 of the
-/// sixteen groups, or 64 plus the byte of d0. The first 64 entries make one vector, the other 16 of
-/// the 80 a second one.
+/// The characters of a block in two vectors: those of groups 0 to 11 and those of groups 12 to 15.
+constexpr int kHeadGroups = 12;
+constexpr int kHeadText = 5 * kHeadGroups;
+
+/// Where each character comes from, 64 entries a vector: bytes 0 to 63 of the digits d3, d4, d1,
+/// d2 of the sixteen groups, or 64 plus the byte of d0.
 constexpr std::array<int8_t, 128> MakePlaces() {
     std::array<int8_t, 128> places{};
-    size_t at = 0;
     for (int group = 0; group < 16; ++group) {
         const int digits[5] = {64 + 4 * group, 4 * group + 2, 4 * group + 3, 4 * group,
                                4 * group + 1};
+        auto at = static_cast<size_t>(group < kHeadGroups ? 5 * group : 4 + 5 * group);
         for (const int digit : digits)
             places.at(at++) = static_cast<int8_t>(digit);
     }
@@ -32,8 +35,12 @@ ZEL_TARGET inline __m512i DivideBy7225(__m512i v) {
     return _mm512_mask_blend_epi32(0xAAAA, even, odd);
 }
 
-/// Stores the 80 characters of sixteen groups; those of zero groups start with "z".
-ZEL_TARGET inline void StoreDigits(__m512i bytes, __mmask16 zeroGroups, char *text) {
+struct Text {
+    __m512i head, tail;
+};
+
+/// The 80 characters of sixteen groups; those of zero groups start with "z".
+ZEL_TARGET inline Text TextOf(__m512i bytes, __mmask16 zeroGroups) {
     const __m512i swap =
         _mm512_broadcast_i32x4(_mm_setr_epi8(3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12));
     const __m512i v = _mm512_shuffle_epi8(bytes, swap);
@@ -54,9 +61,27 @@ ZEL_TARGET inline void StoreDigits(__m512i bytes, __mmask16 zeroGroups, char *te
     const __m512i head = _mm512_permutex2var_epi8(rest, _mm512_load_si512(kPlaces.data()), first);
     const __m512i tail =
         _mm512_permutex2var_epi8(rest, _mm512_load_si512(kPlaces.data() + 64), first);
-    _mm512_storeu_si512(text, _mm512_add_epi8(head, offset));
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(text + 64),
-                     _mm512_castsi512_si128(_mm512_add_epi8(tail, offset)));
+    return {_mm512_add_epi8(head, offset), _mm512_add_epi8(tail, offset)};
+}
+
+ZEL_TARGET inline void StoreTail(char *text, __m512i tail) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i *>(text), _mm512_castsi512_si256(tail));
+}
+
+/// The characters to keep of `count` groups at five bits each: the first of a zero group, else all.
+ZEL_TARGET inline uint64_t KeepMask(uint32_t nonZeroGroups, int count) {
+    const uint64_t firsts = 0x1084210842108421U & ((uint64_t{1} << (5 * count)) - 1);
+    return firsts | _pdep_u64(nonZeroGroups, firsts) * 0x1E;
+}
+
+ZEL_TARGET inline char *StoreMixed(const Text &found, __mmask16 zeroGroups, char *text) {
+    const uint32_t nonZeroGroups = ~static_cast<uint32_t>(zeroGroups);
+    const uint64_t head = KeepMask(nonZeroGroups, kHeadGroups);
+    const uint64_t tail = KeepMask(nonZeroGroups >> kHeadGroups, 16 - kHeadGroups);
+    _mm512_storeu_si512(text, _mm512_maskz_compress_epi8(head, found.head));
+    text += _mm_popcnt_u64(head);
+    StoreTail(text, _mm512_maskz_compress_epi8(tail, found.tail));
+    return text + _mm_popcnt_u64(tail);
 }
 
 } // namespace
@@ -67,15 +92,15 @@ ZEL_TARGET size_t ASCII85EncodeAVX512(const uint8_t *data, size_t blocks, char *
         const __m512i bytes = _mm512_loadu_si512(data);
         const __mmask16 zeroGroups = _mm512_testn_epi32_mask(bytes, bytes);
         if (zeroGroups == 0) {
-            StoreDigits(bytes, 0, text);
+            const Text found = TextOf(bytes, 0);
+            _mm512_storeu_si512(text, found.head);
+            StoreTail(text + kHeadText, found.tail);
             text += kASCII85BlockText;
         } else if (zeroGroups == 0xFFFF) {
             _mm_storeu_si128(reinterpret_cast<__m128i *>(text), _mm_set1_epi8('z'));
             text += 16;
         } else {
-            char digits[kASCII85BlockText + 3];
-            StoreDigits(bytes, zeroGroups, digits);
-            text = ASCII85Squeeze(digits, zeroGroups, text);
+            text = StoreMixed(TextOf(bytes, zeroGroups), zeroGroups, text);
         }
     }
     return static_cast<size_t>(text - start);
