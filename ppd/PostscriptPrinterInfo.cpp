@@ -19,7 +19,9 @@ std::string FileName(CFURLRef url) {
 }
 
 std::unique_ptr<PPD::MiniParser> CopyOf(const std::unique_ptr<PPD::MiniParser> &parser) {
-    return parser ? std::make_unique<PPD::MiniParser>(*parser) : nullptr;
+    std::unique_ptr<PPD::MiniParser> copy;
+    if (parser) copy = std::make_unique<PPD::MiniParser>(*parser);
+    return copy;
 }
 
 } // namespace

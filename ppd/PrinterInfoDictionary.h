@@ -1,0 +1,10 @@
+/// The printer model as a property list, for hosts.
+#pragma once
+
+#include "Common/Src/CFRef.h"
+#include "ppd/PostscriptPrinterInfo.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+/// The dictionary that ZELPrCopyPrinterInfo describes.
+CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info);
