@@ -126,6 +126,7 @@ Dictionary CustomPageOf(const PostscriptPages &pages) {
 
 CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info) {
     // Asking for the limits changes the pages; the caller's stay as they are.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const PostscriptPages pages = info.Pages();
     Dictionary dictionary;
     dictionary.Set(CFSTR("name"), info.GetName());

@@ -17,7 +17,6 @@ using PPD::Statement;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Key;
-using testing::UnorderedElementsAre;
 
 constexpr const char *kHead = "*PPD-Adobe: \"4.3\"\n";
 
@@ -311,7 +310,11 @@ TEST(MiniParserKeyword, LineOf255Characters_TakesTheNextLineAlong) {
 
 TEST(MiniParserLines, AllFourLineEndsCountAsOne) {
     for (const std::string end : {"\n", "\r", "\r\n", "\n\r"}) {
-        const std::string text = "*A: 1" + end + "*B: \"2\"" + end + end + "*A: 3" + end + "*A: 4";
+        std::string text;
+        for (const char *line : {"*A: 1", "*B: \"2\"", "", "*A: 3", "*A: 4"}) {
+            text += line;
+            text += end;
+        }
         Reader reader(text);
         EXPECT_EQ(reader.parser.GetNextStatement("*A").GetValue(), "1");
         EXPECT_EQ(reader.parser.GetNextStatement("*B").GetValue(), "2");

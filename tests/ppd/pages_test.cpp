@@ -409,6 +409,7 @@ TEST(CustomLimits, LookUpsCreateTheMissingParameters) {
 
 TEST(CustomPages, Copy_HasParametersOfItsOwn) {
     const auto pages = Read(Custom("0 1"));
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is what is tested
     const PostscriptPages copy(pages);
     (void)pages.GetCustomPage(500, 700);
     EXPECT_EQ(pages.GetCustomPageParam("Width").GetValue(), 500);

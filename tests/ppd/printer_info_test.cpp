@@ -113,6 +113,7 @@ TEST(PrinterInfo, Copy_OfTheDefaultsNeedsNoFile) {
     testing::internal::CaptureStderr();
     const PostscriptPrinterInfo info;
     testing::internal::GetCapturedStderr();
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is what is tested
     const PostscriptPrinterInfo copy(info);
     EXPECT_EQ(copy.GetName(), "");
     EXPECT_EQ(copy.Pages().NumPages(), 1);

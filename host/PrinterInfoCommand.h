@@ -1,0 +1,16 @@
+/// What `zelprint printer-info` says about a printer, from the driver's property list of it.
+#ifndef ZEL_HOST_PRINTERINFOCOMMAND_H
+#define ZEL_HOST_PRINTERINFOCOMMAND_H
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <nlohmann/json.hpp>
+#include <string>
+
+/// The printer model with the keys of ZELPrCopyPrinterInfo in their documented order; "custom" is
+/// null without custom pages. Whole numbers are written without a fraction.
+[[nodiscard]] nlohmann::ordered_json PrinterInfoJSON(CFDictionaryRef info);
+
+/// The same for people, several lines: sizes in millimetres and points, "*" before the defaults.
+[[nodiscard]] std::string PrinterInfoText(const nlohmann::ordered_json &info);
+
+#endif

@@ -1,0 +1,25 @@
+/// Columns of text on a terminal.
+#ifndef ZEL_HOST_TEXTTABLE_H
+#define ZEL_HOST_TEXTTABLE_H
+
+#include <string>
+#include <vector>
+
+/// UTF-8 text with "?" for control characters: what a file says must not drive the terminal.
+[[nodiscard]] std::string PlainText(const std::string &utf8);
+
+/// Left-aligned columns, each as wide as its longest cell, two spaces apart.
+class TextTable {
+public:
+    /// The first row. Rows have as many cells as it, all UTF-8; control characters become "?".
+    explicit TextTable(const std::vector<std::string> &headings) { AddRow(headings); }
+    void AddRow(const std::vector<std::string> &cells);
+    /// All rows, each with a line end and without trailing spaces.
+    [[nodiscard]] std::string Text() const;
+
+private:
+    std::vector<std::vector<std::string>> mRows;
+    std::vector<size_t> mWidths;
+};
+
+#endif
