@@ -3,7 +3,9 @@
 #include "ppd/ParserError.h"
 #include "tests/ppd/PPDFile.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <gmock/gmock.h>
@@ -347,6 +349,19 @@ TEST(MiniParserLines, EveryAlignmentWithTheBufferReadsAlike) {
         EXPECT_EQ(s.GetValue(), "a\r\nb") << shift;
         EXPECT_EQ(reader.parser.GetNextStatement("*Next").GetValue(), "n") << shift;
     }
+}
+
+TEST(MiniParserLines, HugeLine_CostsNoMemory) {
+    constexpr off_t kSize = 128 << 20;
+    Reader reader("*A: 1\n*%");
+    ASSERT_EQ(truncate(reader.file.Path().c_str(), kSize), 0); // a hole: reads as zeros
+    struct rusage before {};
+    getrusage(RUSAGE_SELF, &before);
+    EXPECT_EQ(ErrorOf([&] { reader.parser.GetStatement("*B"); }), "*B not found");
+    EXPECT_EQ(reader.parser.GetOptionEntry("*A").size(), 1U);
+    struct rusage after {};
+    getrusage(RUSAGE_SELF, &after);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 8 * 1024) << "kilobytes";
 }
 
 // --- Queries -------------------------------------------------------------------------------------
