@@ -1,0 +1,77 @@
+// A print record of any bytes, with printers of every kind: checked, described, fitted, opened as
+// EPS.
+#include "Common/Src/DocumentOpening.h"
+#include "Common/Src/DriverContext.h"
+#include "Common/Src/JobSettings.h"
+#include "Common/Src/PageOutput.h"
+#include "Common/Src/PrintRecord.h"
+#include "colour/Separations.h"
+#include "ppd/PostscriptPrinterInfo.h"
+#include "tests/driver/TestPPD.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+PostscriptPrinterInfo *MakePrinter(const TestPPD &ppd) {
+    char path[] = "/tmp/zel-fuzz-XXXXXX";
+    const int file = mkstemp(path);
+    const std::string text = ppd.Text();
+    if (file < 0 || write(file, text.data(), text.size()) < 0) std::abort();
+    close(file);
+    const CFRef<CFURLRef> url(CFURLCreateFromFileSystemRepresentation(
+        kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(path),
+        static_cast<CFIndex>(sizeof path - 1), false));
+    auto *printer = new PostscriptPrinterInfo(url.Get());
+    unlink(path);
+    return printer;
+}
+
+/// One open driver for each kind of printer.
+std::vector<DriverContext *> MakeContexts() {
+    std::vector<TestPPD> ppds(4);
+    ppds[1].custom = TestPPD::CustomPages();
+    ppds[2].pages.clear();
+    ppds[3].level = "1";
+    std::vector<DriverContext *> contexts;
+    for (const TestPPD &ppd : ppds) {
+        auto *context = new DriverContext;
+        context->printerInfo = MakePrinter(ppd);
+        context->bundleIdentifier =
+            CFRef<CFStringRef>::Retain(CFSTR("com.zel.PostscriptPrinterDriver"));
+        context->jobName = CFRef<CFStringRef>::Retain(CFSTR("Fuzz"));
+        contexts.push_back(context);
+    }
+    return contexts;
+}
+
+void OpenAsEPS(DriverContext *context, Handle handle) {
+    if (GetHandleSize(handle) < static_cast<Size>(sizeof(PSHPrint))) return;
+    reinterpret_cast<PSHPrint *>(*handle)->mEPSFormat_be = 1;
+    context->record = handle;
+    if (DoOpenDocument(context) == 0) KillDocument(context->mPageOutputSession);
+    context->mPageOutputSession = nullptr;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    static const std::vector<DriverContext *> contexts = MakeContexts();
+    if (size < 4) return 0;
+    DriverContext *context = contexts[data[0] % contexts.size()];
+    context->pageInfo = {data[1] * 20, data[2] * 20, data[3] * 2.0, data[1] * 3.0, 32};
+    Handle handle = NewHandle(static_cast<Size>(size - 4));
+    std::memcpy(*handle, data + 4, size - 4);
+    (void)HPrintIsBad(context, handle);
+    (void)RecordGeometry(CopyRecord(handle));
+    (void)DoCopyJobSettings(context, handle);
+    SetSuggestions(context, handle, &context->pageInfo);
+    if (HPrintIsBad(context, handle) && data[0] >= 0x80) SetDefaults(context, handle);
+    OpenAsEPS(context, handle);
+    DisposeHandle(handle);
+    return 0;
+}
