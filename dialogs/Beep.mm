@@ -1,10 +1,11 @@
 #include "dialogs/Beep.h"
 
 #import "dialogs/DialogSupport.h"
+#import "dialogs/Toolkit.h"
 
 void SoundBeep() {
     @autoreleasepool {
         // The sound comes from the window system, which a host without windows has not reached yet.
-        if (HaveWindowServer() && EnsureApplication()) NSBeep();
+        if (HaveWindowServer() && EnsureApplication()) SoundToolkitBeep();
     }
 }

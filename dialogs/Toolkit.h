@@ -10,3 +10,6 @@ void PrepareToolkitView(NSView *view);
 
 /// Fits a pop-up's list to its items.
 void FitToolkitMenu(NSMenu *menu);
+
+/// Sounds the alert sound at once, also in a host that runs no event loop.
+void SoundToolkitBeep(void);

@@ -216,3 +216,10 @@ void PrepareToolkitView(NSView *view) {
     for (NSView *sub in [view subviews])
         PrepareToolkitView(sub);
 }
+
+void SoundToolkitBeep(void) {
+    NSBeep();
+    // The request waits in Xlib's buffer for an event loop to send it.
+    Display *display = static_cast<Display *>([GSCurrentServer() serverDevice]);
+    if (display != nullptr) XFlush(display);
+}

@@ -12,3 +12,5 @@ BOOL EnsureApplication(void) {
 void PrepareToolkitView(NSView *) {}
 
 void FitToolkitMenu(NSMenu *) {}
+
+void SoundToolkitBeep(void) { NSBeep(); }

@@ -19,6 +19,7 @@ struct DriverFunctions {
     X(ZELPrDefaults)                                                                               \
     X(ZELPrErrorString)                                                                            \
     X(ZELPrGetInfo)                                                                                \
+    X(ZELPrJob)                                                                                    \
     X(ZELPrJobMerge)                                                                               \
     X(ZELPrOpen)                                                                                   \
     X(ZELPrOpenDoc)                                                                                \
@@ -29,6 +30,7 @@ struct DriverFunctions {
     X(ZELPrSetJobSettings)                                                                         \
     X(ZELPrSetPrinter)                                                                             \
     X(ZELPrSetSendToPrintQueue)                                                                    \
+    X(ZELPrStyle)                                                                                  \
     X(ZELPrSuggestPage)                                                                            \
     X(ZELPrValidate)
 #define ZEL_DECLARE(name) decltype(&::name) name = nullptr;

@@ -169,12 +169,13 @@ private:
     /// Anything, in any order.
     void AnyStep() {
         static void (Sequence::*const steps[])() = {
-            &Sequence::OpenDoc,      &Sequence::OpenPage,  &Sequence::PrintAnything,
-            &Sequence::ClosePage,    &Sequence::CloseDoc,  &Sequence::BadFolder,
-            &Sequence::SuggestWrong, &Sequence::Defaults,  &Sequence::Validate,
-            &Sequence::ShortRecord,  &Sequence::SpoilName, &Sequence::ToggleEPS,
-            &Sequence::SetName,      &Sequence::Inform,    &Sequence::RefusedPrinter,
-            &Sequence::DiskFull,     &Sequence::DiskFull,  &Sequence::HostError};
+            &Sequence::OpenDoc,        &Sequence::OpenPage,  &Sequence::PrintAnything,
+            &Sequence::ClosePage,      &Sequence::CloseDoc,  &Sequence::BadFolder,
+            &Sequence::SuggestWrong,   &Sequence::Defaults,  &Sequence::Validate,
+            &Sequence::ShortRecord,    &Sequence::SpoilName, &Sequence::ToggleEPS,
+            &Sequence::SetName,        &Sequence::Inform,    &Sequence::RefusedPrinter,
+            &Sequence::DiskFull,       &Sequence::DiskFull,  &Sequence::HostError,
+            &Sequence::CancelledDialog};
         (this->*steps[Pick(std::size(steps))])();
     }
 
@@ -298,6 +299,15 @@ private:
         mModel.diskFull = !mModel.diskFull;
         mTrace << (mModel.diskFull ? "disk full\n" : "disk free\n");
         SetDiskFull(mModel.diskFull);
+    }
+    /// Without a window system a dialog is as good as cancelled.
+    void CancelledDialog() {
+        const bool style = Pick(2) != 0;
+        Expect(style ? "Style" : "Job",
+               (style ? Driver().ZELPrStyle : Driver().ZELPrJob)(mSession.Get(), mGood.Get()),
+               false);
+        mModel.shortRecord = false;
+        mModel.ended = true;
     }
     void HostError() {
         static const int32_t codes[] = {kZELUserCancelled, 0, 1, -1, 12345};

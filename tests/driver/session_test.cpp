@@ -188,6 +188,29 @@ TEST_F(SessionTest, Failure_OfTheFileSystem_IsItsErrno) {
     EXPECT_EQ(session.Close(), EFBIG);
 }
 
+TEST_F(SessionTest, DialogWithoutWindowSystem_CancelsWithoutAnError) {
+    for (auto dialog : {Driver().ZELPrStyle, Driver().ZELPrJob}) {
+        Session fresh;
+        const std::string before = record.Bytes();
+        EXPECT_FALSE(dialog(fresh.Get(), record.Get()));
+        EXPECT_EQ(record.Bytes(), before);
+        EXPECT_TRUE(fresh.SetHotFolder(record.Get(), folder.Path()));
+        EXPECT_EQ(Driver().ZELPrOpenDoc(fresh.Get()), 0) << "does nothing";
+        EXPECT_THAT(folder.Names(), IsEmpty());
+        EXPECT_EQ(fresh.PrintPage(8, 8), 0);
+        EXPECT_EQ(Driver().ZELPrCloseDoc(fresh.Get()), 0);
+        Driver().ZELPrSetError(fresh.Get(), 3);
+        EXPECT_EQ(fresh.Close(), 0);
+    }
+}
+
+TEST_F(SessionTest, Dialog_AfterAnError_IsNotShown) {
+    Driver().ZELPrSetError(session.Get(), 3);
+    EXPECT_FALSE(Driver().ZELPrStyle(session.Get(), record.Get()));
+    EXPECT_FALSE(Driver().ZELPrJob(session.Get(), record.Get()));
+    EXPECT_EQ(session.Close(), 3);
+}
+
 // ---- calls out of order
 
 TEST_F(SessionTest, OpenDoc_NoRecordSeen_IsABadParameter) {
