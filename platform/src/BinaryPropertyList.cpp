@@ -11,7 +11,7 @@ constexpr size_t kHeaderSize = 8;
 constexpr size_t kTrailerSize = 32;
 constexpr int kMaximumDepth = 128;
 /// An object that several containers share is read once for each of them.
-constexpr int kMaximumObjects = 1 << 20;
+constexpr int kMaximumObjects = 1 << 16;
 
 struct Span {
     const UInt8 *data = nullptr;
@@ -182,10 +182,23 @@ CFTypeRef Reader::ReadDate(Cursor cursor) {
     return CFDateCreate(kCFAllocatorDefault, at);
 }
 
+/// Is every surrogate one of a pair? Others have no form in UTF-8.
+bool IsUnicode(const std::vector<UniChar> &text) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        if ((text[i] & 0xf800) != 0xd800) continue;
+        const bool isPair =
+            (text[i] & 0xfc00) == 0xd800 && i + 1 < text.size() && (text[i + 1] & 0xfc00) == 0xdc00;
+        if (!isPair) return false;
+        ++i;
+    }
+    return true;
+}
+
 CFTypeRef Reader::ReadUnicode(Span units) {
     std::vector<UniChar> text(units.size / 2);
     for (size_t i = 0; i < text.size(); ++i)
         text[i] = static_cast<UniChar>(BigEndian(units.data + 2 * i, 2));
+    if (!IsUnicode(text)) return nullptr;
     return CFStringCreateWithBytes(kCFAllocatorDefault,
                                    reinterpret_cast<const UInt8 *>(text.data()),
                                    CFIndex(units.size), kCFStringEncodingUTF16, 0);
