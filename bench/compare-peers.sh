@@ -2,15 +2,16 @@
 # compare-peers.sh [RUNS]: times zelprint and other programs that turn the same image into PostScript,
 # as whole commands, in turns, and prints the medians and ratios. One page of A4 at 600 dpi.
 #
-# Installs the peers from Debian packages. Needs about 1.5 GB in $TMPDIR (or /tmp), on the file system
+# Builds the driver and installs the peers from Debian packages. Needs about 1.5 GB in $TMPDIR (or /tmp), on the file system
 # that is to be measured, and a machine that does nothing else meanwhile.
 set -eu
 cd "$(dirname "$0")/.."
 root=$PWD
 runs=${1:-5}
-zelprint=${ZELPRINT:-$root/build/release/zelprint}
-[ -x "$zelprint" ] || { echo "Build the driver first: scripts/build.sh" >&2; exit 1; }
-scripts/install-packages.sh bench >&2
+scripts/install-packages.sh build bench >&2
+scripts/build.sh release zelprint ZELPostscript >&2
+zelprint=$root/build/release/zelprint
+[ -x "$zelprint" ] || zelprint=$root/build/release/host/zelprint
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

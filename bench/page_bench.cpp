@@ -72,7 +72,7 @@ std::vector<uint8_t> MakeText() {
 struct Job {
     const char *name;
     int32_t colourMode; ///< as in OutputOptions
-    uint16_t pixelFormat;
+    uint16_t rowFormat; ///< of the rows that reach the writer; the host's bands are XRGB
     const char *separation;
 };
 
@@ -115,18 +115,18 @@ void PrintPage(const std::string &folder, const Job &job, const std::vector<uint
     const OutputGeometry geometry = {kWidth, kHeight, 210, 297};
     OutputOptions options = {};
     options.colourMode = job.colourMode;
-    options.pixelFormat = job.pixelFormat;
+    options.pixelFormat = job.rowFormat;
     options.separationName = separation.Get();
-    const auto format = static_cast<int16_t>(job.pixelFormat);
     PageOutputSession *session = nullptr;
-    int16_t error = OpenDocument(CFSTR("page"), CFSTR("page.ps"), &geometry, format, 32, &options,
-                                 url.Get(), &session);
+    int16_t error =
+        OpenDocument(CFSTR("page"), CFSTR("page.ps"), &geometry, kZELFormatXRGB32,
+                     static_cast<int16_t>(job.rowFormat), &options, url.Get(), &session);
     if (error == 0) error = OpenPage(session, nullptr, nullptr);
     for (int32_t top = 0; top < kHeight && error == 0; top += kBandHeight) {
         const ZELRect rect = {top, 0, std::min(top + kBandHeight, kHeight), kWidth};
         const uint8_t *rows =
             pixels.data() + size_t{kWidth} * 4 * static_cast<size_t>(top % kImageHeight);
-        const ZELBand band = {rows, rect, kWidth * 4, job.pixelFormat};
+        const ZELBand band = {rows, rect, kWidth * 4, kZELFormatXRGB32};
         error = PrintBits(session, &band, &rect, &rect);
     }
     if (error == 0) error = ClosePage(session);
@@ -195,12 +195,14 @@ int main(int argc, char **argv) {
     folder += "/page-bench-XXXXXX";
     if (mkdtemp(folder.data()) == nullptr) Fail(folder.c_str());
     const Job rgb = {"RGB", 2, kZELFormatXRGB32, ""};
+    const Job gray = {"Gray", 1, kZELFormatGray8, ""};
     const Job black = {"CMYK, black generation", 0, kZELFormatXRGB32, ""};
     const Job table = {"CMYK, separation profile", 0, kZELFormatXRGB32, separation};
     for (const bool text : {false, true}) {
         const std::vector<uint8_t> pixels = text ? MakeText() : MakePhotograph();
         std::puts(text ? "text page" : "photograph");
         Compare(folder, rgb, pixels, runs);
+        Compare(folder, gray, pixels, runs);
         Compare(folder, black, pixels, runs);
         if (separation != nullptr) Compare(folder, table, pixels, runs);
     }

@@ -2,6 +2,7 @@
 #include "Common/Src/Writebuffer.h"
 #include "tests/output/Faults.h"
 #include "tests/output/OutputFile.h"
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -148,6 +149,25 @@ TEST_F(WritebufferTest, WBWrite_PiecesOfAnySizeArriveInOrder) {
     std::vector<size_t> expected(bytes.size() / 65536, 65536);
     expected.push_back(bytes.size() % 65536);
     EXPECT_EQ(mFaults.WriteLengths(), expected);
+}
+
+TEST_F(WritebufferTest, WBAccept_BytesMadeInPlaceAreWrittenInOrder) {
+    Writebuffer *wb = Make();
+    Write(wb, std::string(65530, 'a'));
+    const WBRoom room = WBFreeRoom(wb);
+    ASSERT_EQ(room.size, 6U);
+    std::copy_n("bcdefg", 6, room.data);
+    EXPECT_EQ(WBAccept(wb, 6), 0);
+    EXPECT_EQ(WBFreeRoom(wb).size, 0U) << "a full buffer is handed over with the next byte";
+    EXPECT_EQ(wb->current->index, 1);
+    Write(wb, "h");
+    EXPECT_EQ(wb->current->index, 2);
+    EXPECT_EQ(WBFreeRoom(wb).size, 65535U);
+    wb->error = EIO;
+    EXPECT_EQ(WBAccept(wb, 0), EIO);
+    wb->error = 0;
+    EXPECT_EQ(DisposeWbuffer(wb), 0);
+    EXPECT_EQ(mFile.Contents(), std::string(65530, 'a') + "bcdefgh");
 }
 
 TEST_F(WritebufferTest, WBWrite_RunsTwoMegabytesAheadOfTheDisk) {
