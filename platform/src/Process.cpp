@@ -11,6 +11,11 @@
 #include <unistd.h>
 #include <vector>
 
+#ifdef __APPLE__ // where shared libraries have no environ
+#include <crt_externs.h>
+#define environ (*_NSGetEnviron())
+#endif
+
 namespace {
 
 /// Exit status of the child; 1 when a signal ended it or when it cannot be told.

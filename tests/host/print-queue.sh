@@ -1,0 +1,59 @@
+#!/bin/sh
+# print-queue.sh up|down|no-lpr ZELPRINT PICTURE: prints through the default print queue, and what becomes
+# of the document when there is none. "up" runs under run-cups.sh.
+set -eu
+state=$1 zelprint=$2 picture=$3
+fail() {
+    echo "$1" >&2
+    cat "$HOME/messages" >&2
+    exit 1
+}
+cd "$HOME"
+mkdir hot queued
+
+print() { # FOLDER OPTION...: status in $status
+    folder=$1
+    shift
+    status=0
+    "$zelprint" --quiet --hot-folder "$folder" -t Document "$@" "$picture" >messages 2>&1 || status=$?
+}
+
+expectKept() {
+    [ "$status" -eq 5 ] || fail "exit status $status instead of 5"
+    [ "$(ls queued)" = Document.ps ] || fail "the document was not kept: $(ls queued)"
+    tail -n 1 queued/Document.ps | grep -qx '%%EOF' || fail "the kept document is not whole"
+    tail -n 1 messages | grep -q '^zelprint: the print queue .*queued/Document.ps' ||
+        fail "the last line does not say what has happened and where the document is"
+}
+
+if [ "$state" != up ]; then
+    print queued --queue
+    expectKept
+    exit 0
+fi
+
+# The same pages into a file and to the queue. The documents differ in the time at which they were made.
+print hot
+[ "$status" -eq 0 ] || fail "printing into a file failed with $status"
+for job in 1 2; do
+    print queued --queue
+    [ "$status" -eq 0 ] || fail "printing to the queue failed with $status"
+    [ -z "$(ls -A queued)" ] || fail "files are left: $(ls -A queued)"
+    tries=0
+    until [ -e "$ZEL_QUEUE/$job" ]; do
+        tries=$((tries + 1))
+        [ "$tries" -lt 300 ] || fail "job $job has not been printed"
+        sleep 0.1
+    done
+    for document in hot/Document.ps "$ZEL_QUEUE/$job"; do
+        [ "$(grep -ac '^%%CreationDate: ' "$document")" -eq 1 ] || fail "no date in $document"
+    done
+    sed 's/^%%CreationDate: .*/%%CreationDate:/' hot/Document.ps >expected
+    sed 's/^%%CreationDate: .*/%%CreationDate:/' "$ZEL_QUEUE/$job" | cmp - expected || fail "the printed bytes differ"
+done
+
+# The scheduler goes down between two jobs.
+kill "$ZEL_CUPS_PID"
+while kill -0 "$ZEL_CUPS_PID" 2>/dev/null && [ "$(cat "/proc/$ZEL_CUPS_PID/comm" 2>/dev/null)" = cupsd ]; do sleep 0.1; done
+print queued --queue
+expectKept
