@@ -11,7 +11,6 @@ runs=${1:-5}
 scripts/install-packages.sh build bench >&2
 scripts/build.sh release zelprint ZELPostscript >&2
 zelprint=$root/build/release/zelprint
-[ -x "$zelprint" ] || zelprint=$root/build/release/host/zelprint
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

@@ -19,7 +19,8 @@ print() { # SAMPLE SPACE FORMAT
 }
 
 preview() { # FILE: a picture of its first page, named FILE.png
-    gs -q -dSAFER -dBATCH -dNOPAUSE -dEPSCrop -r36 -dLastPage=1 -sDEVICE=png16m \
+    gs -q -dSAFER -dBATCH -dNOPAUSE -dEPSCrop -dLastPage=1 -sDEVICE=png16m -r216 \
+        -dDownScaleFactor=4 \
         -sOutputFile="$1.png" "$1"
     printf '   %-32s preview %s.png\n' "$1" "$1"
 }
