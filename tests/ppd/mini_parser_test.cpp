@@ -7,9 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <clocale>
 #include <gmock/gmock.h>
-#include <sstream>
 #include <vector>
 
 namespace {
@@ -489,33 +487,4 @@ TEST(MiniParserQuery, FileChangedSinceOpening_IsReadAsItIsNow) {
     EXPECT_EQ(reader.parser.GetStatement("*B").GetValue(), "2");
     ASSERT_EQ(truncate(reader.file.Path().c_str(), 5), 0);
     EXPECT_EQ(ErrorOf([&] { reader.parser.GetStatement("*A"); }), "*A not found");
-}
-
-// --- Statement -----------------------------------------------------------------------------------
-
-TEST(Statement, Default_IsEmpty) {
-    const Statement s;
-    EXPECT_EQ(s.GetMainKeyword() + s.GetOptionKeyword() + s.GetTranslatedOptionKeyword() +
-                  s.GetValue() + s.GetTranslatedValue(),
-              "");
-}
-
-TEST(Statement, Translations_StandInForWhatTheyTranslate) {
-    const Statement both("*M", "o", "O!", "v", "V!");
-    EXPECT_EQ(both.GetTranslatedOptionKeyword(), "O!");
-    EXPECT_EQ(both.GetTranslatedValue(), "V!");
-    const Statement none("*M", "o", "", "v", "");
-    EXPECT_EQ(none.GetTranslatedOptionKeyword(), "o");
-    EXPECT_EQ(none.GetTranslatedValue(), "v");
-}
-
-TEST(Statement, Output_IsOneDiagnosticLine) {
-    std::ostringstream stream;
-    stream << Statement("*PageSize", "A4", "ISO A4", "code", "");
-    EXPECT_EQ(stream.str(), "*PageSize  A4  <<ISO A4>>  code");
-}
-
-TEST(Statement, ParserError_IsNoStandardException) {
-    EXPECT_FALSE((std::is_base_of_v<std::exception, PPD::ParserError>));
-    EXPECT_EQ(PPD::ParserError("text").ErrorMessage(), "text");
 }
