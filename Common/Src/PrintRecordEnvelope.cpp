@@ -2,7 +2,7 @@
 
 #include "Common/Src/PrintRecord.h"
 
-#include <cstring>
+#include <algorithm>
 
 bool EncodeHPrint(Handle handle, CFDataRef prefix, CFPropertyListRef list) {
     CFRef<CFDataRef> bytes;
@@ -14,10 +14,10 @@ bool EncodeHPrint(Handle handle, CFDataRef prefix, CFPropertyListRef list) {
     const CFIndex listLength = CFDataGetLength(bytes.Get());
     SetHandleSize(handle, prefixLength + listLength);
     if (MemError() != noErr) return false;
-    RecordLock lock(handle);
-    std::memcpy(*handle, CFDataGetBytePtr(prefix), static_cast<size_t>(prefixLength));
-    std::memcpy(*handle + prefixLength, CFDataGetBytePtr(bytes.Get()),
-                static_cast<size_t>(listLength));
+    const RecordLock lock(handle);
+    // Not memcpy: an empty prefix may have no address.
+    std::copy_n(CFDataGetBytePtr(prefix), prefixLength, *handle);
+    std::copy_n(CFDataGetBytePtr(bytes.Get()), listLength, *handle + prefixLength);
     return true;
 }
 
@@ -25,11 +25,11 @@ CFRef<CFPropertyListRef> DecodeHPrint(CFDataRef prefix, Handle handle) {
     RecordLock lock(handle);
     const CFIndex prefixLength = CFDataGetLength(prefix);
     const CFIndex listLength = GetHandleSize(handle) - prefixLength;
-    if (listLength <= 0 ||
-        std::memcmp(*handle, CFDataGetBytePtr(prefix), static_cast<size_t>(prefixLength)) != 0)
-        return {};
-    CFRef<CFDataRef> bytes(CFDataCreate(
-        kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(*handle + prefixLength), listLength));
+    if (listLength <= 0) return {};
+    auto content = reinterpret_cast<const UInt8 *>(*handle);
+    const UInt8 *wanted = CFDataGetBytePtr(prefix);
+    if (!std::equal(wanted, wanted + prefixLength, content)) return {};
+    CFRef<CFDataRef> bytes(CFDataCreate(kCFAllocatorDefault, content + prefixLength, listLength));
     if (!bytes) return {};
     return CFRef<CFPropertyListRef>(CFPropertyListCreateWithData(
         kCFAllocatorDefault, bytes.Get(), kCFPropertyListMutableContainers, nullptr, nullptr));

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <unistd.h>
 #include <vector>
 
@@ -32,19 +33,19 @@ PostscriptPrinterInfo *MakePrinter(const TestPPD &ppd) {
 }
 
 /// One open driver for each kind of printer.
-std::vector<DriverContext *> MakeContexts() {
+std::vector<std::unique_ptr<DriverContext>> MakeContexts() {
     std::vector<TestPPD> ppds(4);
     ppds[1].custom = TestPPD::CustomPages();
     ppds[2].pages.clear();
     ppds[3].level = "1";
-    std::vector<DriverContext *> contexts;
+    std::vector<std::unique_ptr<DriverContext>> contexts;
     for (const TestPPD &ppd : ppds) {
-        auto *context = new DriverContext;
+        auto context = std::make_unique<DriverContext>();
         context->printerInfo = MakePrinter(ppd);
         context->bundleIdentifier =
             CFRef<CFStringRef>::Retain(CFSTR("com.zel.PostscriptPrinterDriver"));
         context->jobName = CFRef<CFStringRef>::Retain(CFSTR("Fuzz"));
-        contexts.push_back(context);
+        contexts.push_back(std::move(context));
     }
     return contexts;
 }
@@ -60,9 +61,9 @@ void OpenAsEPS(DriverContext *context, Handle handle) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    static const std::vector<DriverContext *> contexts = MakeContexts();
+    static const std::vector<std::unique_ptr<DriverContext>> contexts = MakeContexts();
     if (size < 4) return 0;
-    DriverContext *context = contexts[data[0] % contexts.size()];
+    DriverContext *context = contexts[data[0] % contexts.size()].get();
     context->pageInfo = {data[1] * 20, data[2] * 20, data[3] * 2.0, data[1] * 3.0, 32};
     Handle handle = NewHandle(static_cast<Size>(size - 4));
     std::memcpy(*handle, data + 4, size - 4);
