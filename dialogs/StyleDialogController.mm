@@ -19,6 +19,13 @@ static NSString *TextFromPPD(const std::string &text) {
                                    encoding:NSISOLatin1StringEncoding] autorelease];
 }
 
+/// Raises an NSException when the text is not UTF-8.
+static NSString *StrictTitle(const std::string &text) {
+    NSString *title = [NSString stringWithUTF8String:text.c_str()];
+    if (title == nil) [NSException raise:NSInvalidArgumentException format:@"not UTF-8"];
+    return title;
+}
+
 static void ReportPPDError(const std::string &error) {
     if (!error.empty()) DisplayError(error.c_str());
 }
@@ -161,12 +168,12 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
         _setup.SetSeparationName(CFSTR(""));
         return;
     }
-    // Once the modal loop runs; before, there is nothing to cancel.
-    NSArray *modes = [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode, nil];
+    // Once the modal loop runs; before, there is nothing to cancel. In its mode only: with more
+    // than one, GNUstep performs it again in the other when a sheet's button spins that.
     [self performSelector:@selector(showMissingSeparation:)
                withObject:(NSString *)name.Get()
                afterDelay:0
-                  inModes:modes];
+                  inModes:[NSArray arrayWithObject:NSModalPanelRunLoopMode]];
 }
 
 - (void)showMissingSeparation:(NSString *)name {
@@ -261,8 +268,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 - (void)addResolution:(const std::string &)title tag:(NSInteger)tag {
     @try {
-        // A title that is not UTF-8 gives nil, which no item can have.
-        InsertPopUpItem(_resolutionMenu, [NSString stringWithUTF8String:title.c_str()], tag, tag);
+        InsertPopUpItem(_resolutionMenu, StrictTitle(title), tag, tag);
     } @catch (NSException *e) {
         InsertPopUpItem(_resolutionMenu, @"PPD Error", tag, tag);
     }

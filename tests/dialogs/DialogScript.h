@@ -40,6 +40,7 @@ class DialogScript {
     std::vector<Step> mSteps;
     size_t mNext = 0;
     int mWaits = 0;
+    bool mIsArmed = false;
     id mTimer;
 };
 
@@ -58,6 +59,8 @@ std::string WindowTexts(NSWindow *window);
 void PressButton(NSWindow *window, NSString *title);
 /// Presses a button or check box as a click does.
 void PressControl(NSControl *control);
+/// The same from a timer of its own, for a press that opens a sheet and returns only with its end.
+void PressLater(NSControl *control);
 /// Chooses the item of that tag as a click does.
 void ChooseTag(NSPopUpButton *popup, NSInteger tag);
 void SelectRadio(NSMatrix *matrix, NSInteger tag);
@@ -71,6 +74,11 @@ std::string Text(id field);
 
 /// Counts NSBeep calls from the first call of this function on.
 int BeepCount();
+
+/// Is the dialog open and nothing above it?
+bool DialogIsOpen();
+/// Is there an alert, sheet or panel above the dialog?
+bool SomethingIsAbove();
 
 /// Stores a picture of a window below the folder in ZEL_PICTURES; without it does nothing.
 void TakePicture(NSWindow *window, const char *name);

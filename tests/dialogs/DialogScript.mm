@@ -34,7 +34,7 @@
 }
 @end
 
-DialogScript::DialogScript() : mTimer([[ZELScriptTimer alloc] initWithScript:this]) { Arm(); }
+DialogScript::DialogScript() : mTimer([[ZELScriptTimer alloc] initWithScript:this]) {}
 
 DialogScript::~DialogScript() {
     [NSObject cancelPreviousPerformRequestsWithTarget:mTimer];
@@ -43,12 +43,17 @@ DialogScript::~DialogScript() {
 
 void DialogScript::When(std::string what, Condition condition, Action action) {
     mSteps.push_back({std::move(what), std::move(condition), std::move(action)});
+    if (!mIsArmed) Arm();
 }
 
-void DialogScript::Arm() { [mTimer arm]; }
+void DialogScript::Arm() {
+    mIsArmed = true;
+    [mTimer arm];
+}
 
 void DialogScript::Tick() {
     constexpr int kMaxWaits = 2000;
+    mIsArmed = false;
     if (IsFinished()) return;
     const Step &step = mSteps[mNext];
     if (step.condition && !step.condition()) {
@@ -76,6 +81,10 @@ NSWindow *WindowAboveDialog() {
     NSWindow *modal = [NSApp modalWindow];
     return modal == DialogWindow() ? nil : modal;
 }
+
+bool DialogIsOpen() { return DialogWindow() != nil && WindowAboveDialog() == nil; }
+
+bool SomethingIsAbove() { return WindowAboveDialog() != nil; }
 
 id DialogValue(NSString *key) { return [[DialogWindow() windowController] valueForKey:key]; }
 
@@ -120,6 +129,13 @@ void PressControl(NSControl *control) {
                                            data1:0
                                            data2:0]
              atStart:NO];
+}
+
+void PressLater(NSControl *control) {
+    [control performSelector:@selector(performClick:)
+                  withObject:nil
+                  afterDelay:0
+                     inModes:[NSArray arrayWithObject:NSModalPanelRunLoopMode]];
 }
 
 void PressButton(NSWindow *window, NSString *title) {

@@ -21,9 +21,6 @@
 
 namespace {
 
-bool DialogIsOpen() { return DialogWindow() != nil && WindowAboveDialog() == nil; }
-bool SomethingIsAbove() { return WindowAboveDialog() != nil; }
-
 PostscriptPrinterDriverJobDialogController *Controller() {
     return (PostscriptPrinterDriverJobDialogController *)[DialogWindow() windowController];
 }
@@ -361,13 +358,7 @@ TEST_F(JobDialogTrash, Save_HotFolderInTrash_SaysSoAndStaysOpen) {
     EXPECT_FALSE(Run());
 }
 
-/// Presses Save As; it returns only when the panel has gone, so it is done from a timer of its own.
-void PressSaveAs() {
-    [[Controller() saveAsButton] performSelector:@selector(performClick:)
-                                      withObject:nil
-                                      afterDelay:0
-                                         inModes:[NSArray arrayWithObject:NSModalPanelRunLoopMode]];
-}
+void PressSaveAs() { PressLater([Controller() saveAsButton]); }
 
 TEST_F(JobDialogTrash, SaveAs_HotFolderInTrash_StartsElsewhere) {
     WhenOpen(PressSaveAs);
