@@ -19,10 +19,12 @@ CFStringRef TestBundleIdentifier() {
 }
 
 std::string MakeTestFolder() {
-    char path[] = "/tmp/zel-dialogs-XXXXXX";
-    const char *made = mkdtemp(path);
-    EXPECT_NE(made, nullptr);
-    return made != nullptr ? made : "";
+    // The test's own temporary folder, which goes even when the test is killed.
+    const char *temporary = std::getenv("TEMP");
+    std::string path =
+        std::string(temporary != nullptr ? temporary : "/tmp") + "/zel-dialogs-XXXXXX";
+    EXPECT_NE(mkdtemp(path.data()), nullptr);
+    return path;
 }
 
 void RemoveTestFolder(const std::string &folder) {
