@@ -15,6 +15,19 @@
 - (void)windowDidBecomeKey:(NSNotification *)notification;
 @end
 
+/// Keeps a starting application from opening the host's command-line arguments as documents.
+@interface ZELLaunchDelegate : NSObject
+@end
+
+@implementation ZELLaunchDelegate
+- (BOOL)application:(NSApplication *)application openFile:(NSString *)name {
+    return YES;
+}
+- (BOOL)applicationShouldOpenUntitledFile:(NSApplication *)application {
+    return NO;
+}
+@end
+
 @implementation ZELDialogWindowGuard
 - (void)windowDidBecomeKey:(NSNotification *)notification {
     NSWindow *window = [notification object];
@@ -61,6 +74,15 @@ static void RegisterPalette() {
     [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
 }
 
+/// Without this, typed keys do not arrive.
+static void FinishLaunching() {
+    ZELLaunchDelegate *delegate = [ZELLaunchDelegate new];
+    [NSApp setDelegate:(id)delegate];
+    [NSApp finishLaunching];
+    [NSApp setDelegate:nil];
+    [delegate release];
+}
+
 static BOOL StartApplication() {
     const char *display = std::getenv("DISPLAY");
     if (display == nullptr || *display == 0) return NO;
@@ -72,7 +94,7 @@ static BOOL StartApplication() {
         if (fresh) RegisterPalette();
         [NSApplication sharedApplication];
         if (fresh)
-            [NSApp finishLaunching]; // without it typed keys do not arrive
+            FinishLaunching();
         else
             [NSScreen mainScreen]; // raises when an earlier start found no server
         [[NSNotificationCenter defaultCenter] addObserver:[ZELDialogWindowGuard new]

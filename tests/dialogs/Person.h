@@ -1,0 +1,75 @@
+/// A person in front of the dialogs: moves the pointer, presses buttons and keys, looks at the
+/// screen.
+#pragma once
+
+#include "PSHPrint.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+/// What the front window shows, as dialog_host reports it.
+struct Screen {
+    struct Control {
+        int x = 0, y = 0;
+        bool enabled = false;
+        std::string value;
+    };
+    std::string kind; ///< "dialog", "alert", "panel" or empty: no window
+    std::string handle, title, texts, menuHandle;
+    bool isKey = false;
+    std::map<std::string, Control> controls; ///< by outlet, or by title
+    std::map<std::string, Control> items;    ///< of the open pop-up menu, by tag
+    std::string focus;                       ///< the field being edited
+    bool isFocusSelected = false;            ///< with all its text selected
+};
+
+/// Runs a host with one dialog and does with it what a person does. Every action is repeated until
+/// it has its effect, since a busy machine may lose one; an effect that never comes ends the test
+/// program.
+class Person {
+public:
+    /// `folder` holds the files that are exchanged with the host.
+    explicit Person(std::string folder) : mFolder(std::move(folder)) {}
+    ~Person();
+    Person(const Person &) = delete;
+    Person &operator=(const Person &) = delete;
+
+    /// Starts the host with a dialog ("style", "job" or "job-copies") on a record.
+    void Open(const std::string &dialog, const PSHPrint &record);
+    /// Waits until the host has ended; its result.
+    std::string Result();
+    bool HostHasEnded();
+    PSHPrint Record() const;
+
+    Screen Look() const;
+    /// Waits for a condition of the screen.
+    Screen WaitFor(const std::string &what, const std::function<bool(const Screen &)> &condition);
+    Screen WaitForWindow(const std::string &kind);
+
+    /// Clicks a control until the effect is there.
+    void Click(const std::string &control, const std::function<bool(const Screen &)> &effect);
+    /// Clicks a control that closes or opens a window of another kind ("" for the end of the host).
+    void ClickTo(const std::string &control, const std::string &kind);
+    void Toggle(const std::string &checkBox);
+    /// Opens a pop-up menu, moves to the item of that tag and lets go.
+    void Choose(const std::string &popup, int tag);
+    /// Clicks into a field, takes its text away and types another.
+    void Type(const std::string &field, const std::string &text);
+    void Press(const std::string &key);
+    /// Presses a key until the effect is there.
+    void PressTo(const std::string &key, const std::function<bool(const Screen &)> &effect);
+
+    /// Stores a picture of the whole screen.
+    void TakePicture(const std::string &name) const;
+
+private:
+    void MoveTo(const std::string &handle, const Screen::Control &control) const;
+    void Repeat(const std::string &what, const std::function<void()> &action,
+                const std::function<bool(const Screen &)> &effect);
+
+    std::string mFolder;
+    pid_t mHost = -1;
+};

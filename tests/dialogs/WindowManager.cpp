@@ -1,0 +1,68 @@
+#include "tests/dialogs/WindowManager.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+extern char **environ;
+
+namespace {
+
+pid_t gWindowManager = -1;
+
+bool WindowManagerIsThere(Display *display) {
+    Atom type = None;
+    int format = 0;
+    unsigned long count = 0, rest = 0;
+    unsigned char *data = nullptr;
+    XGetWindowProperty(display, DefaultRootWindow(display),
+                       XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", False), 0, 1, False,
+                       XA_WINDOW, &type, &format, &count, &rest, &data);
+    if (data != nullptr) XFree(data);
+    return count == 1;
+}
+
+} // namespace
+
+pid_t Spawn(const std::vector<std::string> &arguments, const std::string &log) {
+    std::vector<char *> list;
+    list.reserve(arguments.size() + 1);
+    for (const std::string &argument : arguments)
+        list.push_back(const_cast<char *>(argument.c_str()));
+    list.push_back(nullptr);
+    posix_spawn_file_actions_t files;
+    posix_spawn_file_actions_init(&files);
+    posix_spawn_file_actions_addopen(&files, 0, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&files, 1, log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    posix_spawn_file_actions_adddup2(&files, 1, 2);
+    pid_t pid = -1;
+    if (posix_spawnp(&pid, list[0], &files, nullptr, list.data(), environ) != 0) pid = -1;
+    posix_spawn_file_actions_destroy(&files);
+    return pid;
+}
+
+bool StartWindowManager() {
+    using Clock = std::chrono::steady_clock;
+    gWindowManager = Spawn({"openbox"}, "/dev/null");
+    Display *display = XOpenDisplay(nullptr);
+    if (gWindowManager < 0 || display == nullptr) return false;
+    const auto end = Clock::now() + std::chrono::seconds(60);
+    bool there = false;
+    while (!(there = WindowManagerIsThere(display)) && Clock::now() < end)
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    XCloseDisplay(display);
+    return there;
+}
+
+void StopWindowManager() {
+    if (gWindowManager > 0) kill(gWindowManager, SIGTERM);
+    int status = 0;
+    if (gWindowManager > 0) waitpid(gWindowManager, &status, 0);
+    gWindowManager = -1;
+}

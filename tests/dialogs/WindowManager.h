@@ -1,0 +1,13 @@
+/// Programs that the tests of real events run.
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+/// Starts a program; its output is appended to the file `log`. -1 when it cannot be started.
+pid_t Spawn(const std::vector<std::string> &arguments, const std::string &log);
+
+/// Starts a window manager for the test program's display and waits until it works.
+bool StartWindowManager();
+void StopWindowManager();
