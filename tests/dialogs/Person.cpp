@@ -219,7 +219,7 @@ void Person::Type(const std::string &field, const std::string &text) {
             std::vector<std::string> keys = {"xdotool", "key", "--delay", "15", "End"};
             keys.insert(keys.end(), Look().controls[field].value.size(), "BackSpace");
             Run(keys);
-            Run({"xdotool", "type", "--delay", "25", text});
+            Run({"xdotool", "type", "--delay", "25", "--", text});
         },
         [&](const Screen &screen) { return screen.controls.at(field).value == text; });
 }
