@@ -29,8 +29,15 @@ void Run(const std::vector<std::string> &arguments) {
     if (pid > 0) waitpid(pid, &status, 0);
 }
 
-[[noreturn]] void GiveUp(const std::string &what) {
-    fprintf(stderr, "Waited in vain: %s\n", what.c_str());
+std::string ReadFile(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The dialog would never return: ends the test program.
+[[noreturn]] void GiveUp(const std::string &what, const std::string &folder) {
+    fprintf(stderr, "Waited in vain: %s\n%s\n%s\n", what.c_str(),
+            ReadFile(folder + "/state").c_str(), ReadFile(folder + "/log").c_str());
     if (const char *pictures = std::getenv("ZEL_PICTURES"))
         Run({"import", "-window", "root", std::string(pictures) + "/in-vain.png"});
     std::exit(1);
@@ -107,8 +114,7 @@ bool Person::HostHasEnded() {
 
 std::string Person::Result() {
     WaitFor("the host's end", [this](const Screen &) { return HostHasEnded(); });
-    std::ifstream file(mFolder + "/result");
-    return {std::istreambuf_iterator<char>(file), {}};
+    return ReadFile(mFolder + "/result");
 }
 
 PSHPrint Person::Record() const {
@@ -134,7 +140,7 @@ Screen Person::WaitFor(const std::string &what,
         if (condition(screen)) return screen;
         std::this_thread::sleep_for(kGlance);
     }
-    GiveUp(what);
+    GiveUp(what, mFolder);
 }
 
 Screen Person::WaitForWindow(const std::string &kind) {
@@ -152,7 +158,7 @@ void Person::Repeat(const std::string &what, const std::function<void()> &action
             std::this_thread::sleep_for(kGlance);
         }
     }
-    GiveUp(what);
+    GiveUp(what, mFolder);
 }
 
 void Person::MoveTo(const std::string &handle, const Screen::Control &control) const {
