@@ -225,8 +225,12 @@ static void PreparePopUp(NSPopUpButton *popup) {
     FitToolkitMenu([popup menu]);
 }
 
-/// An interface file's bold system font is read as the plain one: headings carry a tag as well.
+/// Labels come out editable, and an interface file's bold system font is read as the plain one:
+/// headings carry a tag as well.
 static void PrepareLabel(NSTextField *label) {
+    if ([label isBezeled]) return; // a field to type in
+    [label setEditable:NO];
+    [label setSelectable:NO];
     if ([[label cell] tag] == kHeadingTag) [label setFont:[NSFont boldSystemFontOfSize:13]];
 }
 

@@ -52,6 +52,9 @@ TEST_F(StyleFlow, Open_Record_IsShown) {
         EXPECT_TRUE([[Controller() colourMenu] isEnabled]);
         EXPECT_TRUE([[Controller() cmykMenu] isEnabled]);
         EXPECT_TRUE([[Controller() pageWidth] currentEditor] != nil);
+        EXPECT_TRUE([[Controller() pageWidth] isEditable]);
+        EXPECT_FALSE([[Controller() ppdTitleText] isEditable]);
+        EXPECT_FALSE([[Controller() versionText] isSelectable]);
         TakePicture(DialogWindow(), "style-open");
     });
     Press(@"OK");
