@@ -192,6 +192,21 @@ void Person::Toggle(const std::string &checkBox) {
           [&](const Screen &screen) { return screen.controls.at(checkBox).value != before; });
 }
 
+void Person::MoveToItem(const Screen &menu, const std::string &tag) const {
+    const auto isHighlighted = [&] {
+        const Screen screen = Look();
+        return screen.items.count(tag) != 0 && screen.items.at(tag).value == "1";
+    };
+    // The menu may not follow the pointer yet when it has just come up: keep moving.
+    Screen::Control item = menu.items.at(tag);
+    for (int i = 0; i < 40 && !isHighlighted(); ++i) {
+        item.x += i % 2 == 0 ? 4 : -4;
+        MoveTo(menu.menuHandle, item);
+        for (int glance = 0; glance < 10 && !isHighlighted(); ++glance)
+            std::this_thread::sleep_for(kGlance);
+    }
+}
+
 void Person::Choose(const std::string &popup, int tag) {
     const std::string wanted = std::to_string(tag);
     WaitFor(popup, [&](const Screen &screen) { return Has(screen, popup); });
@@ -208,10 +223,7 @@ void Person::Choose(const std::string &popup, int tag) {
             Run({"xdotool", "mousedown", "1"});
             screen = WaitFor("the menu of " + popup,
                              [&](const Screen &s) { return s.items.count(wanted) != 0; });
-            MoveTo(screen.menuHandle, screen.items[wanted]);
-            WaitFor("the item " + wanted, [&](const Screen &s) {
-                return s.items.count(wanted) != 0 && s.items.at(wanted).value == "1";
-            });
+            MoveToItem(screen, wanted);
             Run({"xdotool", "mouseup", "1"});
         },
         chosen);

@@ -67,6 +67,7 @@ public:
 
 private:
     void MoveTo(const std::string &handle, const Screen::Control &control) const;
+    void MoveToItem(const Screen &menu, const std::string &tag) const;
     void Repeat(const std::string &what, const std::function<void()> &action,
                 const std::function<bool(const Screen &)> &effect);
 
