@@ -148,15 +148,20 @@ Screen Person::WaitForWindow(const std::string &kind) {
                    [&](const Screen &screen) { return screen.kind == kind && screen.isKey; });
 }
 
+bool Person::ComesTrue(const std::function<bool(const Screen &)> &effect) const {
+    const auto end = Clock::now() + kEffect;
+    while (Clock::now() < end) {
+        if (effect(Look())) return true;
+        std::this_thread::sleep_for(kGlance);
+    }
+    return false;
+}
+
 void Person::Repeat(const std::string &what, const std::function<void()> &action,
                     const std::function<bool(const Screen &)> &effect) {
-    for (int attempt = 0; attempt < 5; ++attempt) {
+    for (int attempt = 0; attempt < 10; ++attempt) {
         action();
-        const auto end = Clock::now() + kEffect;
-        while (Clock::now() < end) {
-            if (effect(Look())) return;
-            std::this_thread::sleep_for(kGlance);
-        }
+        if (ComesTrue(effect)) return;
     }
     GiveUp(what, mFolder);
 }
@@ -198,6 +203,7 @@ void Person::MoveToItem(const Screen &menu, const std::string &tag) const {
         return screen.items.count(tag) != 0 && screen.items.at(tag).value == "1";
     };
     // The menu may not follow the pointer yet when it has just come up: keep moving.
+    if (menu.items.count(tag) == 0) return;
     Screen::Control item = menu.items.at(tag);
     for (int i = 0; i < 40 && !isHighlighted(); ++i) {
         item.x += i % 2 == 0 ? 4 : -4;
@@ -221,9 +227,9 @@ void Person::Choose(const std::string &popup, int tag) {
             Screen screen = Look();
             MoveTo(screen.handle, screen.controls[popup]);
             Run({"xdotool", "mousedown", "1"});
-            screen = WaitFor("the menu of " + popup,
-                             [&](const Screen &s) { return s.items.count(wanted) != 0; });
-            MoveToItem(screen, wanted);
+            const bool isOpen =
+                ComesTrue([&](const Screen &s) { return s.items.count(wanted) != 0; });
+            if (isOpen) MoveToItem(Look(), wanted);
             Run({"xdotool", "mouseup", "1"});
         },
         chosen);

@@ -68,6 +68,7 @@ public:
 private:
     void MoveTo(const std::string &handle, const Screen::Control &control) const;
     void MoveToItem(const Screen &menu, const std::string &tag) const;
+    bool ComesTrue(const std::function<bool(const Screen &)> &effect) const;
     void Repeat(const std::string &what, const std::function<void()> &action,
                 const std::function<bool(const Screen &)> &effect);
 
