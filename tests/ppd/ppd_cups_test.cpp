@@ -133,7 +133,7 @@ void CompareCustomPages(const PostscriptPages &pages, const CupsReading &cups,
 void CompareResolutions(const PostscriptResolutions &resolutions, const CupsReading &cups,
                         Explained &explained) {
     if (cups.resolutions.empty()) {
-        const bool listed = resolutions.GetResolution(0).GetPostscript() != "";
+        const bool listed = !resolutions.GetResolution(0).GetPostscript().empty();
         EXPECT_FALSE(listed && cups.opensResolutions);
         explained.Count(listed ? "*Resolution outside of *OpenUI: libcups does not see it"
                                : "no *Resolution: the driver takes the default for the only one");
