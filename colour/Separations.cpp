@@ -113,3 +113,11 @@ CFArrayRef ZELPrCopySeparationNames(void) {
     DeleteSeparationsList(list);
     return names.Detach();
 }
+
+CFURLRef ZELPrCopySeparationsFolder(void) {
+    const std::string folder = ProfilesFolder();
+    if (folder.empty()) return nullptr;
+    return CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault,
+                                                   reinterpret_cast<const UInt8 *>(folder.data()),
+                                                   static_cast<CFIndex>(folder.size()), true);
+}

@@ -25,6 +25,7 @@
     X(ZELPrErrorString)                                                                            \
     X(ZELPrCopyPrinterInfo)                                                                        \
     X(ZELPrCopySeparationNames)                                                                    \
+    X(ZELPrCopySeparationsFolder)                                                                  \
     X(ZELPrSetPrinter)                                                                             \
     X(ZELPrSetSendToPrintQueue)
 

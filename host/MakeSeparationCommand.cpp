@@ -1,12 +1,70 @@
-// zelprint make-separation --from RGB.icc --to CMYK.icc NAME: a separation from two ICC profiles.
+// zelprint make-separation --to CMYK.icc NAME: a separation profile from two ICC profiles.
 #include "host/CommandLine.h"
 
 #include "host/Driver.h"
+#include "host/MakeSeparation.h"
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <map>
 #include <memory>
 
+namespace {
+
+struct Options {
+    SeparationRecipe recipe;
+    std::string name;
+    bool force = false;
+};
+
+std::string SeparationsFolder(const std::string &bundlePath) {
+    const DriverBundle bundle(bundlePath);
+    const CFOwner<CFURLRef> url(ZEL_CALL(bundle, ZELPrCopySeparationsFolder)());
+    std::string folder = PathOfURL(url.Get());
+    if (folder.empty())
+        throw HostError(ExitStatus::Output, "the folder of the separation profiles is not known; "
+                                            "check that the user has a home folder");
+    return folder;
+}
+
+ExitStatus Make(const Options &options, const std::string &bundlePath) {
+    CheckSeparationName(options.name);
+    if (!MakeCFString(options.name))
+        throw HostError(ExitStatus::Usage, "the name is not UTF-8; give another one");
+    const std::string folder = SeparationsFolder(bundlePath);
+    const std::string bytes = MakeSeparationProfile(options.recipe);
+    const std::string path = InstallSeparation(folder, options.name, bytes, options.force);
+    (void)printf("Separation '%s' is in %s\n", options.name.c_str(), path.c_str());
+    return ExitStatus::Success;
+}
+
+void AddOptions(CLI::App &command, Options &options) {
+    SeparationRecipe &recipe = options.recipe;
+    command.add_option("NAME", options.name, "what the separation is called")->required();
+    command.add_option("--from", recipe.from, "ICC profile of the RGB pixels (default: sRGB)");
+    command.add_option("--to", recipe.to, "ICC profile of the CMYK press and paper")->required();
+    const std::map<std::string, uint32_t> intents{
+        {"perceptual", 0}, {"relative", 1}, {"saturation", 2}, {"absolute", 3}};
+    command
+        .add_option("--intent", recipe.intent, "how colours that cannot be printed are brought in")
+        ->transform(CLI::CheckedTransformer(intents, CLI::ignore_case))
+        ->type_name("perceptual|relative|saturation|absolute");
+    command.add_flag("--black-point-compensation", recipe.blackPointCompensation,
+                     "fit the darkest colour to the darkest print");
+    command.add_option("--ink-limit", recipe.inkLimit, "most ink in all, in percent of one ink")
+        ->check(CLI::Range(100.0, 400.0));
+    command.add_option("--grid", recipe.gridPoints, "grid points an axis (default: 17)")
+        ->check(CLI::Range(2U, 255U));
+    command.add_flag("--force", options.force, "replace a separation of that name");
+}
+
+} // namespace
+
 void AddMakeSeparationCommand(CLI::App &app, CommandAction &action, const std::string &bundle) {
-    (void)app;
-    (void)action;
-    (void)bundle;
+    CLI::App *command =
+        app.add_subcommand("make-separation", "make a CMYK separation from ICC profiles");
+    const auto options = std::make_shared<Options>();
+    AddOptions(*command, *options);
+    command->callback([options, &action, &bundle] {
+        action = [options, &bundle] { return Make(*options, bundle); };
+    });
 }

@@ -19,6 +19,10 @@ ZEL_EXPORT CFDictionaryRef ZELPrCopyPrinterInfo(CFURLRef ppd, CFStringRef *messa
 /// the array. Null when the user's profiles folder cannot be told.
 ZEL_EXPORT CFArrayRef ZELPrCopySeparationNames(void);
 
+/// The folder in which the driver looks for the user's separation profiles; it need not exist. The
+/// caller releases the URL. Null when it cannot be told.
+ZEL_EXPORT CFURLRef ZELPrCopySeparationsFolder(void);
+
 /// Makes this context print with the given PPD file, whatever printer the user has chosen.
 /// 0, or kZELFileNotFound when the file is refused: the context then keeps its printer and
 /// `*message`, if asked for, says why (the caller releases it).
