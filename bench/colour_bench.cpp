@@ -51,7 +51,7 @@ std::unique_ptr<EightColourLUT> Table() {
         const uint8_t pixel[4] = {0, level(i / 25), level(i / 5 % 5), level(i % 5)};
         zel_RGBToCMYK(black, pixel, table->grid + 4 * i, 1);
     }
-    BuildCorners(table.get());
+    BuildVectorTables(table.get());
     return table;
 }
 

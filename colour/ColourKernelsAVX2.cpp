@@ -1,6 +1,7 @@
 // Compiled for AVX2, and called only where the processor has it. Nothing here may be an inline
 // function that another file compiles too: the linker would keep one of the two copies for all.
-#include "colour/ColourKernelsAVX2.h"
+#include "colour/ColourKernelsX86.h"
+#include "colour/EightColourLUT.h"
 
 #include <immintrin.h>
 
@@ -87,35 +88,6 @@ __m256i Change(__m256i pairs, int half) {
     return _mm256_shuffle_epi8(pairs, _mm256_add_epi8(removal, pixel));
 }
 
-uint64_t BlackGeneration(const uint8_t *table, const uint8_t *src, uint64_t count, uint8_t *dst) {
-    const Slices slices = FindSlices(table);
-    const __m256i lowest = _mm256_set1_epi8(static_cast<char>(slices.lowest));
-    uint64_t done = 0;
-    for (; done + 32 <= count; done += 32, src += 128, dst += 128) {
-        __m256i inks[4];
-        for (int i = 0; i < 4; ++i)
-            inks[i] =
-                _mm256_srli_epi32(_mm256_xor_si256(Load(src + 32 * i), _mm256_set1_epi8(-1)), 8);
-        // Packing leaves, in each half, four greys of every vector in turn.
-        const __m256i grey = _mm256_packus_epi16(_mm256_packus_epi32(Grey(inks[0]), Grey(inks[1])),
-                                                 _mm256_packus_epi32(Grey(inks[2]), Grey(inks[3])));
-        const __m256i above = _mm256_cmpeq_epi8(_mm256_max_epu8(grey, lowest), grey);
-        if (!_mm256_testz_si256(above, above)) {
-            const auto [black, removal] = LookUp(slices, grey);
-            const __m256i added = _mm256_sub_epi8(_mm256_setzero_si256(), black);
-            const __m256i low = _mm256_unpacklo_epi8(removal, added);
-            const __m256i high = _mm256_unpackhi_epi8(removal, added);
-            inks[0] = _mm256_sub_epi8(inks[0], Change(low, 0));
-            inks[1] = _mm256_sub_epi8(inks[1], Change(low, 1));
-            inks[2] = _mm256_sub_epi8(inks[2], Change(high, 0));
-            inks[3] = _mm256_sub_epi8(inks[3], Change(high, 1));
-        }
-        for (int i = 0; i < 4; ++i)
-            Store(dst + 32 * i, inks[i]);
-    }
-    return done;
-}
-
 // ---- Tetrahedra
 
 /// Where eight colours lie: byte offsets of their corners, and the four weights of each.
@@ -171,22 +143,51 @@ __m256i Inks(__m256i even, __m256i odd) {
     return _mm256_srli_epi16(product, 7);
 }
 
-uint64_t Tetrahedra(const uint8_t *corners, const uint8_t *src, uint64_t count, uint8_t *dst) {
+} // namespace
+
+uint64_t BlackGenerationAVX2(const uint8_t *table, const uint8_t *src, uint64_t count,
+                             uint8_t *dst) {
+    const Slices slices = FindSlices(table);
+    const __m256i lowest = _mm256_set1_epi8(static_cast<char>(slices.lowest));
+    uint64_t done = 0;
+    for (; done + 32 <= count; done += 32, src += 128, dst += 128) {
+        __m256i inks[4];
+        for (int i = 0; i < 4; ++i)
+            inks[i] =
+                _mm256_srli_epi32(_mm256_xor_si256(Load(src + 32 * i), _mm256_set1_epi8(-1)), 8);
+        // Packing leaves, in each half, four greys of every vector in turn.
+        const __m256i grey = _mm256_packus_epi16(_mm256_packus_epi32(Grey(inks[0]), Grey(inks[1])),
+                                                 _mm256_packus_epi32(Grey(inks[2]), Grey(inks[3])));
+        const __m256i above = _mm256_cmpeq_epi8(_mm256_max_epu8(grey, lowest), grey);
+        if (!_mm256_testz_si256(above, above)) {
+            const auto [black, removal] = LookUp(slices, grey);
+            const __m256i added = _mm256_sub_epi8(_mm256_setzero_si256(), black);
+            const __m256i low = _mm256_unpacklo_epi8(removal, added);
+            const __m256i high = _mm256_unpackhi_epi8(removal, added);
+            inks[0] = _mm256_sub_epi8(inks[0], Change(low, 0));
+            inks[1] = _mm256_sub_epi8(inks[1], Change(low, 1));
+            inks[2] = _mm256_sub_epi8(inks[2], Change(high, 0));
+            inks[3] = _mm256_sub_epi8(inks[3], Change(high, 1));
+        }
+        for (int i = 0; i < 4; ++i)
+            Store(dst + 32 * i, inks[i]);
+    }
+    return done;
+}
+
+uint64_t EightColoursAVX2(const EightColourLUT &table, const uint8_t *src, uint64_t count,
+                          uint8_t *dst) {
     uint64_t done = 0;
     // One pixel more than a block: the byte after a block's last pixel is loaded with it.
     for (; done + 8 < count; done += 8, src += 32, dst += 32) {
         const Places places = Locate(Load(src));
         alignas(32) uint32_t offsets[8];
         _mm256_store_si256(reinterpret_cast<__m256i *>(offsets), places.offsets);
-        const __m256i first = Inks(Weigh(corners, offsets, places.weights, 0),
-                                   Weigh(corners, offsets, places.weights, 1));
-        const __m256i second = Inks(Weigh(corners, offsets, places.weights, 2),
-                                    Weigh(corners, offsets, places.weights, 3));
+        const __m256i first = Inks(Weigh(table.corners, offsets, places.weights, 0),
+                                   Weigh(table.corners, offsets, places.weights, 1));
+        const __m256i second = Inks(Weigh(table.corners, offsets, places.weights, 2),
+                                    Weigh(table.corners, offsets, places.weights, 3));
         Store(dst, _mm256_packus_epi16(first, second));
     }
     return done;
 }
-
-} // namespace
-
-extern const ColourKernels kColourKernelsAVX2 = {BlackGeneration, Tetrahedra};

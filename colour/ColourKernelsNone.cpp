@@ -1,5 +1,6 @@
 #include "colour/ColourKernels.h"
 
-const ColourKernels *VectorKernels() {
-    return nullptr;
+const std::vector<ColourKernels> &VectorKernels() {
+    static const std::vector<ColourKernels> none;
+    return none;
 }

@@ -1,6 +1,19 @@
-#include "colour/ColourKernelsAVX2.h"
+#include "colour/ColourKernelsX86.h"
 
-const ColourKernels *VectorKernels() {
-    static const bool hasAVX2 = __builtin_cpu_supports("avx2");
-    return hasAVX2 ? &kColourKernelsAVX2 : nullptr;
+namespace {
+
+std::vector<ColourKernels> Find() {
+    std::vector<ColourKernels> kernels;
+    if (!__builtin_cpu_supports("avx2")) return kernels;
+    kernels.push_back({BlackGenerationAVX2, EightColoursAVX2});
+    if (__builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi"))
+        kernels.insert(kernels.begin(), {BlackGenerationAVX2, EightColoursAVX512});
+    return kernels;
+}
+
+} // namespace
+
+const std::vector<ColourKernels> &VectorKernels() {
+    static const std::vector<ColourKernels> kernels = Find();
+    return kernels;
 }

@@ -69,7 +69,7 @@ EightColourLUT *LoadEightColourLUT(CFURLRef url, bool *sampled) {
     if (!table) return nullptr;
     const StreamOwner stream = OpenStream(path);
     if (stream && !Fill(*table, stream.get())) return nullptr;
-    BuildCorners(table.get());
+    BuildVectorTables(table.get());
     if (sampled) *sampled = stream != nullptr;
     return table.release();
 }

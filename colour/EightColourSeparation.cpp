@@ -62,7 +62,6 @@ constexpr Order kOrders[8] = {{kGridStepR, kGridStepG}, {kGridStepR, kGridStepG}
                               {kGridStepB, kGridStepG}, {kGridStepR, kGridStepG}};
 
 /// Writes the corners of one tetrahedron: C, M, Y, K of the first two as pairs, then the others.
-/// Less 128, because the vector product takes them as signed.
 void WriteCorners(const uint8_t *base, Order order, uint8_t *corners) {
     const uint8_t *corner[4] = {base + kGridStepR + kGridStepG + kGridStepB,
                                 base + order.first + order.second, base + order.first, base};
@@ -71,8 +70,6 @@ void WriteCorners(const uint8_t *base, Order order, uint8_t *corners) {
         corners[i] = corner[pair + i % 2][i % 8 / 2] ^ 0x80;
     }
 }
-
-} // namespace
 
 void BuildCorners(EightColourLUT *table) {
     // An index is three digits of three bits, for R, G and B: the cell, and above it one bit of the
@@ -86,6 +83,19 @@ void BuildCorners(EightColourLUT *table) {
         const size_t order = (r & 4) | (g & 4) >> 1 | b >> 2;
         WriteCorners(base, kOrders[order], table->corners + 16 * index);
     }
+}
+
+void BuildPlanes(EightColourLUT *table) {
+    for (size_t ink = 0; ink < 4; ++ink)
+        for (size_t point = 0; point < kPlaneSize; ++point)
+            table->planes[kPlaneSize * ink + point] = table->grid[4 * point + ink] ^ 0x80;
+}
+
+} // namespace
+
+void BuildVectorTables(EightColourLUT *table) {
+    BuildCorners(table);
+    BuildPlanes(table);
 }
 
 void EightColourLUTSeparatePlain(const EightColourLUT *table, const uint8_t *src, int64_t srcStride,
@@ -106,14 +116,12 @@ void EightColourLUTSeparatePlain(const EightColourLUT *table, const uint8_t *src
 void EightColourLUTSeparate(const EightColourLUT *table, const uint8_t *src, int64_t srcStride,
                             int64_t count, uint8_t *dst, int32_t /*channels*/, int64_t planeStride,
                             int64_t pixelStride) {
-    const ColourKernels *kernels = srcStride == 4 ? VectorKernels() : nullptr;
-    const InkLayout layout{planeStride, pixelStride};
-    if (kernels && count > 0) {
-        const auto convert = [=](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
-            return kernels->tetrahedra(table->corners, pixels, n, inks);
+    if (srcStride == 4 && count > 0 && !VectorKernels().empty()) {
+        const auto convert = [table](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
+            return VectorKernels().front().eightColours(*table, pixels, n, inks);
         };
-        const auto done = static_cast<int64_t>(
-            ConvertInLayout(src, static_cast<uint64_t>(count), dst, layout, convert));
+        const auto done = static_cast<int64_t>(ConvertInLayout(
+            src, static_cast<uint64_t>(count), dst, {planeStride, pixelStride}, convert));
         src += 4 * done;
         dst += pixelStride * done;
         count -= done;

@@ -3,8 +3,8 @@
 
 #include "colour/EightColourLUT.h"
 
-/// Makes table->corners from table->grid.
-void BuildCorners(EightColourLUT *table);
+/// Makes table->corners and table->planes from table->grid.
+void BuildVectorTables(EightColourLUT *table);
 
 /// EightColourLUTSeparate in its plain form; every faster form gives the same bytes.
 void EightColourLUTSeparatePlain(const EightColourLUT *table, const uint8_t *src, int64_t srcStride,

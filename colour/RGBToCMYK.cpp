@@ -99,9 +99,9 @@ void RGBToCMYKPlain(const uint8_t *table, const uint8_t *src, uint64_t count, ui
 void CTRGBToCMYK(const uint8_t *table, const uint8_t *src, uint64_t count, uint8_t *dst,
                  int64_t planeStride, int64_t pixelStride) {
     const InkLayout layout{planeStride, pixelStride};
-    if (const ColourKernels *kernels = VectorKernels()) {
-        const auto convert = [=](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
-            return kernels->blackGeneration(table, pixels, n, inks);
+    if (!VectorKernels().empty()) {
+        const auto convert = [table](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
+            return VectorKernels().front().blackGeneration(table, pixels, n, inks);
         };
         const uint64_t done = ConvertInLayout(src, count, dst, layout, convert);
         src += 4 * done;

@@ -332,7 +332,7 @@ std::unique_ptr<EightColourLUT> Numbered() {
     auto table = std::make_unique<EightColourLUT>();
     for (size_t i = 0; i < 500; ++i)
         table->grid[i] = static_cast<uint8_t>(i * 89 + i / 7);
-    BuildCorners(table.get());
+    BuildVectorTables(table.get());
     return table;
 }
 

@@ -1,5 +1,6 @@
 // The vector forms give the plain form's bytes and touch nothing else. Where a processor has none,
 // the public functions are the plain form and these tests hold all the same.
+#include "colour/ColourKernels.h"
 #include "colour/EightColourSeparation.h"
 #include "colour/RGBToCMYK.h"
 #include "tests/colour/GuardedBytes.h"
@@ -42,7 +43,7 @@ std::unique_ptr<EightColourLUT> RandomGrid(uint32_t seed) {
     auto table = std::make_unique<EightColourLUT>();
     for (size_t i = 0; i < 500; ++i)
         table->grid[i] = static_cast<uint8_t>(random());
-    BuildCorners(table.get());
+    BuildVectorTables(table.get());
     return table;
 }
 
@@ -51,7 +52,7 @@ std::unique_ptr<EightColourLUT> ExtremeGrid() {
     auto table = RandomGrid(4);
     for (size_t i = 0; i < 500; ++i)
         table->grid[i] = table->grid[i] & 1 ? 255 : 0;
-    BuildCorners(table.get());
+    BuildVectorTables(table.get());
     return table;
 }
 
@@ -140,6 +141,51 @@ std::vector<uint8_t> PixelsInRuns(size_t count, uint32_t seed) {
     }
     pixels.resize(4 * count);
     return pixels;
+}
+
+/// The kernels by themselves: the public functions take the best only.
+TEST(VectorForms, EveryKernelOfThisProcessor_IsThePlainForm) {
+    const BlackTable black = StandardTable();
+    const auto grid = RandomGrid(21);
+    for (const ColourKernels &kernels : VectorKernels())
+        for (size_t count = 1; count < 6000; count += 1 + count / 9) {
+            const auto pixels = PixelsInRuns(count + 1, static_cast<uint32_t>(count));
+            std::vector<uint8_t> expected(4 * count);
+            std::vector<uint8_t> actual(4 * count);
+            RGBToCMYKPlain(black.data(), pixels.data(), count, expected.data(), kInterleaved);
+            size_t done =
+                kernels.blackGeneration(black.data(), pixels.data(), count, actual.data());
+            ASSERT_LE(done, count);
+            ASSERT_TRUE(std::equal(actual.begin(), actual.begin() + 4 * static_cast<long>(done),
+                                   expected.begin()));
+            EightColourLUTSeparatePlain(grid.get(), pixels.data(), 4, static_cast<int64_t>(count),
+                                        expected.data(), 1, 4);
+            done = kernels.eightColours(*grid, pixels.data(), count, actual.data());
+            ASSERT_LE(done, count);
+            ASSERT_TRUE(std::equal(actual.begin(), actual.begin() + 4 * static_cast<long>(done),
+                                   expected.begin()));
+        }
+}
+
+TEST(VectorForms, EveryKernelOfThisProcessor_AllColours) {
+    const auto grid = RandomGrid(22);
+    std::vector<uint8_t> pixels(4 * size_t{65536});
+    std::vector<uint8_t> expected(pixels.size());
+    std::vector<uint8_t> actual(pixels.size());
+    for (unsigned r = 0; r < 256; ++r) {
+        for (unsigned i = 0; i < 65536; ++i)
+            for (int c = 0; c < 3; ++c)
+                pixels[4 * size_t{i} + static_cast<size_t>(c)] =
+                    static_cast<uint8_t>(c == 0   ? r
+                                         : c == 1 ? i >> 8
+                                                  : i);
+        EightColourLUTSeparatePlain(grid.get(), pixels.data(), 4, 65536, expected.data(), 1, 4);
+        for (const ColourKernels &kernels : VectorKernels()) {
+            const size_t done = kernels.eightColours(*grid, pixels.data(), 65536, actual.data());
+            ASSERT_GT(done, size_t{65000});
+            ASSERT_EQ(std::memcmp(expected.data(), actual.data(), 4 * done), 0) << r;
+        }
+    }
 }
 
 TEST(VectorForms, BlackGeneration_AllColoursAreThePlainForms) {
