@@ -42,16 +42,14 @@ add "tiff2ps -2"                           'tiff2ps -2 -O hot/a.ps page.tif'
 add "pnmtops (from PPM)"                   'pnmtops -dpi 600 -noturn page.ppm > hot/a.ps'
 add "tifftopnm | pnmtops"                  'tifftopnm -quiet page.tif | pnmtops -quiet -dpi 600 -noturn > hot/a.ps'
 add "GraphicsMagick, ps2"                  'gm convert page.tif ps2:hot/a.ps'
-add "ImageMagick, ps2"                     'convert page.tif ps2:hot/a.ps'
 add "pdftops -level2 (from PDF)"           'pdftops -q -level2 page.pdf hot/a.ps'
-add "Ghostscript ps2write (from PDF)"      'gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=ps2write -o hot/a.ps page.pdf'
+add "Ghostscript ps2write (from PDF)"      'gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=ps2write -dEncodeColorImages=false -o hot/a.ps page.pdf'
 add "zelprint, CMYK by black generation"   'zel --colour-space cmyk'
 add "GraphicsMagick, CMYK by formula, ps2" 'gm convert page.tif -colorspace CMYK ps2:hot/a.ps'
-add "Ghostscript ps2write, CMYK (from PDF)" 'gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=ps2write -sColorConversionStrategy=CMYK -o hot/a.ps page.pdf'
+add "Ghostscript ps2write, CMYK (from PDF)" 'gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=ps2write -dEncodeColorImages=false -sColorConversionStrategy=CMYK -o hot/a.ps page.pdf'
 if [ $table = yes ]; then
     add "zelprint, CMYK by separation profile" 'zel --colour-space cmyk --separation bench'
     add "tificc | tiff2ps -2, CMYK by ICC" "tificc -i $icc/srgb.icc -o $icc/default_cmyk.icc -t 1 page.tif hot/b.tif && tiff2ps -2 -O hot/a.ps hot/b.tif"
-    add "Ghostscript ps2write, CMYK (from PDF)" "gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=ps2write -sColorConversionStrategy=CMYK -sOutputICCProfile=$icc/default_cmyk.icc -o hot/a.ps page.pdf"
 fi
 
 # Runs command $1 and appends its milliseconds to the file times.$1.
