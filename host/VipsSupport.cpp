@@ -2,8 +2,12 @@
 
 #include "host/ExitStatus.h"
 #include <cstdlib>
+#include <platform/Platform.h>
 
 namespace {
+
+/// Several bands of a large page, which libvips allocates anew for every band.
+constexpr int kKeptBytes = 32 << 20;
 
 void DropMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
 
@@ -12,6 +16,7 @@ void DropMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
 void StartVips(bool withModules) {
     static bool started = false;
     if (started) return;
+    PlatformKeepFreedMemory(kKeptBytes);
     // libvips looks for its modules below this folder, and nothing else of it is used.
     if (!withModules) (void)setenv("VIPSHOME", "/nonexistent", 0);
     if (VIPS_INIT("zelprint") != 0)

@@ -21,6 +21,10 @@ bool PlatformIsInTrash(const std::string &path);
 /// Asks the system not to keep what is written to `fd` in its file cache. A hint; never fails.
 void PlatformDisableFileCache(int fd);
 
+/// Asks the allocator to keep up to `bytes` of freed memory for its next use instead of giving it
+/// back to the system, for a program that allocates the same large blocks again and again. A hint.
+void PlatformKeepFreedMemory(int bytes);
+
 /// Runs `program` (a path) with `arguments` (argument 0 not included) and waits for its end.
 /// Returns its exit status, or 1 when it could not be started or was ended by a signal.
 int PlatformRunTask(const char *program, const char *const *arguments, int count);

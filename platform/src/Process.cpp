@@ -1,4 +1,4 @@
-// Running a program, and hints about files.
+// Running a program, and hints about files and memory.
 //
 // Not NSTask: GNUstep's replaces the process's SIGCHLD handler by one that collects every child,
 // the host's own included, and its waiting runs the caller's run loop, which may re-enter the
@@ -14,6 +14,10 @@
 #ifdef __APPLE__ // where shared libraries have no environ
 #include <crt_externs.h>
 #define environ (*_NSGetEnviron())
+#endif
+
+#ifdef __GLIBC__
+#include <malloc.h>
 #endif
 
 namespace {
@@ -44,5 +48,15 @@ void PlatformDisableFileCache(int fd) {
 #else
     // Output is written once and not read back. Linux has no F_NOCACHE; this is its nearest hint.
     (void)posix_fadvise(fd, 0, 0, POSIX_FADV_NOREUSE);
+#endif
+}
+
+void PlatformKeepFreedMemory(int bytes) {
+#ifdef __GLIBC__
+    // Blocks of their own mapping would go back one by one.
+    (void)mallopt(M_MMAP_THRESHOLD, bytes);
+    (void)mallopt(M_TRIM_THRESHOLD, bytes);
+#else
+    (void)bytes; // other allocators decide for themselves
 #endif
 }

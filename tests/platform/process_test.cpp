@@ -70,6 +70,12 @@ TEST(RunTask, InterruptionsDoNotEndTheWaiting) {
     waitpid(child, nullptr, 0);
 }
 
+TEST(KeepFreedMemory, AllocationGoesOnAsBefore) {
+    PlatformKeepFreedMemory(1 << 24);
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(std::string(1 << 22, 'x').back(), 'x');
+}
+
 TEST(DisableFileCache, NeverMinds) {
     PlatformDisableFileCache(-1);
     PlatformDisableFileCache(0);
