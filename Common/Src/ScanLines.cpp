@@ -1,5 +1,6 @@
 #include "Common/Src/ScanLines.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstring>
 
@@ -20,19 +21,31 @@ struct RGBToDarkness {
     }
 };
 
-/// An ink with the black that is printed over it; `ink` and `black` are 0 to 255.
-uint32_t InkWithBlack(uint32_t ink, uint32_t black) {
-    return ink * (255 - black) / 255 + black;
+/// Inks with the black that is printed over them, ink * (255 - black) / 255 + black, for one or two
+/// inks at a time, each in 16 bits of its own. Every product of two bytes fits there, and
+/// the division is exact for it.
+uint32_t InksWithBlack(uint32_t inks, uint32_t black) {
+    const uint32_t products = inks * (255 - black);
+    const uint32_t sums = products + 0x00010001 + (products >> 8 & 0x00FF00FF);
+    return (sums >> 8 & 0x00FF00FF) + black * 0x00010001;
+}
+
+/// Four bytes, lowest first. One store is what the compiler makes vectors of.
+void StoreFour(uint32_t bytes, uint8_t *out) {
+    if constexpr (std::endian::native == std::endian::little)
+        memcpy(out, &bytes, sizeof bytes);
+    else
+        for (int i = 0; i < 4; ++i)
+            out[i] = static_cast<uint8_t>(bytes >> 8 * i);
 }
 
 struct CMYKToDarkness {
     static constexpr size_t kSourceSize = 4, kLineSize = 1;
     static constexpr bool kCopies = false;
     static void Convert(const uint8_t *source, uint8_t *out) {
-        const uint32_t c = InkWithBlack(source[0], source[3]);
-        const uint32_t m = InkWithBlack(source[1], source[3]);
-        const uint32_t y = InkWithBlack(source[2], source[3]);
-        out[0] = static_cast<uint8_t>((5 * c + 9 * m + 2 * y) >> 4);
+        const uint32_t cy = InksWithBlack(source[0] | uint32_t{source[2]} << 16, source[3]);
+        const uint32_t m = InksWithBlack(source[1], source[3]) & 0xFFFF;
+        out[0] = static_cast<uint8_t>((5 * (cy & 0xFFFF) + 9 * m + 2 * (cy >> 16)) >> 4);
     }
 };
 
@@ -40,9 +53,9 @@ struct CMYKToXRGB {
     static constexpr size_t kSourceSize = 4, kLineSize = 4;
     static constexpr bool kCopies = false;
     static void Convert(const uint8_t *source, uint8_t *out) {
-        out[0] = 255;
-        for (int i = 0; i < 3; ++i)
-            out[i + 1] = static_cast<uint8_t>(255 - InkWithBlack(source[i], source[3]));
+        const uint32_t cy = InksWithBlack(source[0] | uint32_t{source[2]} << 16, source[3]);
+        const uint32_t m = InksWithBlack(source[1], source[3]) & 0xFFFF;
+        StoreFour(~(m << 16 | (cy & 0xFF) << 8 | (cy >> 16) << 24), out);
     }
 };
 

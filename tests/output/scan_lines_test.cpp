@@ -124,6 +124,20 @@ TEST(ScaleLine_CMYKToGrey, WeighsTheInksWithTheirBlack) {
     EXPECT_THAT(OnePixel(ScaleLine_CMYKToGrey, {100, 100, 100, 128}, 1), ElementsAre(177));
 }
 
+TEST(ScaleLine_CMYKToGrey, EveryInkAndBlackGiveTheReferenceValue) {
+    const ScanFunction function = AllScanFunctions()[5];
+    for (size_t channel = 0; channel < 3; ++channel) {
+        Bytes source(65536 * 4), expected(65536), line(65536);
+        for (size_t i = 0; i < 65536; ++i) {
+            source[4 * i + channel] = static_cast<uint8_t>(i);
+            source[4 * i + 3] = static_cast<uint8_t>(i >> 8);
+            function.pixel(&source[4 * i], &expected[i]);
+        }
+        ScaleLine_CMYKToGrey(source.data(), {0, 0}, {1, 0}, 65536, 0, 65536, line.data());
+        EXPECT_TRUE(line == expected) << "channel " << channel;
+    }
+}
+
 TEST(ScaleLine_CMYKToRGB, TakesTheInksAwayFromWhite) {
     EXPECT_THAT(OnePixel(ScaleLine_CMYKToRGB, {0, 0, 0, 0}, 4), ElementsAre(255, 255, 255, 255));
     EXPECT_THAT(OnePixel(ScaleLine_CMYKToRGB, {0, 0, 0, 255}, 4), ElementsAre(255, 0, 0, 0));
