@@ -71,7 +71,7 @@ int32_t LatchResult(DriverContext *context, int32_t result) {
 int32_t ZELPrOpen(CFBundleRef bundle, DriverContext **outContext) {
     if (!outContext) return kZELBadParameter;
     *outContext = nullptr;
-    if (!bundle) return kZELBadParameter;
+    if (!bundle || !CFBundleGetIdentifier(bundle)) return kZELBadParameter;
     std::unique_ptr<DriverContext> context(new (std::nothrow) DriverContext);
     if (!context) return kZELOutOfMemory;
     try {

@@ -42,6 +42,12 @@ TEST_F(GoldenRecordTest, Defaults_BuiltInPrinterNoPreferences) {
     EXPECT_EQ(HexDump(record.Bytes()), Golden("built-in-defaults.hex"));
 }
 
+TEST_F(GoldenRecordTest, Defaults_ColourPrinterNoPreferences) {
+    UsePrinter({});
+    Driver().ZELPrDefaults(session.Get(), record.Get());
+    EXPECT_EQ(HexDump(record.Bytes()), Golden("colour-defaults.hex"));
+}
+
 TEST_F(GoldenRecordTest, Defaults_EveryPreferenceSet) {
     UsePrinter({});
     const CFRef<CFMutableDictionaryRef> options = MakeDictionary();

@@ -61,6 +61,26 @@ TestPPD WithPages(const std::vector<NamedSize> &pages, const std::string &defaul
     return ppd;
 }
 
+/// The record that a host gets for a bad one, with the rotation as the user prefers it.
+PSHPrint ValidatedRecord(const TestPPD &ppd, const PageInfo_tag &page, bool rotated) {
+    ClearPreferences();
+    const CFRef<CFMutableDictionaryRef> options = MakeDictionary();
+    CFDictionarySetValue(options.Get(), CFSTR("Rotate"),
+                         rotated ? kCFBooleanTrue : kCFBooleanFalse);
+    SetPreference(CFSTR("PageOptions"), options.Get());
+    ScratchFolder folder;
+    Session session;
+    const CFRef<CFURLRef> url = MakeURL(folder.Write("Test.ppd", ppd.Text()));
+    EXPECT_EQ(Driver().ZELPrSetPrinter(session.Get(), url.Get(), nullptr), 0);
+    const ZELPageRecord suggestion = {page.widthPixels, page.heightPixels, page.widthMM,
+                                      page.heightMM};
+    Driver().ZELPrSuggestPage(session.Get(), nullptr, &suggestion, 0);
+    RecordHandle record;
+    EXPECT_TRUE(Driver().ZELPrValidate(session.Get(), record.Get()));
+    ClearPreferences();
+    return record.Record();
+}
+
 // ---- resolution
 
 struct ResolutionCase {
@@ -84,6 +104,12 @@ TEST_P(Resolution, IsTheClosestThatIsNotBelow) {
     const double larger = std::max(c.dpiX, c.dpiY);
     EXPECT_EQ(DoubleFromBigEndian(record.mXDpi_be), larger) << "the document's, not the printer's";
     EXPECT_EQ(DoubleFromBigEndian(record.mYDpi_be), larger);
+
+    const PSHPrint validated =
+        ValidatedRecord(WithResolutions(c.offered, c.defaultName), page, c.rotated);
+    EXPECT_EQ(validated.mResolutionName, c.chosen);
+    EXPECT_EQ(DoubleFromBigEndian(validated.mXDpi_be), larger);
+    EXPECT_EQ(DoubleFromBigEndian(validated.mYDpi_be), larger);
 }
 
 const ResolutionCase kResolutionCases[] = {
@@ -125,6 +151,10 @@ TEST(ResolutionTest, A4At300_RoundsTo300ButNeedsMoreThan300) {
     const PostscriptPrinterInfo one = MakePrinter(WithResolutions({"300dpi"}, "300dpi"));
     SetBestHardwareResolution(&one, &page, &record);
     EXPECT_STREQ(record.mResolutionName, "300dpi") << "the default";
+    const PSHPrint validated =
+        ValidatedRecord(WithResolutions({"300dpi", "600dpi"}, "300dpi"), page, false);
+    EXPECT_EQ(DoubleFromBigEndian(validated.mXDpi_be), 300.0);
+    EXPECT_STREQ(validated.mResolutionName, "600dpi");
 }
 
 TEST(ResolutionTest, HalvesAreRoundedAwayFromZero) {
@@ -145,6 +175,26 @@ TEST(ResolutionTest, PageWithoutSize_IsInfinitelyDenseAndGetsTheDefault) {
     SetBestHardwareResolution(&printer, &page, &record);
     EXPECT_TRUE(std::isinf(DoubleFromBigEndian(record.mXDpi_be)));
     EXPECT_STREQ(record.mResolutionName, "600dpi");
+}
+
+TEST(ResolutionTest, PageWithoutPixels_IsNotFitted) {
+    for (const PageInfo_tag &page :
+         {PageInfo_tag{0, 100, 254, 254, 32}, PageInfo_tag{100, 0, 254, 254, 32},
+          PageInfo_tag{-100, -100, 254, 254, 32}}) {
+        const PSHPrint validated = ValidatedRecord({}, page, false);
+        EXPECT_STREQ(validated.mPageName, "A4") << "the defaults";
+        EXPECT_EQ(DoubleFromBigEndian(validated.mXDpi_be), 600);
+    }
+}
+
+TEST(ResolutionTest, OnePixel_IsFitted) {
+    const PSHPrint validated = ValidatedRecord({}, {1, 1, 2.54, 2.54, 32}, false);
+    EXPECT_EQ(DoubleFromBigEndian(validated.mXDpi_be), 10);
+}
+
+TEST(ResolutionTest, BelowTenDpi_TheSuggestionIsDropped) {
+    const PSHPrint validated = ValidatedRecord({}, {90, 90, 254, 254, 32}, false);
+    EXPECT_EQ(DoubleFromBigEndian(validated.mXDpi_be), 600);
 }
 
 TEST(ResolutionTest, LongName_IsCutAtFortyBytes) {
@@ -182,6 +232,12 @@ TEST_P(Page, IsTheSmallestThatHoldsTheWanted) {
     EXPECT_EQ(record.Width(), c.chosenWidth) << "the page's own, never exchanged";
     EXPECT_EQ(record.Height(), c.chosenHeight);
     EXPECT_EQ(record.mPageIsCustom_be, 0U);
+
+    const PSHPrint validated =
+        ValidatedRecord(WithPages(c.offered, c.defaultName), page, c.rotated);
+    EXPECT_STREQ(validated.mPageName, c.chosen);
+    EXPECT_EQ(DoubleFromBigEndian(validated.mPageWidth_be), c.chosenWidth);
+    EXPECT_EQ(DoubleFromBigEndian(validated.mPageHeight_be), c.chosenHeight);
 }
 
 const std::vector<NamedSize> kOffice = {
@@ -245,6 +301,11 @@ TEST_P(CustomPage, IsOfTheWantedSizeWithinTheLimits) {
     EXPECT_NEAR(record.Height(), c.fittedHeight, 1e-9);
     EXPECT_STREQ(record.mPageName, "");
     EXPECT_EQ(record.mPageIsCustom_be, SwapBigEndian(uint32_t{1}));
+
+    const PSHPrint validated = ValidatedRecord(CustomPrinter(), page, c.rotated);
+    EXPECT_NEAR(DoubleFromBigEndian(validated.mPageWidth_be), c.fittedWidth, 1e-9);
+    EXPECT_NEAR(DoubleFromBigEndian(validated.mPageHeight_be), c.fittedHeight, 1e-9);
+    EXPECT_EQ(validated.mPageIsCustom_be, SwapBigEndian(uint32_t{1}));
 }
 
 INSTANTIATE_TEST_SUITE_P(, CustomPage,

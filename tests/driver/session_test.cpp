@@ -1,5 +1,7 @@
 // A session's life and its latched state, through the entry points of the loaded bundle.
+#include "Common/Src/BigEndian.h"
 #include "tests/driver/BundleHost.h"
+#include "tests/driver/TestPPD.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -81,6 +83,16 @@ TEST_F(SessionTest, Open_NoBundle_IsABadParameter) {
     EXPECT_EQ(Driver().ZELPrOpen(nullptr, &context), kZELBadParameter);
     EXPECT_EQ(context, nullptr);
     EXPECT_EQ(Driver().ZELPrOpen(LoadedBundle(), nullptr), kZELBadParameter);
+}
+
+TEST_F(SessionTest, Open_BundleWithoutIdentifier_IsABadParameter) {
+    std::filesystem::create_directories(folder.Path() / "Empty.bundle" / "Resources");
+    const CFRef<CFBundleRef> other(
+        CFBundleCreate(kCFAllocatorDefault, MakeURL(folder.Path() / "Empty.bundle").Get()));
+    ASSERT_TRUE(other);
+    DriverContext *context = session.Get();
+    EXPECT_EQ(Driver().ZELPrOpen(other.Get(), &context), kZELBadParameter);
+    EXPECT_EQ(context, nullptr);
 }
 
 TEST_F(SessionTest, Open_Twice_SessionsAreIndependent) {
@@ -314,15 +326,21 @@ TEST_F(SessionTest, SuggestPage_DepthZero_KeepsTheDepth) {
 }
 
 TEST_F(SessionTest, SuggestPage_NoPage_KeepsThePage) {
-    session.Suggest(1000, 2000, 100);
+    const CFRef<CFURLRef> ppd = MakeURL(folder.Write("Test.ppd", TestPPD().Text()));
+    ASSERT_EQ(Driver().ZELPrSetPrinter(session.Get(), ppd.Get(), nullptr), 0);
+    session.Suggest(777, 999, 111);
     Driver().ZELPrSuggestPage(session.Get(), nullptr, nullptr, 32);
     record.Record().mMagic_be[0] = 'p';
     EXPECT_TRUE(Driver().ZELPrValidate(session.Get(), record.Get()));
-    // The built-in printer has no colour: its defaulted records are bad, and the fitted one is
-    // dropped for the default.
-    ZELDriverInfo info = {};
-    (void)Driver().ZELPrGetInfo(session.Get(), record.Get(), &info);
-    EXPECT_EQ(info.widthPixels, kWidth);
+    EXPECT_EQ(DoubleFromBigEndian(record.Record().mXDpi_be), 111);
+}
+
+TEST_F(SessionTest, SuggestPage_None_RecordIsNotFitted) {
+    const CFRef<CFURLRef> ppd = MakeURL(folder.Write("Test.ppd", TestPPD().Text()));
+    ASSERT_EQ(Driver().ZELPrSetPrinter(session.Get(), ppd.Get(), nullptr), 0);
+    record.Record().mMagic_be[0] = 'p';
+    EXPECT_TRUE(Driver().ZELPrValidate(session.Get(), record.Get()));
+    EXPECT_EQ(DoubleFromBigEndian(record.Record().mXDpi_be), 600);
 }
 
 TEST_F(SessionTest, SetJobName_IsRetainedUntilReplaced) {
