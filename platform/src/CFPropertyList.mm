@@ -2,6 +2,7 @@
 #include "BinaryPropertyList.h"
 #include "CFBridge.h"
 #include "XMLNesting.h"
+#include <cmath>
 
 namespace {
 
@@ -41,8 +42,20 @@ CFPropertyListRef CreateFromXML(CFDataRef data, CFOptionFlags options) {
     });
 }
 
+bool ContainsNaN(id object) {
+    if ([object isKindOfClass:[NSNumber class]]) return std::isnan([object doubleValue]);
+    if ([object isKindOfClass:[NSDictionary class]]) object = [object allValues];
+    if (![object isKindOfClass:[NSArray class]]) return false;
+    for (id element in object)
+        if (ContainsNaN(element)) return true;
+    return false;
+}
+
 NSData *WritePropertyList(id list, NSPropertyListFormat format) {
     if (!IsPropertyList(list)) return nil;
+    // The binary writer finds its objects by equality. A number that equals nothing, not even
+    // itself, gets an index of 32 ones, and the table for it 16 GiB.
+    if (format == NSPropertyListBinaryFormat_v1_0 && ContainsNaN(list)) return nil;
     return [NSPropertyListSerialization dataWithPropertyList:list
                                                       format:format
                                                      options:0

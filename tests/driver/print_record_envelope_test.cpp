@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <random>
 
 namespace {
@@ -54,6 +55,15 @@ TEST_F(EnvelopeTest, Encode_NothingToEncode_LeavesTheHandle) {
     EXPECT_FALSE(EncodeHPrint(handle.Get(), prefix.Get(), nullptr));
     EXPECT_EQ(handle.Bytes(), before);
     EXPECT_FALSE(EncodeHPrint(nullptr, prefix.Get(), list.Get()));
+}
+
+TEST_F(EnvelopeTest, Encode_NaN_IsRefused) {
+    // It used to ask for 16 GiB.
+    const std::string before = handle.Bytes();
+    CFDictionarySetValue(list.Get(), CFSTR("number"),
+                         MakeNumber(std::numeric_limits<double>::quiet_NaN()).Get());
+    EXPECT_FALSE(EncodeHPrint(handle.Get(), prefix.Get(), list.Get()));
+    EXPECT_EQ(handle.Bytes(), before);
 }
 
 TEST_F(EnvelopeTest, EmptyPrefix_IsAListAlone) {
