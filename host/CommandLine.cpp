@@ -1,6 +1,7 @@
 #include "host/CommandLine.h"
 
 #include "PSHPrint.h"
+#include "host/JobTitle.h"
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -13,8 +14,17 @@ void Choice(CLI::App &app, const char *names, std::optional<T> &value, const cha
     app.add_option(names, value, help);
 }
 
+/// CLI11 would give a flag that is not there the value false.
+void Switch(CLI::App &app, const char *names, std::optional<bool> &value, const char *help) {
+    app.add_flag_function(
+        names, [&value](std::int64_t count) { value = count > 0; }, help);
+}
+
 void AddJobOptions(CLI::App &app, JobOptions &options) {
-    app.add_option("FILE", options.files, "TIFF, PNG, JPEG and PNM images and PDF files");
+    // As everywhere, the last of several says what holds.
+    app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    app.add_option("FILE", options.files, "TIFF, PNG, JPEG and PNM images and PDF files")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.option_defaults()->group("What to print");
     app.add_option("-n,--copies", options.copies, "number of copies")->check(CLI::Range(1, 999));
     Choice(app, "-P,--pages", options.pageRange, "pages to print, such as 1-4,7,9-");
@@ -24,8 +34,8 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
     Choice(app, "--hot-folder", options.hotFolder, "folder that receives the finished document");
     Choice(app, "-o,--output", options.output,
            "name of the file to write, replacing what is there");
-    app.add_flag("--eps,!--ps", options.eps, "one EPS file a page, or one PostScript file (--ps)");
-    app.add_flag("--queue,!--no-queue", options.queue, "hand the document to the print queue");
+    Switch(app, "--eps,!--ps", options.eps, "one EPS file a page, or one PostScript file (--ps)");
+    Switch(app, "--queue,!--no-queue", options.queue, "hand the document to the print queue");
 
     app.option_defaults()->group("How");
     Choice(app, "--ppd", options.ppd, "PPD file of the printer");
@@ -39,9 +49,9 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
                                     CLI::ignore_case))
         ->type_name("cmyk|gray|rgb");
     Choice(app, "--separation", options.separation, "CMYK separation; see zelprint separations");
-    app.add_flag("--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
-    app.add_flag("--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
-    app.add_flag("--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
+    Switch(app, "--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
+    Switch(app, "--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
+    Switch(app, "--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
     app.add_option("--settings", options.settings,
                    "repeat a job with the settings saved in a file");
     app.add_option("--save-settings", options.saveSettings, "save this job's settings to a file");
@@ -55,6 +65,15 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
     app.add_option("--band-height", options.bandHeight, "rows handed to the driver at a time")
         ->check(CLI::Range(1, 1000000));
     app.add_option("--bundle", options.bundle, "the driver's bundle, if not beside zelprint");
+}
+
+/// The system's libraries know text and names as UTF-8 only; other arguments stop them early.
+void CheckArguments(int argc, char **argv) {
+    for (int i = 1; i < argc; ++i)
+        if (!IsUTF8(argv[i]))
+            throw HostError(ExitStatus::Usage, "\"" + CleanTitle(argv[i]) +
+                                                   "\" is not UTF-8; correct the title, or rename "
+                                                   "the file");
 }
 
 } // namespace
@@ -79,6 +98,7 @@ int RunCommandLine(int argc, char **argv,
         return static_cast<int>(ExitStatus::Usage);
     }
     try {
+        CheckArguments(argc, argv);
         return static_cast<int>(action());
     } catch (const HostError &error) {
         (void)fprintf(stderr, "zelprint: %s\n", error.what());

@@ -151,10 +151,12 @@ void CheckDocument(const JobPlan &plan, int fd, int pages) {
 void CheckFiles(const JobPlan &plan, const OutputStaging &staging) {
     const std::vector<std::string> files = staging.Files();
     const size_t wanted = plan.eps ? static_cast<size_t>(plan.TotalPages()) : 1;
+    // A file whose last writes failed is deleted by the driver, which still reports success.
     if (files.size() != wanted)
-        throw HostError(ExitStatus::Output, "the driver made " + std::to_string(files.size()) +
-                                                " files instead of " + std::to_string(wanted) +
-                                                "; nothing was kept");
+        throw HostError(ExitStatus::Output, "only " + std::to_string(files.size()) + " of " +
+                                                std::to_string(wanted) +
+                                                " files could be written whole in " + plan.folder +
+                                                "; make room there and print again");
     for (const std::string &name : files)
         CheckDocument(plan, OpenFile(staging.Folder() + "/" + name).Get(),
                       plan.eps ? 1 : plan.TotalPages());
