@@ -30,7 +30,7 @@ ExitStatus Print(const JobOptions &options) {
     const bool pdf = std::any_of(files.begin(), files.end(), [](const SourceFile &file) {
         return file.Kind() == FileKind::PDF;
     });
-    StartVips(pdf);
+    StartVips(pdf); // takes as long as loading the driver
     const DriverBundle bundle(options.bundle);
     const JobSetup setup(bundle, options, files);
     const JobPlan &plan = setup.Plan();

@@ -11,9 +11,6 @@
 
 namespace {
 
-/// Bytes of a band when nobody asks for another height.
-constexpr int kBandBytes = 1 << 20;
-
 /// The driver's failure as a HostError.
 [[noreturn]] void ThrowDriverFailure(const JobSetup &setup, int32_t code) {
     const JobPlan &plan = setup.Plan();
@@ -77,14 +74,9 @@ private:
         Check(mDriver.ZELPrClosePage(mContext));
     }
 
-    [[nodiscard]] int BandHeight(int width) const {
-        if (mBandHeight > 0) return mBandHeight;
-        return std::max(16, kBandBytes / std::max(1, width * PixelSize(mPlan.pixels)));
-    }
-
     void PrintBands(const PageImage &image, const PageReference &source, int number) {
         const Placement &place = image.placement;
-        RowReader reader(image, source, mPlan.pixels, BandHeight(place.width));
+        RowReader reader(image, source, mPlan.pixels, mBandHeight);
         int top = 0;
         for (Rows rows = reader.Next(); rows.count > 0; rows = reader.Next()) {
             StopIfCancelled();

@@ -89,6 +89,7 @@ SourceFile::SourceFile(std::string path) : mPath(std::move(path)) {
 }
 
 VipsImagePtr SourceFile::Load(int page, double scale, bool sequential) const {
+    NeedVips();
     const VipsAccess access = sequential ? VIPS_ACCESS_SEQUENTIAL : VIPS_ACCESS_RANDOM;
     const VipsFailOn failOn = VIPS_FAIL_ON_ERROR;
     const char *path = mPath.c_str();

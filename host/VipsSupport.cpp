@@ -2,6 +2,7 @@
 
 #include "host/ExitStatus.h"
 #include <cstdlib>
+#include <future>
 #include <platform/Platform.h>
 
 namespace {
@@ -11,12 +12,7 @@ constexpr int kKeptBytes = 32 << 20;
 
 void DropMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
 
-} // namespace
-
-void StartVips(bool withModules) {
-    static bool started = false;
-    if (started) return;
-    PlatformKeepFreedMemory(kKeptBytes);
+void Initialise(bool withModules) {
     // libvips looks for its modules below this folder, and nothing else of it is used.
     if (!withModules) (void)setenv("VIPSHOME", "/nonexistent", 0);
     if (VIPS_INIT("zelprint") != 0)
@@ -25,7 +21,24 @@ void StartVips(bool withModules) {
     g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), DropMessage, nullptr);
     // Every page is read once; a cache would only keep files open.
     vips_cache_set_max(0);
-    started = true;
+}
+
+std::shared_future<void> &Starting() {
+    static std::shared_future<void> starting;
+    return starting;
+}
+
+} // namespace
+
+void StartVips(bool withModules) {
+    if (Starting().valid()) return;
+    PlatformKeepFreedMemory(kKeptBytes);
+    Starting() = std::async(std::launch::async, Initialise, withModules).share();
+}
+
+void NeedVips() {
+    StartVips(true);
+    Starting().get();
 }
 
 std::string TakeVipsError() {

@@ -11,9 +11,13 @@ struct VipsUnref {
 };
 using VipsImagePtr = std::unique_ptr<VipsImage, VipsUnref>;
 
-/// Starts libvips. With `withModules` false, readers that come as plug-ins (PDF among them) are
-/// left out, which saves half of the start-up time. Only the first call counts. Throws HostError.
+/// Begins to start libvips in a thread of its own. With `withModules` false, readers that come as
+/// plug-ins (PDF among them) are left out, which saves half of the start-up time. Only the first
+/// call counts.
 void StartVips(bool withModules);
+
+/// Waits until libvips is there; starts it if nobody has. Throws HostError when it cannot start.
+void NeedVips();
 
 /// What libvips last complained about, as one line; forgets it.
 [[nodiscard]] std::string TakeVipsError();

@@ -92,7 +92,7 @@ std::string RunResult::Complaint() const {
 }
 
 Workplace::Workplace() {
-    StartVips(true);
+    NeedVips();
     std::string name = (fs::temp_directory_path() / "zelprint-test-XXXXXX").string();
     mRoot = mkdtemp(name.data());
     fs::create_directory(mRoot / "hot");

@@ -1,0 +1,4 @@
+#include <platform/Platform.h>
+
+// The system's allocator keeps freed blocks by itself.
+void PlatformKeepFreedMemory() {}
