@@ -85,7 +85,7 @@ const File &LargeFile() {
 }
 
 void OpenAndModel(benchmark::State &state) {
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const PostscriptPrinterInfo info(LargeFile().URL());
         if (info.Pages().NumPages() != kSizes || info.Resolutions().NumResolutions() != 2 ||
             !info.HasColour() || !info.Pages().HasCustomPageSetup())
@@ -97,7 +97,7 @@ BENCHMARK(OpenAndModel)->Unit(benchmark::kMillisecond);
 /// One pass over the whole file for a keyword that is not there.
 void ScanOnce(benchmark::State &state) {
     PPD::MiniParser parser(LargeFile().URL());
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(parser.GetOptionEntry("*NoSuchKeyword"));
     state.SetBytesProcessed(state.iterations() * LargeFile().Size());
 }
