@@ -78,15 +78,7 @@ CFTypeID CFArrayGetTypeID(void) { return kArray; }
 
 CFTypeID CFDictionaryGetTypeID(void) { return kDictionary; }
 
-CFTypeID CFURLGetTypeID(void) { return kURL; }
-
 CFTypeID CFDateGetTypeID(void) { return kDate; }
-
-CFTypeID CFBundleGetTypeID(void) { return kBundle; }
-
-CFStringRef CFCopyDescription(CFTypeRef cf) {
-    return (CFStringRef)CreateCopy([&] { return [Object(cf) description]; });
-}
 
 void CFShow(CFTypeRef obj) {
     @autoreleasepool {

@@ -18,12 +18,6 @@ CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef bundleURL) {
     return (CFBundleRef)Create([&] { return [NSBundle bundleWithPath:[Url(bundleURL) path]]; });
 }
 
-CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef bundleID) {
-    @autoreleasepool {
-        return (CFBundleRef)[NSBundle bundleWithIdentifier:String(bundleID)];
-    }
-}
-
 CFStringRef CFBundleGetIdentifier(CFBundleRef bundle) {
     @autoreleasepool {
         return (CFStringRef)[Bundle(bundle) bundleIdentifier];
@@ -34,15 +28,6 @@ CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef k
     @autoreleasepool {
         return key ? [[Bundle(bundle) infoDictionary] objectForKey:String(key)] : nil;
     }
-}
-
-CFStringRef CFBundleCopyLocalizedString(CFBundleRef bundle, CFStringRef key, CFStringRef value,
-                                        CFStringRef tableName) {
-    return (CFStringRef)CreateCopy([&] {
-        return [Bundle(bundle) localizedStringForKey:String(key)
-                                               value:String(value)
-                                               table:String(tableName)];
-    });
 }
 
 void *CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef functionName) {

@@ -96,10 +96,4 @@ void CFDictionarySetValue(CFMutableDictionaryRef theDict, const void *key, const
         if (key && value) [MutableDictionary(theDict) setObject:Object(value) forKey:Object(key)];
     }
 }
-
-void CFDictionaryRemoveValue(CFMutableDictionaryRef theDict, const void *key) {
-    @autoreleasepool {
-        if (key) [MutableDictionary(theDict) removeObjectForKey:Object(key)];
-    }
-}
 }

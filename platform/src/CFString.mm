@@ -7,12 +7,8 @@ namespace {
 
 NSStringEncoding FoundationEncoding(CFStringEncoding encoding) {
     switch (encoding) {
-        case kCFStringEncodingMacRoman:
-            return NSMacOSRomanStringEncoding;
         case kCFStringEncodingISOLatin1:
             return NSISOLatin1StringEncoding;
-        case kCFStringEncodingASCII:
-            return NSASCIIStringEncoding;
         case kCFStringEncodingUTF16:
             return NSUnicodeStringEncoding;
         default:
@@ -79,10 +75,6 @@ CFStringRef CFStringCreateWithSubstring(CFAllocatorRef, CFStringRef str, CFRange
     });
 }
 
-CFStringRef CFStringCreateCopy(CFAllocatorRef, CFStringRef theString) {
-    return (CFStringRef)CreateCopy([&] { return String(theString); });
-}
-
 CFStringRef CFStringCreateWithFormat(CFAllocatorRef, CFDictionaryRef, CFStringRef format, ...) {
     if (String(format) == nil) return nullptr;
     va_list arguments;
@@ -128,12 +120,6 @@ CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encod
             return length * 2;
         default:
             return length;
-    }
-}
-
-SInt32 CFStringGetIntValue(CFStringRef str) {
-    @autoreleasepool {
-        return [String(str) intValue];
     }
 }
 }

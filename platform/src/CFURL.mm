@@ -7,31 +7,9 @@
 
 namespace {
 
-NSURL *FileURL(NSString *path, bool isFolder) {
-    return [NSURL fileURLWithPath:path isDirectory:isFolder];
-}
-
 /// Where the last component of the path begins; its length for "/".
 NSUInteger LastComponent(NSString *path) {
     return NSMaxRange([path rangeOfString:@"/" options:NSBackwardsSearch | NSLiteralSearch]);
-}
-
-/// Where the extension begins, at its point; none in ".name", "name." and "..".
-NSRange ExtensionPoint(NSString *path) {
-    const NSRange none = NSMakeRange(NSNotFound, 0);
-    const NSRange point = [path rangeOfString:@"." options:NSBackwardsSearch | NSLiteralSearch];
-    if (point.length == 0 || NSMaxRange(point) == [path length]) return none;
-    return point.location > LastComponent(path) ? point : none;
-}
-
-NSString *Appended(NSString *path, NSString *component) {
-    NSString *separator = [path hasSuffix:@"/"] ? @"" : @"/";
-    return [NSString stringWithFormat:@"%@%@%@", path, separator, component];
-}
-
-NSString *WithoutLastComponent(NSString *path) {
-    const NSUInteger begin = LastComponent(path);
-    return begin > 1 ? [path substringToIndex:begin - 1] : @"/";
 }
 
 } // namespace
@@ -42,7 +20,8 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef filePath, CFU
                                        Boolean isDirectory) {
     // An empty path would be taken for the current folder.
     if (CFStringGetLength(filePath) == 0) return nullptr;
-    return (CFURLRef)Create([&] { return FileURL(String(filePath), isDirectory != 0); });
+    return (CFURLRef)Create(
+        [&] { return [NSURL fileURLWithPath:String(filePath) isDirectory:isDirectory != 0]; });
 }
 
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8 *buffer,
@@ -53,29 +32,6 @@ CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const
         CFURLCreateWithFileSystemPath(allocator, path, kCFURLPOSIXPathStyle, isDirectory);
     CFRelease(path);
     return url;
-}
-
-CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef url,
-                                               CFStringRef pathComponent, Boolean isDirectory) {
-    if (!Url(url) || !String(pathComponent)) return nullptr;
-    return (CFURLRef)Create([&] {
-        return FileURL(Appended([Url(url) path], String(pathComponent)), isDirectory != 0);
-    });
-}
-
-CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef, CFURLRef url) {
-    if (!Url(url)) return nullptr;
-    return (CFURLRef)Create([&] { return FileURL(WithoutLastComponent([Url(url) path]), true); });
-}
-
-CFURLRef CFURLCreateCopyDeletingPathExtension(CFAllocatorRef, CFURLRef url) {
-    if (!Url(url)) return nullptr;
-    return (CFURLRef)Create([&] {
-        NSString *path = [Url(url) path];
-        const NSRange point = ExtensionPoint(path);
-        if (point.length != 0) path = [path substringToIndex:point.location];
-        return FileURL(path, [[Url(url) absoluteString] hasSuffix:@"/"]);
-    });
 }
 
 CFStringRef CFURLCopyFileSystemPath(CFURLRef anURL, CFURLPathStyle) {
@@ -95,14 +51,6 @@ CFStringRef CFURLCopyLastPathComponent(CFURLRef url) {
     return (CFStringRef)CreateCopy([&]() -> NSString * {
         NSString *path = [Url(url) path];
         return [path isEqual:@"/"] ? path : [path substringFromIndex:LastComponent(path)];
-    });
-}
-
-CFStringRef CFURLCopyPathExtension(CFURLRef url) {
-    return (CFStringRef)CreateCopy([&]() -> NSString * {
-        NSString *path = [Url(url) path];
-        const NSRange point = ExtensionPoint(path);
-        return point.length != 0 ? [path substringFromIndex:NSMaxRange(point)] : nil;
     });
 }
 }

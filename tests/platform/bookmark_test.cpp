@@ -163,8 +163,6 @@ TEST_F(Bookmark, OfAFolderIsAFoldersURL) {
     const CFRef url(CFURLCreateByResolvingBookmarkData(nullptr, bookmark.Get(), 0, nullptr, nullptr,
                                                        nullptr, nullptr));
     EXPECT_EQ(Path(url), (Top() / "a/hot").string());
-    const CFRef file(CFURLCreateCopyAppendingPathComponent(nullptr, url.Get(), CFSTR("x"), false));
-    EXPECT_EQ(Path(file), (Top() / "a/hot/x").string());
 }
 
 TEST_F(Bookmark, OfTheRootResolves) {

@@ -81,19 +81,3 @@ TEST(MainQueue, WorkGivenOnTheMainThreadRunsAtOnce) {
     dispatch_sync_f(dispatch_get_main_queue(), &call, Work);
     EXPECT_EQ(call.done, 1);
 }
-
-TEST(MainQueue, AsynchronousWorkRunsLaterOnTheMainThread) {
-    Call call;
-    std::thread thread([&call] {
-        dispatch_async_f(dispatch_get_main_queue(), &call, Work);
-        dispatch_async_f(dispatch_get_main_queue(), &call, [](void *context) {
-            Work(context);
-            static_cast<Call *>(context)->finished = true;
-        });
-    });
-    thread.join();
-    EXPECT_EQ(call.done, 0);
-    EXPECT_TRUE(RunLoopUntilFinished(call, NSDefaultRunLoopMode));
-    EXPECT_EQ(call.done, 2);
-    EXPECT_FALSE(call.wrongThread);
-}

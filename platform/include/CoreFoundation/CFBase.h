@@ -87,7 +87,6 @@ CF_EXPORT void CFRelease(CFTypeRef cf);
 CF_EXPORT CFIndex CFGetRetainCount(CFTypeRef cf);
 CF_EXPORT Boolean CFEqual(CFTypeRef cf1, CFTypeRef cf2);
 CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef cf);
-CF_EXPORT CFStringRef CFCopyDescription(CFTypeRef cf);
 /// Writes the object's description and a newline to standard error.
 CF_EXPORT void CFShow(CFTypeRef obj);
 

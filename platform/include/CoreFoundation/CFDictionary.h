@@ -31,7 +31,6 @@ CF_EXPORT void CFDictionaryAddValue(CFMutableDictionaryRef theDict, const void *
 /// Adds the pair or replaces the value.
 CF_EXPORT void CFDictionarySetValue(CFMutableDictionaryRef theDict, const void *key,
                                     const void *value);
-CF_EXPORT void CFDictionaryRemoveValue(CFMutableDictionaryRef theDict, const void *key);
 
 CF_EXTERN_C_END
 

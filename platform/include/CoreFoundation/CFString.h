@@ -6,10 +6,8 @@
 
 typedef UInt32 CFStringEncoding;
 enum {
-    kCFStringEncodingMacRoman = 0,
     kCFStringEncodingUTF16 = 0x0100,
     kCFStringEncodingISOLatin1 = 0x0201,
-    kCFStringEncodingASCII = 0x0600,
     kCFStringEncodingUTF8 = 0x08000100
 };
 
@@ -35,7 +33,6 @@ CF_EXPORT CFStringRef CFStringCreateWithPascalString(CFAllocatorRef alloc, Const
 /// A range that is not inside the string gives null.
 CF_EXPORT CFStringRef CFStringCreateWithSubstring(CFAllocatorRef alloc, CFStringRef str,
                                                   CFRange range);
-CF_EXPORT CFStringRef CFStringCreateCopy(CFAllocatorRef alloc, CFStringRef theString);
 CF_EXPORT CFStringRef CFStringCreateWithFormat(CFAllocatorRef alloc, CFDictionaryRef formatOptions,
                                                CFStringRef format, ...);
 
@@ -51,8 +48,6 @@ CF_EXPORT CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEnco
 /// By code unit, whatever the locale; runs of digits by value with kCFCompareNumerically.
 CF_EXPORT CFComparisonResult CFStringCompare(CFStringRef theString1, CFStringRef theString2,
                                              CFStringCompareFlags compareOptions);
-/// The number that the text begins with, after blanks; 0 when there is none.
-CF_EXPORT SInt32 CFStringGetIntValue(CFStringRef str);
 
 CF_EXTERN_C_END
 

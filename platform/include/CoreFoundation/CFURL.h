@@ -13,27 +13,18 @@ enum { kCFURLBookmarkResolutionWithoutUIMask = 1UL << 8 };
 
 CF_EXTERN_C_BEGIN
 
-CF_EXPORT CFTypeID CFURLGetTypeID(void);
-
 /// Null for an empty path. A relative path is taken from the current folder.
 CF_EXPORT CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef filePath,
                                                  CFURLPathStyle pathStyle, Boolean isDirectory);
 CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator,
                                                            const UInt8 *buffer, CFIndex bufLen,
                                                            Boolean isDirectory);
-CF_EXPORT CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
-                                                         CFStringRef pathComponent,
-                                                         Boolean isDirectory);
-CF_EXPORT CFURLRef CFURLCreateCopyDeletingLastPathComponent(CFAllocatorRef allocator, CFURLRef url);
-CF_EXPORT CFURLRef CFURLCreateCopyDeletingPathExtension(CFAllocatorRef allocator, CFURLRef url);
 
 CF_EXPORT CFStringRef CFURLCopyFileSystemPath(CFURLRef anURL, CFURLPathStyle pathStyle);
 /// The path with its terminator; false when it does not fit.
 CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase,
                                                    UInt8 *buffer, CFIndex maxBufLen);
 CF_EXPORT CFStringRef CFURLCopyLastPathComponent(CFURLRef url);
-/// Null when there is no extension.
-CF_EXPORT CFStringRef CFURLCopyPathExtension(CFURLRef url);
 
 /// Remembers an existing file or folder so that it is found again after being renamed or moved;
 /// docs/platform.md says how far. Null when it does not exist. `*error` is always set to null.
