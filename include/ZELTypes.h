@@ -48,7 +48,7 @@ typedef struct ZELRect {
 typedef struct ZELBand {
     const uint8_t *baseAddress; ///< first byte of the row `bounds.top`
     ZELRect bounds;             ///< the rows and columns that the memory holds
-    int32_t rowBytes;           ///< bytes from one row to the next
+    int32_t rowBytes;           ///< bytes from one row to the next; negative: rows upside down
     uint16_t pixelFormat;       ///< one of the kZELFormat codes
 } ZELBand;
 
