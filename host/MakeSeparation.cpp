@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <lcms2.h>
 #include <memory>
 #include <type_traits>
@@ -25,7 +26,11 @@ constexpr size_t kChannels = 8; ///< the format has eight inks; a press of four 
 constexpr uint16_t kFullInk = 65535;
 
 Profile OpenProfile(const std::string &path) {
-    Profile profile(cmsOpenProfileFromFile(path.c_str(), "r"));
+    // Only a regular file: opening a FIFO would wait for somebody to write to it.
+    std::error_code error;
+    Profile profile;
+    if (std::filesystem::is_regular_file(path, error))
+        profile.reset(cmsOpenProfileFromFile(path.c_str(), "r"));
     if (!profile)
         throw HostError(ExitStatus::Input,
                         "'" + path + "' is not an ICC profile, or cannot be read");

@@ -182,6 +182,9 @@ TEST_F(MakeSeparation, FolderThatCannotBeMade_IsExplained) {
 }
 
 TEST_F(MakeSeparation, BadRequests_AreOneLineAndTheirOwnStatus) {
+    const TempFolder folder;
+    const std::string fifo = (folder.Path() / "fifo").string();
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     const std::string coated = kCoatedPaper;
     const std::string rgb = "/usr/share/color/icc/ghostscript/default_rgb.icc";
     const struct {
@@ -202,6 +205,8 @@ TEST_F(MakeSeparation, BadRequests_AreOneLineAndTheirOwnStatus) {
         {"--to " + coated + " --grid 1 P", 2, "--grid"},
         {"--to " + coated + " --grid 256 P", 2, "--grid"},
         {"--to /nonexistent P", 1, "/nonexistent"},
+        {"--to " + fifo + " P", 1, "fifo"},
+        {"--to " + folder.Path().string() + " P", 1, "not an ICC profile"},
         {"--to /etc/passwd P", 1, "/etc/passwd"},
         {"--to " + rgb + " P", 1, "not a profile of a CMYK press"},
         {"--from " + coated + " --to " + coated + " P", 1, "not an RGB profile"},
