@@ -261,6 +261,6 @@ void Person::TakePicture(const std::string &name) const {
     const char *folder = std::getenv("ZEL_PICTURES");
     if (folder == nullptr) return;
     Run({"mkdir", "-p", folder});
-    Run({"import", "-window", "root", "-crop", "900x760+190+132", "+repage",
+    Run({"import", "-window", "root", "-trim", "+repage",
          std::string(folder) + "/" + name + ".png"});
 }
