@@ -4,6 +4,7 @@
 #include "host/JobTitle.h"
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <map>
 
@@ -99,6 +100,9 @@ int RunCommandLine(int argc, char **argv,
     }
     try {
         CheckArguments(argc, argv);
+        // A command answers in its terminal: without a display the driver's messages are lines
+        // there, and no alert waits for a click.
+        if (!options.pageSetup && !options.printDialog) (void)unsetenv("DISPLAY");
         return static_cast<int>(action());
     } catch (const HostError &error) {
         (void)fprintf(stderr, "zelprint: %s\n", error.what());

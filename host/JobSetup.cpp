@@ -18,7 +18,7 @@ constexpr int kLongestSide = 1000000; // pixels
 
 std::string AbsolutePath(const std::string &path) {
     char *real = realpath(path.c_str(), nullptr);
-    const std::string result = real ? real : path;
+    std::string result = real ? real : path;
     free(real);
     return result;
 }
@@ -142,7 +142,16 @@ void JobSetup::RunDialogs() {
     if ((mOptions.pageSetup || mOptions.printDialog) && !getenv("DISPLAY"))
         throw HostError(ExitStatus::Usage,
                         "there is no window system for a dialog; choose with options instead");
-    if (mOptions.pageSetup) run(mBundle.Functions().ZELPrStyle, "ZELPrStyle");
+    if (mOptions.pageSetup) {
+        const std::string before = UsersPPD(mBundle);
+        run(mBundle.Functions().ZELPrStyle, "ZELPrStyle");
+        const std::string after = UsersPPD(mBundle);
+        if (after != before) {
+            // The user has chosen another printer in the dialog; the driver uses it by now.
+            mPPD.clear();
+            mPrinter = ReadPrinterModel(mBundle, after);
+        }
+    }
     if (!mOptions.printDialog) return;
     mPlan.title = mOptions.title ? CleanTitle(*mOptions.title) : TitleOfFile(mFiles[0].Path());
     (void)ZEL_CALL(mBundle, ZELPrSetJobName)(mSession.Context(), nullptr,

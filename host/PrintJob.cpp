@@ -173,7 +173,11 @@ JobResult PrintJob(const JobSetup &setup, int bandHeight, bool quiet) {
         return result;
     }
     CheckFiles(plan, staging);
-    result.files = staging.Publish(plan.name);
+    // A name that is not made from the title was chosen in the print dialog's save panel, which has
+    // asked whether it may replace a file.
+    const std::string staged = staging.Files()[0];
+    const bool chosen = staged != plan.title + (plan.eps ? ".eps" : ".ps");
+    result.files = staging.Publish(plan.name.empty() && chosen ? staged : plan.name);
     if (plan.queue)
         throw HostError(ExitStatus::Queue, "the print queue did not take the document; it is kept "
                                            "as " +

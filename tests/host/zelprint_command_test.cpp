@@ -243,6 +243,14 @@ TEST_F(Command, DialogsWithoutAWindowSystem_AreRefused) {
         ExpectRefused(mPlace.Run({dialog, "--colour-space", "rgb", Source()}), 2, "window system");
 }
 
+TEST_F(Command, WithADisplay_OpensNoWindow) {
+    // Nobody listens there; a connection would end the command or wait for ever.
+    const RunResult run = mPlace.Run(
+        {"--hot-folder", mPlace.Hot(), "--colour-space", "gray", Source()}, {"DISPLAY=:987"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.err.find("No PPD file has been selected - using defaults\n"), std::string::npos);
+}
+
 TEST_F(Command, NoHotFolder_SaysSo) {
     ExpectRefused(mPlace.Run({"--colour-space", "rgb", Source()}), 2, "--hot-folder");
 }
