@@ -3,12 +3,8 @@
 #include "host/ExitStatus.h"
 #include <cstdlib>
 #include <future>
-#include <platform/Platform.h>
 
 namespace {
-
-/// Several bands of a large page, which libvips allocates anew for every band.
-constexpr int kKeptBytes = 32 << 20;
 
 void DropMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
 
@@ -32,7 +28,6 @@ std::shared_future<void> &Starting() {
 
 void StartVips(bool withModules) {
     if (Starting().valid()) return;
-    PlatformKeepFreedMemory(kKeptBytes);
     Starting() = std::async(std::launch::async, Initialise, withModules).share();
 }
 

@@ -32,9 +32,4 @@ int PlatformRunTask(const char *program, const char *const *arguments, int count
 /// The user's Application Support folder; it need not exist. Empty when it cannot be told.
 std::string PlatformApplicationSupportFolder();
 
-/// Asks the C library to keep freed memory for the next block instead of giving it back to the
-/// system: for a program that gets and frees blocks of megabytes all the time. To be called before
-/// threads start. A hint; never fails.
-void PlatformKeepFreedMemory();
-
 #pragma GCC visibility pop

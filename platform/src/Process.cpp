@@ -53,6 +53,8 @@ void PlatformDisableFileCache(int fd) {
 
 void PlatformKeepFreedMemory(int bytes) {
 #ifdef __GLIBC__
+    // One arena: those of other threads give their memory back whatever they are told.
+    (void)mallopt(M_ARENA_MAX, 1);
     // Blocks of their own mapping would go back one by one.
     (void)mallopt(M_MMAP_THRESHOLD, bytes);
     (void)mallopt(M_TRIM_THRESHOLD, bytes);
