@@ -8,11 +8,20 @@
 #import <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
 
-/// Makes every window that becomes key take part in WM_DELETE_WINDOW. A window that is not closable
-/// (every NSAlert) does not by itself, and a click on the close button that the window manager
-/// draws then kills the whole process. Taking part, AppKit answers with performClose:, which beeps.
-@interface ZELDialogWindowGuard : NSObject
+/// Looks after every window that becomes key.
+///
+/// It takes part in WM_DELETE_WINDOW: a window that is not closable (every NSAlert) does not by
+/// itself, and a click on the close button that the window manager draws then kills the whole
+/// process. Taking part, AppKit answers with performClose:, which beeps.
+///
+/// And it gets the keyboard: a window manager may leave a dialog without it that comes up just as
+/// an alert goes.
+@interface ZELDialogWindowGuard : NSObject {
+    int _focusTries;
+}
 - (void)windowDidBecomeKey:(NSNotification *)notification;
+- (void)checkKeyboardLater:(NSNumber *)number;
+- (void)checkKeyboard:(NSNumber *)number;
 @end
 
 /// Keeps a starting application from opening the host's command-line arguments as documents.
@@ -28,17 +37,23 @@
 }
 @end
 
-@implementation ZELDialogWindowGuard
-- (void)windowDidBecomeKey:(NSNotification *)notification {
-    NSWindow *window = [notification object];
+/// A window as the window server knows it.
+struct ServerWindow {
+    Display *display;
+    Window handle;
+};
+
+static ServerWindow ServerWindowOf(NSWindow *window) {
     GSDisplayServer *server = GSServerForWindow(window);
-    Display *display = static_cast<Display *>([server serverDevice]);
-    const Window handle = (Window)(uintptr_t)[server windowDevice:[window windowNumber]];
-    if (display == nullptr || handle == 0) return;
-    const Atom wanted = XInternAtom(display, "WM_DELETE_WINDOW", False);
+    return {static_cast<Display *>([server serverDevice]),
+            (Window)(uintptr_t)[server windowDevice:[window windowNumber]]};
+}
+
+static void TakePartInDeleteWindow(const ServerWindow &window) {
+    const Atom wanted = XInternAtom(window.display, "WM_DELETE_WINDOW", False);
     Atom *present = nullptr;
     int count = 0;
-    if (XGetWMProtocols(display, handle, &present, &count) == 0) count = 0;
+    if (XGetWMProtocols(window.display, window.handle, &present, &count) == 0) count = 0;
     Atom all[16];
     bool found = false;
     if (count > 15) count = 15;
@@ -49,7 +64,57 @@
     if (present != nullptr) XFree(present);
     if (found) return;
     all[count] = wanted;
-    XSetWMProtocols(display, handle, all, count + 1);
+    XSetWMProtocols(window.display, window.handle, all, count + 1);
+}
+
+static bool HasKeyboard(const ServerWindow &window) {
+    Window focus = None;
+    int revertTo = 0;
+    XGetInputFocus(window.display, &focus, &revertTo);
+    return focus == window.handle;
+}
+
+/// Asks the window manager (Extended Window Manager Hints, _NET_ACTIVE_WINDOW).
+static void AskForKeyboard(const ServerWindow &window) {
+    constexpr long kByTheUser = 2;
+    XEvent event = {};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window.handle;
+    event.xclient.message_type = XInternAtom(window.display, "_NET_ACTIVE_WINDOW", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = kByTheUser;
+    event.xclient.data.l[1] = CurrentTime;
+    XSendEvent(window.display, DefaultRootWindow(window.display), False,
+               SubstructureRedirectMask | SubstructureNotifyMask, &event);
+    XFlush(window.display);
+}
+
+@implementation ZELDialogWindowGuard
+- (void)windowDidBecomeKey:(NSNotification *)notification {
+    NSWindow *window = [notification object];
+    const ServerWindow server = ServerWindowOf(window);
+    if (server.display == nullptr || server.handle == 0) return;
+    TakePartInDeleteWindow(server);
+    [NSObject cancelPreviousPerformRequestsWithTarget:self];
+    _focusTries = 20;
+    [self checkKeyboardLater:[NSNumber numberWithInteger:[window windowNumber]]];
+}
+
+/// By number, so that a window that goes meanwhile is not kept.
+- (void)checkKeyboardLater:(NSNumber *)number {
+    [self performSelector:@selector(checkKeyboard:)
+               withObject:number
+               afterDelay:0.1
+                  inModes:[NSArray arrayWithObject:NSModalPanelRunLoopMode]];
+}
+
+- (void)checkKeyboard:(NSNumber *)number {
+    NSWindow *window = [NSApp windowWithWindowNumber:[number integerValue]];
+    if (![window isVisible] || [NSApp modalWindow] != window || --_focusTries < 0) return;
+    const ServerWindow server = ServerWindowOf(window);
+    if (server.display == nullptr || server.handle == 0 || HasKeyboard(server)) return;
+    AskForKeyboard(server);
+    [self checkKeyboardLater:number];
 }
 @end
 
