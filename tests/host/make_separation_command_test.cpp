@@ -1,4 +1,6 @@
 // zelprint make-separation and zelprint separations, run as a user runs them.
+#include "tests/host/RunShell.h"
+
 #include "host/ExitStatus.h"
 #include "host/MakeSeparation.h"
 #include "platform/Platform.h"
@@ -11,7 +13,6 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 namespace {
 
@@ -19,23 +20,8 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 using testing::HasSubstr;
 
-struct Outcome {
-    int status = -1;
-    std::string output; ///< both streams
-};
-
 Outcome Zelprint(const std::string &arguments) {
-    const std::string command =
-        "ZEL_BUNDLE='" ZEL_TEST_BUNDLE "' '" ZEL_TEST_ZELPRINT "' " + arguments + " 2>&1";
-    Outcome outcome;
-    FILE *pipe = popen(command.c_str(), "r");
-    if (!pipe) return outcome;
-    char part[4096];
-    for (size_t got = 0; (got = fread(part, 1, sizeof part, pipe)) > 0;)
-        outcome.output.append(part, got);
-    const int ended = pclose(pipe);
-    outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
-    return outcome;
+    return RunShell("ZEL_BUNDLE='" ZEL_TEST_BUNDLE "' '" ZEL_TEST_ZELPRINT "' " + arguments);
 }
 
 Outcome Make(const std::string &arguments) {

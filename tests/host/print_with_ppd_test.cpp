@@ -1,8 +1,7 @@
 // zelprint --ppd with real vendors' files: what stands in the document, and whether Ghostscript
 // runs it. The vendors' code is taken from the files by the tests' own reader.
+#include "tests/host/RunShell.h"
 #include "tests/ppd/ReferenceReader.h"
-
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <cmath>
@@ -53,23 +52,6 @@ const Printer kPrinters[] = {
 
 void PrintTo(const Printer &printer, std::ostream *stream) {
     *stream << printer.label;
-}
-
-struct Outcome {
-    int status = -1;
-    std::string output; ///< both streams
-};
-
-Outcome RunShell(const std::string &command) {
-    Outcome outcome;
-    FILE *pipe = popen((command + " 2>&1").c_str(), "r");
-    if (!pipe) return outcome;
-    char part[4096];
-    for (size_t got = 0; (got = fread(part, 1, sizeof part, pipe)) > 0;)
-        outcome.output.append(part, got);
-    const int ended = pclose(pipe);
-    outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
-    return outcome;
 }
 
 std::string ReadFile(const fs::path &path) {

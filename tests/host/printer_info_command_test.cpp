@@ -1,7 +1,6 @@
 // zelprint printer-info, run as a user runs it.
+#include "tests/host/RunShell.h"
 #include "tests/ppd/PPDFile.h"
-
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <gtest/gtest.h>
@@ -26,24 +25,9 @@ constexpr const char *kCustom = "*CustomPageSize True: \"custom code\"\n"
                                 "*ParamCustomPageSize Width: 1 points 72 1008\n"
                                 "*ParamCustomPageSize Height: 2 points 90.5 1300\n";
 
-struct Outcome {
-    int status = -1;
-    std::string output; ///< both streams
-};
-
 Outcome RunPrinterInfo(const std::string &arguments) {
-    const std::string command = "ZEL_BUNDLE='" ZEL_TEST_BUNDLE "' '" ZEL_TEST_ZELPRINT
-                                "' printer-info " +
-                                arguments + " 2>&1";
-    Outcome outcome;
-    FILE *pipe = popen(command.c_str(), "r");
-    if (!pipe) return outcome;
-    char part[4096];
-    for (size_t got = 0; (got = fread(part, 1, sizeof part, pipe)) > 0;)
-        outcome.output.append(part, got);
-    const int ended = pclose(pipe);
-    outcome.status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
-    return outcome;
+    return RunShell("ZEL_BUNDLE='" ZEL_TEST_BUNDLE "' '" ZEL_TEST_ZELPRINT "' printer-info " +
+                    arguments);
 }
 
 } // namespace
