@@ -1,8 +1,11 @@
 #include "dialogs/Alerts.h"
-#import "dialogs/DialogSupport.h"
 
+#include "dialogs/AlertWindow.h"
+
+#import <Foundation/Foundation.h>
 #include <cstdio>
 #include <dispatch/dispatch.h>
+#include <platform/Platform.h>
 
 namespace {
 
@@ -16,30 +19,15 @@ NSString *OneLine(NSString *message, NSString *informative) {
     return [lines componentsJoinedByString:@" "];
 }
 
-void RunAlert(NSString *message, NSString *informative) {
-    @try {
-        NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-        [alert setMessageText:message];
-        // nil would show "No information".
-        [alert setInformativeText:informative != nil ? informative : @""];
-        [alert setShowsHelp:NO];
-        [alert runModal];
-    } @catch (NSException *e) {
-        NSLog(@"An alert could not be shown: %@", [e reason]);
-    }
-}
-
 void AlertOnMainThread(void *message) { MessageAlert(static_cast<CFStringRef>(message), nullptr); }
 
 } // namespace
 
 void MessageAlert(CFStringRef message, CFStringRef informative) {
     @autoreleasepool {
-        NSString *text = (NSString *)message, *more = (NSString *)informative;
-        if (HaveWindowServer() && EnsureApplication())
-            RunAlert(text, more);
-        else
-            fprintf(stderr, "%s\n", [OneLine(text, more) UTF8String]);
+        if (PlatformHasWindowServer() && RunAlertWindow(message, informative)) return;
+        NSString *line = OneLine((NSString *)message, (NSString *)informative);
+        fprintf(stderr, "%s\n", [line UTF8String]);
     }
 }
 
@@ -50,7 +38,7 @@ void DisplayError(const char *message) {
     if (text == nullptr) text = static_cast<CFStringRef>(CFRetain(CFSTR("An Error Occurred")));
     // Without a window system nothing has to run on the main thread, which may have no run loop
     // that would ever get to it.
-    if ([NSThread isMainThread] || !HaveWindowServer())
+    if ([NSThread isMainThread] || !PlatformHasWindowServer())
         MessageAlert(text, nullptr);
     else
         dispatch_sync_f(dispatch_get_main_queue(),

@@ -3,9 +3,11 @@
 #import "dialogs/DialogSupport.h"
 #import "dialogs/Toolkit.h"
 
+#include <platform/Platform.h>
+
 void SoundBeep() {
     @autoreleasepool {
         // The sound comes from the window system, which a host without windows has not reached yet.
-        if (HaveWindowServer() && EnsureApplication()) SoundToolkitBeep();
+        if (PlatformHasWindowServer() && EnsureApplication()) SoundToolkitBeep();
     }
 }

@@ -4,9 +4,6 @@
 
 #import <AppKit/AppKit.h>
 
-/// Is there a window system? Any thread; asked once.
-BOOL HaveWindowServer(void);
-
 /// Starts NSApplication on first use; NO without a window system. Main thread only.
 BOOL EnsureApplication(void);
 

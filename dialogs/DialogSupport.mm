@@ -3,9 +3,10 @@
 #import "dialogs/Toolkit.h"
 
 #include <cstdio>
+#include <platform/Platform.h>
 
 BOOL EnsureDialogApplication(const char *dialogName) {
-    if (HaveWindowServer() && EnsureApplication()) return YES;
+    if (PlatformHasWindowServer() && EnsureApplication()) return YES;
     fprintf(stderr, "The %s dialog cannot be shown: there is no window system.\n", dialogName);
     return NO;
 }

@@ -5,6 +5,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+class PageSetup;
 class PostscriptPrinterInfo;
 struct Separations;
 
@@ -14,6 +15,7 @@ struct PSStyleParams {
     double minResolution, maxResolution; ///< dots per inch
     Separations *separations;
     PostscriptPrinterInfo **printerInfo; ///< replaced when the user picks another PPD file
+    PageSetup *setup;                    ///< edits the record by the driver's rules
 };
 
 /// Runs the dialog on `*record`; true when the user confirmed, and only then is it changed.

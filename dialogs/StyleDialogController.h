@@ -1,15 +1,15 @@
 /// The page-setup dialog's window.
 #pragma once
 
-#include "dialogs/PageSetup.h"
+#include "Common/Src/PageSetup.h"
 
 #import <AppKit/AppKit.h>
 
 /// Lives for one call of StyleDialog. Run on the main thread. It edits a copy of the record; the
 /// printer in `params` and the saved PPD file change as soon as the user picks another PPD file.
 @interface PostscriptPrinterStyleDialogController : NSWindowController {
-    PageSetup _setup;
     PSStyleParams *_params;
+    PageSetup *_setup; // the one in `_params`
     NSBundle *_myBundle;
     NSString *_preferencesDomain;
     NSInteger _unitMode;

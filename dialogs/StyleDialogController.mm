@@ -4,8 +4,6 @@
 #import "dialogs/DialogSupport.h"
 #import "dialogs/FieldHelpers.h"
 
-#include "ppd/PostscriptPrinterInfo.h"
-
 enum { kPostscriptTag = 1, kEPSTag = 2 };
 
 static NSString *const kTable = @"PSStyleDialog";
@@ -66,56 +64,61 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 #pragma mark Values
 
+- (void)setParams:(PSStyleParams *)params {
+    _params = params;
+    _setup = params->setup;
+}
+
 - (PSHPrint)printRecord {
-    return _setup.Record();
+    return _setup->Record();
 }
 - (void)setPrintRecord:(PSHPrint)record {
-    _setup.Use(record, _params);
+    _setup->Use(record, _params);
 }
 
 - (NSInteger)colourspace {
-    return _setup.ColourSpace();
+    return _setup->ColourSpace();
 }
 - (void)setColourspace:(NSInteger)colourSpace {
     [self willChangeValueForKey:@"isCMYK"];
-    _setup.SetColourSpace((int)colourSpace);
+    _setup->SetColourSpace((int)colourSpace);
     [self didChangeValueForKey:@"isCMYK"];
 }
 - (BOOL)isCMYK {
-    return _setup.ColourSpace() == kZELColourSpaceCMYK;
+    return _setup->ColourSpace() == kZELColourSpaceCMYK;
 }
 
 - (BOOL)rotate90 {
-    return _setup.IsRotated();
+    return _setup->IsRotated();
 }
 - (void)setRotate90:(BOOL)flag {
-    _setup.SetRotated(flag);
+    _setup->SetRotated(flag);
     // The page lies the other way on the paper now: its size and limits turn with it.
     [self syncWithPPD];
 }
 
 - (BOOL)flipHorizontal {
-    return _setup.IsFlippedHorizontally();
+    return _setup->IsFlippedHorizontally();
 }
 - (void)setFlipHorizontal:(BOOL)flag {
-    _setup.SetFlippedHorizontally(flag);
+    _setup->SetFlippedHorizontally(flag);
 }
 - (BOOL)flipVertical {
-    return _setup.IsFlippedVertically();
+    return _setup->IsFlippedVertically();
 }
 - (void)setFlipVertical:(BOOL)flag {
-    _setup.SetFlippedVertically(flag);
+    _setup->SetFlippedVertically(flag);
 }
 
 - (BOOL)canUseCustomPageSizes {
-    return _setup.CanUseCustomPageSizes();
+    return _setup->CanUseCustomPageSizes();
 }
 
 - (void)getCustomDimensionMinWidth:(double *)minWidth
                          minHeight:(double *)minHeight
                           maxWidth:(double *)maxWidth
                          maxHeight:(double *)maxHeight {
-    const CustomDimensions limits = _setup.CustomLimits();
+    const CustomDimensions limits = _setup->CustomLimits();
     *minWidth = limits.width.low;
     *maxWidth = limits.width.high;
     *minHeight = limits.height.low;
@@ -147,11 +150,11 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     [_versionText setStringValue:version != nil ? version : @""];
     [_unitsMenu selectItemWithTag:_unitMode];
     [self buildCMYKMenu];
-    [self selectCMYKByName:(NSString *)_setup.SeparationName().Get()];
+    [self selectCMYKByName:(NSString *)_setup->SeparationName().Get()];
     [self showResolution];
     [self handlePPDChange];
-    [_formatMenu selectItemWithTag:_setup.IsEPS() ? kEPSTag : kPostscriptTag];
-    [_documentSizeButton setEnabled:_setup.HasDocumentSize()];
+    [_formatMenu selectItemWithTag:_setup->IsEPS() ? kEPSTag : kPostscriptTag];
+    [_documentSizeButton setEnabled:_setup->HasDocumentSize()];
     [self chooseFirstField];
 }
 
@@ -162,10 +165,10 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 }
 
 - (void)checkSeparation {
-    const CFRef<CFStringRef> name = _setup.SeparationName();
-    if (_setup.IsGoodSeparation(name.Get())) return;
+    const CFRef<CFStringRef> name = _setup->SeparationName();
+    if (_setup->IsGoodSeparation(name.Get())) return;
     if (![self isCMYK]) {
-        _setup.SetSeparationName(CFSTR(""));
+        _setup->SetSeparationName(CFSTR(""));
         return;
     }
     // Once the modal loop runs; before, there is nothing to cancel. In its mode only: with more
@@ -191,7 +194,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
                      returnCode:(NSInteger)code
                     contextInfo:(void *)contextInfo {
     if (code == NSAlertSecondButtonReturn)
-        _setup.SetSeparationName(CFSTR(""));
+        _setup->SetSeparationName(CFSTR(""));
     else
         [self doCancel:nil];
 }
@@ -199,20 +202,20 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 #pragma mark CMYK separations
 
 - (void)buildCMYKMenu {
-    for (int i = 1; i < _setup.SeparationCount(); ++i)
-        InsertPopUpItem(_cmykMenu, (NSString *)_setup.SeparationNameAt(i), i,
+    for (int i = 1; i < _setup->SeparationCount(); ++i)
+        InsertPopUpItem(_cmykMenu, (NSString *)_setup->SeparationNameAt(i), i,
                         [_cmykMenu numberOfItems]);
     FitPopUp(_cmykMenu);
 }
 
 - (void)selectCMYKByName:(NSString *)name {
-    [_cmykMenu selectItemWithTag:_setup.SeparationIndex((CFStringRef)name)];
+    [_cmykMenu selectItemWithTag:_setup->SeparationIndex((CFStringRef)name)];
 }
 
 - (IBAction)doSetCMYKName:(id)sender {
     const NSInteger tag = [[_cmykMenu selectedItem] tag];
-    if (tag < 0 || tag >= _setup.SeparationCount()) return;
-    _setup.SetSeparationName(_setup.SeparationNameAt((int)tag));
+    if (tag < 0 || tag >= _setup->SeparationCount()) return;
+    _setup->SetSeparationName(_setup->SeparationNameAt((int)tag));
 }
 
 - (IBAction)doSetColourspace:(id)sender {
@@ -222,7 +225,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 #pragma mark Printer description
 
 - (void)handlePPDChange {
-    NSString *name = TextFromPPD(_setup.Printer().GetName());
+    NSString *name = TextFromPPD(_setup->PrinterName());
     ShowLongText(_ppdTitleText, [name length] != 0 ? name : [self localized:@"none"]);
     [self syncWithPPD];
 }
@@ -230,13 +233,13 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 - (void)syncWithPPD {
     [self buildPageMenu];
     [self buildResolutionMenu];
-    const BOOL hasColour = _setup.Printer().HasColour();
+    const BOOL hasColour = _setup->PrinterHasColour();
     if (!hasColour) [self setColourspace:kZELColourSpaceGray];
     [_colourMenu setEnabled:hasColour];
     [_colourMenu selectItemWithTag:[self colourspace]];
     [_pageWidth setEnabled:[self canUseCustomPageSizes]];
     [_pageHeight setEnabled:[self canUseCustomPageSizes]];
-    const int tag = _setup.SyncPage();
+    const int tag = _setup->SyncPage();
     [self selectPageTag:tag];
     [self showSize];
 }
@@ -253,7 +256,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     while ([_pagesMenu numberOfItems] > 0 && [[_pagesMenu itemAtIndex:0] tag] >= 0)
         [_pagesMenu removeItemAtIndex:0];
     std::string error;
-    const std::vector<std::string> titles = _setup.PageTitles(&error);
+    const std::vector<std::string> titles = _setup->PageTitles(&error);
     NSInteger index = 0;
     for (const std::string &title : titles) {
         InsertPopUpItem(_pagesMenu, TextFromPPD(title), index, index);
@@ -277,11 +280,11 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 - (void)buildResolutionMenu {
     [_resolutionMenu removeAllItems];
     std::string error;
-    const std::vector<std::string> titles = _setup.ResolutionTitles(&error);
+    const std::vector<std::string> titles = _setup->ResolutionTitles(&error);
     NSInteger index = 0;
     for (const std::string &title : titles)
         [self addResolution:title tag:index++];
-    [_resolutionMenu selectItemWithTag:_setup.SyncResolution()];
+    [_resolutionMenu selectItemWithTag:_setup->SyncResolution()];
     [_resolutionMenu synchronizeTitleAndSelectedItem];
     FitPopUp(_resolutionMenu);
     ReportPPDError(error);
@@ -292,7 +295,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     BOOL isFolder = NO;
     if (![[NSFileManager defaultManager] fileExistsAtPath:path isDirectory:&isFolder]) return NO;
     if (isFolder) return ![[NSWorkspace sharedWorkspace] isFilePackageAtPath:path];
-    return IsPPDFile([path fileSystemRepresentation]);
+    return _setup->IsPPDFile([path fileSystemRepresentation]);
 }
 
 // GNUstep asks this instead; what is refused is hidden.
@@ -317,7 +320,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     [panel setDelegate:nil]; // the panel is shared and does not retain its delegate
     NSArray *urls = [panel URLs];
     if (code != NSModalResponseOK || [urls count] == 0) return;
-    _setup.LoadPrinter((CFURLRef)[urls objectAtIndex:0], (CFStringRef)_preferencesDomain);
+    _setup->LoadPrinter((CFURLRef)[urls objectAtIndex:0], (CFStringRef)_preferencesDomain);
     [self handlePPDChange];
 }
 
@@ -326,15 +329,15 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 /// Shows the record's size. What was typed is gone then, so it need not be checked any more.
 - (void)showSize {
     const int unit = (int)_unitMode;
-    const std::string width = FormatPoints(_setup.PaperWidth(), unit, _setup.XDpi());
-    const std::string height = FormatPoints(_setup.PaperHeight(), unit, _setup.YDpi());
+    const std::string width = FormatPoints(_setup->PaperWidth(), unit, _setup->XDpi());
+    const std::string height = FormatPoints(_setup->PaperHeight(), unit, _setup->YDpi());
     [_pageWidth setStringValue:[NSString stringWithUTF8String:width.c_str()]];
     [_pageHeight setStringValue:[NSString stringWithUTF8String:height.c_str()]];
     mCheckTypingOnExit = NO;
 }
 
 - (void)showResolution {
-    StuffDouble(_resolution, 0, _setup.XDpi());
+    StuffDouble(_resolution, 0, _setup->XDpi());
 }
 
 - (IBAction)doSetUnits:(id)sender {
@@ -345,23 +348,23 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 - (IBAction)doSetPage:(id)sender {
     const NSInteger tag = [[_pagesMenu selectedItem] tag];
     if (tag == PageSetup::kCustomPageTag)
-        _setup.ChooseCustomPage();
+        _setup->ChooseCustomPage();
     else
-        _setup.ChoosePage((int)tag);
+        _setup->ChoosePage((int)tag);
     [self showSize];
 }
 
 - (IBAction)doSetPrintQuality:(id)sender {
-    _setup.ChooseResolution((int)[[_resolutionMenu selectedItem] tag]);
+    _setup->ChooseResolution((int)[[_resolutionMenu selectedItem] tag]);
 }
 
 - (IBAction)doSetFileFormat:(id)sender {
-    _setup.SetEPS([[_formatMenu selectedItem] tag] != kPostscriptTag);
+    _setup->SetEPS([[_formatMenu selectedItem] tag] != kPostscriptTag);
     [self syncWithPPD]; // custom sizes come and go with EPS
 }
 
 - (void)setSizeFromDocument {
-    _setup.SetSizeFromDocument();
+    _setup->SetSizeFromDocument();
     [self syncWithPPD];
     [self showResolution];
 }
@@ -385,7 +388,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 - (IBAction)doSetSizeFromDocument:(id)sender {
     if (![self canUseCustomPageSizes])
         [self askForDocumentSize:@"noCustomPageSize" informative:@"useStandardSize"];
-    else if (!_setup.IsEPS() && !_setup.DocumentFitsOnCustomPaper())
+    else if (!_setup->IsEPS() && !_setup->DocumentFitsOnCustomPaper())
         [self askForDocumentSize:@"tooLarge" informative:@"makeAsLargeAsPossible"];
     else
         [self setSizeFromDocument];
@@ -402,28 +405,28 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 - (void)handleWidthOrHeightTyping {
     mCheckTypingOnExit = YES;
     int tag = 0;
-    if (_setup.TypeSize(FieldText(_pageWidth), FieldText(_pageHeight), (int)_unitMode, &tag))
+    if (_setup->TypeSize(FieldText(_pageWidth), FieldText(_pageHeight), (int)_unitMode, &tag))
         [self selectPageTag:tag];
 }
 
 - (void)handleResolutionTyping {
-    if (!_setup.TypeResolution(FieldText(_resolution))) return;
+    if (!_setup->TypeResolution(FieldText(_resolution))) return;
     if (_unitMode == kPixels) [self showSize]; // the same paper has another number of pixels now
 }
 
 #pragma mark Ending
 
 - (BOOL)checkTypedSize {
-    const CustomDimensions limits = _setup.CustomLimits();
+    const CustomDimensions limits = _setup->CustomLimits();
     const int unit = (int)_unitMode;
     double width = 0, height = 0;
-    if (!CheckDimensionField(_pageWidth, "Width", unit, &width, _setup.XDpi(), limits.width.high,
+    if (!CheckDimensionField(_pageWidth, "Width", unit, &width, _setup->XDpi(), limits.width.high,
                              limits.width.low))
         return NO;
-    if (!CheckDimensionField(_pageHeight, "Height", unit, &height, _setup.YDpi(),
+    if (!CheckDimensionField(_pageHeight, "Height", unit, &height, _setup->YDpi(),
                              limits.height.high, limits.height.low))
         return NO;
-    _setup.SetPaperSize(width, height);
+    _setup->SetPaperSize(width, height);
     [self showSize];
     [self handleWidthOrHeightTyping];
     return YES;

@@ -1,6 +1,6 @@
 /// The one place where AppKit on GNUstep and on macOS are treated differently.
 ///
-/// Defines HaveWindowServer and EnsureApplication of DialogSupport.h too.
+/// Defines EnsureApplication of DialogSupport.h too.
 #pragma once
 
 #import <AppKit/AppKit.h>

@@ -2,7 +2,6 @@
 
 #import "dialogs/DialogSupport.h"
 
-#include <ApplicationServices/ApplicationServices.h>
 #include <cstdlib>
 
 #import <GNUstepGUI/GSDisplayServer.h>
@@ -181,15 +180,6 @@ BOOL EnsureApplication(void) {
         }
     }
     return works;
-}
-
-BOOL HaveWindowServer(void) {
-    static const BOOL have = [] {
-        CGEventSourceRef source = CGEventSourceCreate(kCGEventSourceStateCombinedSessionState);
-        if (source != nullptr) CFRelease(source);
-        return BOOL(source != nullptr);
-    }();
-    return have;
 }
 
 enum { kHeadingTag = 1 };

@@ -2,8 +2,6 @@
 
 #import "dialogs/DialogSupport.h"
 
-BOOL HaveWindowServer(void) { return YES; }
-
 BOOL EnsureApplication(void) {
     [NSApplication sharedApplication];
     return YES;

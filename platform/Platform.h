@@ -29,6 +29,9 @@ void PlatformKeepFreedMemory(int bytes);
 /// Returns its exit status, or 1 when it could not be started or was ended by a signal.
 int PlatformRunTask(const char *program, const char *const *arguments, int count);
 
+/// Is there a window system? Asked once.
+bool PlatformHasWindowServer();
+
 /// The user's Application Support folder; it need not exist. Empty when it cannot be told.
 std::string PlatformApplicationSupportFolder();
 

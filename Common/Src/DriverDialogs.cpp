@@ -1,6 +1,7 @@
 #include "Common/Src/DriverDialogs.h"
 
 #include "Common/Src/DriverContext.h"
+#include "Common/Src/PageSetup.h"
 #include "Common/Src/PrintRecord.h"
 #include "Common/Src/Settings.h"
 #include "ZELPrint.h"
@@ -53,9 +54,10 @@ bool BeginDialog(DriverContext *context, Handle record) {
 bool DoStyle(DriverContext *context, Handle record) {
     PSHPrint copy = CopyRecord(record);
     const PageInfo_tag &page = context->pageInfo;
-    PSStyleParams params = {page.widthMM,         page.heightMM,        page.widthPixels,
-                            page.heightPixels,    kMinimumDpi,          kMaximumDpi,
-                            context->separations, &context->printerInfo};
+    PageSetup setup;
+    PSStyleParams params = {page.widthMM,         page.heightMM,         page.widthPixels,
+                            page.heightPixels,    kMinimumDpi,           kMaximumDpi,
+                            context->separations, &context->printerInfo, &setup};
     if (!StyleDialog(context->bundle.Get(), context->bundleIdentifier.Get(), &params, &copy))
         return false;
     const RecordLock lock(record);

@@ -18,6 +18,13 @@ CFBundleRef CFBundleCreate(CFAllocatorRef, CFURLRef bundleURL) {
     return (CFBundleRef)Create([&] { return [NSBundle bundleWithPath:[Url(bundleURL) path]]; });
 }
 
+CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef bundleID) {
+    @autoreleasepool {
+        return String(bundleID) ? (CFBundleRef)[NSBundle bundleWithIdentifier:String(bundleID)]
+                                : nullptr;
+    }
+}
+
 CFStringRef CFBundleGetIdentifier(CFBundleRef bundle) {
     @autoreleasepool {
         return (CFStringRef)[Bundle(bundle) bundleIdentifier];
@@ -28,6 +35,13 @@ CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef k
     @autoreleasepool {
         return key ? [[Bundle(bundle) infoDictionary] objectForKey:String(key)] : nil;
     }
+}
+
+CFURLRef CFBundleCopyBuiltInPlugInsURL(CFBundleRef bundle) {
+    return (CFURLRef)Create([&]() -> NSURL * {
+        NSString *path = [Bundle(bundle) builtInPlugInsPath];
+        return path ? [NSURL fileURLWithPath:path isDirectory:YES] : nil;
+    });
 }
 
 void *CFBundleGetFunctionPointerForName(CFBundleRef bundle, CFStringRef functionName) {

@@ -34,6 +34,18 @@ CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const
     return url;
 }
 
+CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef, CFURLRef url,
+                                               CFStringRef pathComponent, Boolean isDirectory) {
+    if (!Url(url) || !String(pathComponent)) return nullptr;
+    return (CFURLRef)Create([&] {
+        NSString *folder = [Url(url) path];
+        NSString *separator = [folder hasSuffix:@"/"] ? @"" : @"/";
+        NSString *path =
+            [NSString stringWithFormat:@"%@%@%@", folder, separator, String(pathComponent)];
+        return [NSURL fileURLWithPath:path isDirectory:isDirectory != 0];
+    });
+}
+
 CFStringRef CFURLCopyFileSystemPath(CFURLRef anURL, CFURLPathStyle) {
     return (CFStringRef)CreateCopy([&] { return [Url(anURL) path]; });
 }

@@ -39,6 +39,7 @@ class StyleFlow : public testing::Test {
     DialogScript mScript;
     std::string mFolder;
     PSHPrint mRecord = {};
+    PageSetup mSetup;
     PSStyleParams mParams = {};
     PostscriptPrinterInfo *mPrinter = nullptr;
 };

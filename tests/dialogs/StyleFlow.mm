@@ -29,7 +29,7 @@ void StyleFlow::SetUp() {
     mRecord.copies_be = Int16ToBigEndian(1);
     mRecord.fromPage_be = Int16ToBigEndian(1);
     mRecord.toPage_be = Int16ToBigEndian(999);
-    mParams = {210, 297, 2480, 3508, 10, 10000, ScanSeparationsFolder(), &mPrinter};
+    mParams = {210, 297, 2480, 3508, 10, 10000, ScanSeparationsFolder(), &mPrinter, &mSetup};
     UsePrinter({});
 }
 

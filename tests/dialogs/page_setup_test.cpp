@@ -1,5 +1,5 @@
 // The rules of the page-setup dialog, without a window.
-#include "dialogs/PageSetup.h"
+#include "Common/Src/PageSetup.h"
 
 #include "Common/Src/PrintRecord.h"
 #include "colour/Separations.h"
@@ -39,7 +39,7 @@ protected:
         delete mPrinter;
         mPrinter = new PostscriptPrinterInfo(url);
         CFRelease(url);
-        mParams = {210, 297, 2480, 3508, 10, 10000, mSeparations, &mPrinter};
+        mParams = {210, 297, 2480, 3508, 10, 10000, mSeparations, &mPrinter, &mSetup};
         mSetup.Use(mRecord, &mParams);
     }
     std::string PageName() const { return RecordName(mSetup.Record().mPageName); }
@@ -412,8 +412,8 @@ TEST_F(PageSetupRules, LoadPrinter_PPD_ReplacesThePrinterAndSavesItsPlace) {
     CFURLRef url = FolderURL(path);
     mSetup.LoadPrinter(url, TestBundleIdentifier());
     CFRelease(url);
-    EXPECT_EQ(mSetup.Printer().GetName(), "Other.ppd");
     EXPECT_EQ(mPrinter->GetName(), "Other.ppd");
+    EXPECT_EQ(mSetup.PrinterName(), "Other.ppd");
     CFPropertyListRef saved =
         CFPreferencesCopyAppValue(CFSTR("PPDBookmark"), TestBundleIdentifier());
     ASSERT_NE(saved, nullptr);
@@ -433,23 +433,23 @@ TEST_F(PageSetupRules, LoadPrinter_FileThatDisappeared_TellsAndUsesTheBuiltIn) {
     const std::string messages = testing::internal::GetCapturedStderr();
     CFRelease(url);
     EXPECT_NE(messages.find("Using default settings instead"), std::string::npos) << messages;
-    EXPECT_EQ(mSetup.Printer().GetName(), "");
-    EXPECT_EQ(mSetup.Printer().Pages().NumPages(), 1);
+    EXPECT_EQ(mPrinter->GetName(), "");
+    EXPECT_EQ(mPrinter->Pages().NumPages(), 1);
 }
 
 TEST_F(PageSetupRules, IsPPDFile_OnlyRegularFilesThatTheReaderAccepts) {
-    EXPECT_TRUE(IsPPDFile(WriteFile(mFolder, "good.txt", PPDText())));
-    EXPECT_FALSE(IsPPDFile(WriteFile(mFolder, "bad.ppd", "%!PS-Adobe\n")));
-    EXPECT_FALSE(IsPPDFile(WriteFile(mFolder, "empty.ppd", "")));
-    EXPECT_FALSE(IsPPDFile(mFolder));
-    EXPECT_FALSE(IsPPDFile(mFolder + "/nothing"));
-    EXPECT_FALSE(IsPPDFile(""));
+    EXPECT_TRUE(mSetup.IsPPDFile(WriteFile(mFolder, "good.txt", PPDText())));
+    EXPECT_FALSE(mSetup.IsPPDFile(WriteFile(mFolder, "bad.ppd", "%!PS-Adobe\n")));
+    EXPECT_FALSE(mSetup.IsPPDFile(WriteFile(mFolder, "empty.ppd", "")));
+    EXPECT_FALSE(mSetup.IsPPDFile(mFolder));
+    EXPECT_FALSE(mSetup.IsPPDFile(mFolder + "/nothing"));
+    EXPECT_FALSE(mSetup.IsPPDFile(""));
     const std::string fifo = mFolder + "/fifo";
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-    EXPECT_FALSE(IsPPDFile(fifo)); // and does not wait for a writer
+    EXPECT_FALSE(mSetup.IsPPDFile(fifo)); // and does not wait for a writer
     const std::string link = mFolder + "/link";
     ASSERT_EQ(symlink((mFolder + "/good.txt").c_str(), link.c_str()), 0);
-    EXPECT_TRUE(IsPPDFile(link));
+    EXPECT_TRUE(mSetup.IsPPDFile(link));
 }
 
 } // namespace

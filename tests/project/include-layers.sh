@@ -7,7 +7,7 @@ set -eu
 level() {
     case $1 in
         host/*) echo 90 ;;
-        dialogs/Alerts.* | dialogs/DialogSupport.* | dialogs/Toolkit* | dialogs/Units.*) echo 15 ;;
+        dialogs/Alert* | dialogs/DialogSupport.* | dialogs/Toolkit* | dialogs/Units.*) echo 15 ;;
         dialogs/*) echo 80 ;; # dialogs and driver core call each other
         Common/Src/PageOutput*) echo 70 ;;
         Common/Src/BandScaler* | Common/Src/OutputFiles* | Common/Src/PostscriptWriter* | Common/Src/PrintQueue* | \

@@ -20,6 +20,11 @@ CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef alloca
                                                            const UInt8 *buffer, CFIndex bufLen,
                                                            Boolean isDirectory);
 
+/// The item of that name in the folder `url`.
+CF_EXPORT CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
+                                                         CFStringRef pathComponent,
+                                                         Boolean isDirectory);
+
 CF_EXPORT CFStringRef CFURLCopyFileSystemPath(CFURLRef anURL, CFURLPathStyle pathStyle);
 /// The path with its terminator; false when it does not fit.
 CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase,

@@ -1,4 +1,4 @@
-#include "dialogs/PageSetup.h"
+#include "Common/Src/PageSetup.h"
 
 #include "Common/Src/DocumentOpening.h"
 #include "Common/Src/PageFitting.h"
@@ -75,6 +75,13 @@ std::vector<std::string> TitlesOrError(const std::function<std::vector<std::stri
 void PageSetup::Use(const PSHPrint &record, PSStyleParams *params) {
     mRecord = record;
     mParams = params;
+}
+
+const std::string &PageSetup::PrinterName() const {
+    return Printer().GetName();
+}
+bool PageSetup::PrinterHasColour() const {
+    return Printer().HasColour();
 }
 
 double PageSetup::PaperWidth() const {
@@ -327,7 +334,7 @@ void PageSetup::LoadPrinter(CFURLRef ppd, CFStringRef preferencesDomain) {
     SavePPDFileLocation(preferencesDomain, bookmark.Get());
 }
 
-bool IsPPDFile(const std::string &path) {
+bool PageSetup::IsPPDFile(const std::string &path) const {
     // The panel asks about everything in a folder: nothing but a regular file may be opened.
     struct stat status;
     if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
