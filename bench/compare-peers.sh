@@ -39,8 +39,9 @@ declare -a names commands
 add() { names+=("$1"); commands+=("$2"); }
 add "zelprint, RGB"                        'zel --colour-space rgb'
 add "tiff2ps -2"                           'tiff2ps -2 -O hot/a.ps page.tif'
-add "pnmtops (from PPM)"                   'pnmtops -dpi 600 -noturn page.ppm > hot/a.ps'
-add "tifftopnm | pnmtops"                  'tifftopnm -quiet page.tif | pnmtops -quiet -dpi 600 -noturn > hot/a.ps'
+add "pnmtops, ASCII85 (from PPM)"          'pnmtops -dpi 600 -noturn -psfilter -level 2 -ascii85 page.ppm > hot/a.ps'
+add "pnmtops, hexadecimal (from PPM)"      'pnmtops -dpi 600 -noturn page.ppm > hot/a.ps'
+add "tifftopnm | pnmtops, ASCII85"         'tifftopnm -quiet page.tif | pnmtops -quiet -dpi 600 -noturn -psfilter -level 2 -ascii85 > hot/a.ps'
 add "GraphicsMagick, ps2"                  'gm convert page.tif ps2:hot/a.ps'
 add "pdftops -level2 (from PDF)"           'pdftops -q -level2 page.pdf hot/a.ps'
 add "Ghostscript ps2write (from PDF)"      'gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=ps2write -dEncodeColorImages=false -o hot/a.ps page.pdf'

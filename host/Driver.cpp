@@ -1,61 +1,20 @@
 #include "host/Driver.h"
 
 #include "host/ExitStatus.h"
-#include <climits>
+#include "host/ProgramPath.h"
 #include <cstdlib>
-#include <cstring>
 #include <sys/stat.h>
-#include <unistd.h>
-#include <vector>
 
 namespace {
 
 const char kBundleName[] = "ZELPostscript.bundle";
-
-std::string &ProgramPath() {
-    static std::string path;
-    return path;
-}
-
-std::string RealPath(const std::string &path) {
-    char real[PATH_MAX];
-    return realpath(path.c_str(), real) ? real : std::string();
-}
-
-/// Searches $PATH as the shell did.
-std::string SearchPath(const std::string &name) {
-    const char *path = getenv("PATH");
-    std::string rest = path ? path : "";
-    while (!rest.empty()) {
-        const size_t colon = rest.find(':');
-        const std::string folder = rest.substr(0, colon);
-        rest = colon == std::string::npos ? "" : rest.substr(colon + 1);
-        const std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
-        if (access(candidate.c_str(), X_OK) == 0) return RealPath(candidate);
-    }
-    return {};
-}
 
 bool IsFolder(const std::string &path) {
     struct stat info {};
     return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-std::vector<std::string> BundleCandidates() {
-    const std::string &program = ProgramPath();
-    const std::string folder = program.substr(0, program.rfind('/'));
-    std::vector<std::string> candidates;
-    for (const char *place : {"/", "/../", "/../resources/", "/../lib/zel/", "/../lib/"})
-        candidates.push_back(folder + place + kBundleName);
-    return candidates;
-}
-
 } // namespace
-
-void SetProgramPath(const char *argv0) {
-    const std::string name = argv0 ? argv0 : "";
-    ProgramPath() = name.find('/') == std::string::npos ? SearchPath(name) : RealPath(name);
-}
 
 std::string FindBundle(const std::string &option) {
     const char *environment = getenv("ZEL_BUNDLE");
@@ -65,8 +24,8 @@ std::string FindBundle(const std::string &option) {
         throw HostError(ExitStatus::Driver, "there is no driver bundle at " + named +
                                                 "; correct --bundle or $ZEL_BUNDLE");
     }
-    for (const std::string &candidate : BundleCandidates())
-        if (IsFolder(candidate)) return RealPath(candidate);
+    const std::string found = FindBesideProgram(kBundleName);
+    if (!found.empty()) return found;
     throw HostError(ExitStatus::Driver, std::string("cannot find ") + kBundleName +
                                             " beside zelprint; name it with --bundle FOLDER or in "
                                             "$ZEL_BUNDLE");

@@ -42,9 +42,6 @@ struct DriverFunctions {
     Boolean (*ZELPrSetJobSettings)(DriverContext *, Handle, CFDictionaryRef) = nullptr;
 };
 
-/// Remembers how zelprint was started; the bundle is looked for beside it.
-void SetProgramPath(const char *argv0);
-
 /// The path of the driver's bundle: `option` (--bundle) if not empty, else $ZEL_BUNDLE, else
 /// beside the program or where an installation puts it. Throws HostError when there is none.
 [[nodiscard]] std::string FindBundle(const std::string &option);

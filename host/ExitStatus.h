@@ -11,7 +11,7 @@ enum class ExitStatus {
     Input = 1,        ///< a file to print, a PPD file or a profile cannot be read or is refused
     Usage = 2,        ///< the command line asks for something impossible
     Output = 3,       ///< the document could not be written whole, or not put where it belongs
-    Driver = 4,       ///< the driver cannot be loaded, or reports a failure of its own
+    Driver = 4,       ///< a part of the program cannot be loaded, or the driver fails by itself
     Queue = 5,        ///< the print queue did not take the document
     Cancelled = 130,  ///< Ctrl-C, or Cancel in one of the driver's dialogs
     Terminated = 143, ///< ended by a signal that asks politely

@@ -2,8 +2,8 @@
 #ifndef ZEL_HOST_JOBPLAN_H
 #define ZEL_HOST_JOBPLAN_H
 
-#include "host/PageImage.h"
 #include "host/Record.h"
+#include "host/SourceFile.h"
 #include <string>
 #include <vector>
 

@@ -1,5 +1,6 @@
 #include "host/PrintCommand.h"
 
+#include "host/ImageModule.h"
 #include "host/PrintJob.h"
 #include "host/Report.h"
 #include <algorithm>
@@ -19,6 +20,14 @@ void CheckOptions(const JobOptions &options) {
                                            "out -o and --hot-folder");
 }
 
+/// Loading the image module takes as long as opening the driver: both are done at the same time.
+void StartModule(const std::vector<SourceFile> &files) {
+    const auto needsModule = [](const SourceFile &file) { return file.NeedsModule(); };
+    const auto isPDF = [](const SourceFile &file) { return file.Kind() == FileKind::PDF; };
+    if (std::any_of(files.begin(), files.end(), needsModule))
+        StartImageModule(std::any_of(files.begin(), files.end(), isPDF));
+}
+
 void Say(const std::string &text) {
     (void)fputs(text.c_str(), stdout);
     (void)fflush(stdout);
@@ -27,11 +36,8 @@ void Say(const std::string &text) {
 ExitStatus Print(const JobOptions &options) {
     CheckOptions(options);
     const std::vector<SourceFile> files(options.files.begin(), options.files.end());
-    const bool pdf = std::any_of(files.begin(), files.end(), [](const SourceFile &file) {
-        return file.Kind() == FileKind::PDF;
-    });
-    StartVips(pdf); // takes as long as loading the driver
     const DriverBundle bundle(options.bundle);
+    StartModule(files);
     const JobSetup setup(bundle, options, files);
     const JobPlan &plan = setup.Plan();
     if (options.dryRun) {

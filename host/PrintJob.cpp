@@ -62,10 +62,10 @@ private:
 
     void PrintPage(const PageReference &source, int number) {
         const PageImage image =
-            OpenPageImage(*source.file, source.page, mPlan.grid, mPlan.pixels, mPlan.turned);
+            source.file->OpenPage(source.page, mPlan.grid, mPlan.pixels, mPlan.turned);
         Check(mDriver.ZELPrOpenPage(mContext, nullptr, nullptr));
         try {
-            PrintBands(image, source, number);
+            PrintBands(image, number);
         } catch (...) {
             mDriver.ZELPrSetError(mContext, kZELUnexpectedFailure);
             (void)mDriver.ZELPrClosePage(mContext);
@@ -74,9 +74,9 @@ private:
         Check(mDriver.ZELPrClosePage(mContext));
     }
 
-    void PrintBands(const PageImage &image, const PageReference &source, int number) {
+    void PrintBands(const PageImage &image, int number) {
         const Placement &place = image.placement;
-        RowReader reader(image, source, mPlan.pixels, mBandHeight);
+        RowReader reader(*image.rows, mPlan.pixels, mBandHeight);
         int top = 0;
         for (Rows rows = reader.Next(); rows.count > 0; rows = reader.Next()) {
             StopIfCancelled();

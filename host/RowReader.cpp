@@ -1,13 +1,10 @@
 #include "host/RowReader.h"
 
-#include "host/ExitStatus.h"
 #include <algorithm>
 #include <condition_variable>
-#include <cstring>
 #include <exception>
 #include <mutex>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -15,26 +12,18 @@ constexpr int kPieces = 3;
 constexpr int kPieceBytes = 1 << 20;
 /// No band is larger, however many rows are asked for.
 constexpr int kLargestBand = 64 << 20;
-/// Rows read at once: what is packed next is still in the processor's cache.
-constexpr int kStripRows = 32;
 
 /// Rows that are read, or a free buffer for them.
 struct Piece {
-    std::vector<uint8_t> rows;
+    std::unique_ptr<uint8_t[]> rows;
     int count = 0;
 };
-
-struct RegionUnref {
-    void operator()(VipsRegion *region) const { g_object_unref(region); }
-};
-using RegionPtr = std::unique_ptr<VipsRegion, RegionUnref>;
 
 } // namespace
 
 class RowReader::Reader {
 public:
-    Reader(const PageImage &image, const PageReference &source, DocumentPixels format,
-           int bandHeight);
+    Reader(PageRows &source, DocumentPixels format, int bandHeight);
     ~Reader();
     Reader(const Reader &) = delete;
     Reader &operator=(const Reader &) = delete;
@@ -42,16 +31,10 @@ public:
 
 private:
     void Run();
-    [[nodiscard]] bool ReadStraight();
-    [[nodiscard]] bool ReadScaled();
-    [[nodiscard]] bool Take(VipsRegion *region, const VipsRect &area);
-    static int TakeFromSink(VipsRegion *region, VipsRect *area, void *reader);
+    [[nodiscard]] bool Take(const uint8_t *rows, size_t rowBytes, int count);
     [[nodiscard]] bool HandOver();
-    [[nodiscard]] bool Finish();
 
-    VipsImage *mImage;
-    bool mStraight;
-    PageReference mSource;
+    PageRows &mSource;
     DocumentPixels mFormat;
     int mRowBytes, mBandHeight, mPieceHeight;
     Piece mPieces[kPieces];
@@ -67,17 +50,16 @@ private:
     std::thread mThread;
 };
 
-RowReader::Reader::Reader(const PageImage &image, const PageReference &source,
-                          DocumentPixels format, int bandHeight)
-    : mImage(image.pixels.get()), mStraight(image.placement.IsPixelByPixel()), mSource(source),
-      mFormat(format), mRowBytes(vips_image_get_width(mImage) * PixelSize(format)) {
-    const int height = vips_image_get_height(mImage);
+RowReader::Reader::Reader(PageRows &source, DocumentPixels format, int bandHeight)
+    : mSource(source), mFormat(format), mRowBytes(source.Width() * PixelSize(format)) {
+    const int height = source.Height();
     const int most = std::max(1, std::min(height, kLargestBand / mRowBytes));
     const int usual = std::clamp(kPieceBytes / mRowBytes, 1, most);
     mBandHeight = bandHeight > 0 ? std::min(bandHeight, most) : usual;
     mPieceHeight = std::max(1, usual / mBandHeight) * mBandHeight;
     for (Piece &piece : mPieces)
-        piece.rows.resize(static_cast<size_t>(mPieceHeight) * static_cast<size_t>(mRowBytes));
+        piece.rows.reset(
+            new uint8_t[static_cast<size_t>(mPieceHeight) * static_cast<size_t>(mRowBytes)]);
     mThread = std::thread([this] { Run(); });
 }
 
@@ -87,66 +69,33 @@ RowReader::Reader::~Reader() {
         mStopped = true;
     }
     mChanged.notify_all();
-    vips_image_set_kill(mImage, TRUE);
+    mSource.Stop();
     mThread.join();
 }
 
 void RowReader::Reader::Run() {
     std::exception_ptr failure;
-    if (!(mStraight ? ReadStraight() : ReadScaled())) {
-        try {
-            mSource.file->ThrowUnreadable(mSource.page);
-        } catch (...) {
-            failure = std::current_exception();
-        }
+    try {
+        mSource.Read([this](const uint8_t *rows, size_t rowBytes, int count) {
+            return Take(rows, rowBytes, count);
+        });
+        if (mPieces[mFilled % kPieces].count > 0) (void)HandOver();
+    } catch (...) {
+        failure = std::current_exception();
     }
-    vips_thread_shutdown();
     const std::lock_guard lock(mMutex);
     mFailure = failure;
     mDone = true;
     mChanged.notify_all();
 }
 
-bool RowReader::Reader::ReadStraight() {
-    const RegionPtr region(vips_region_new(mImage));
-    const int width = vips_image_get_width(mImage);
-    const int height = vips_image_get_height(mImage);
-    for (int top = 0; top < height; top += kStripRows) {
-        const VipsRect area = {0, top, width, std::min(kStripRows, height - top)};
-        if (vips_region_prepare(region.get(), &area) != 0) {
-            const std::lock_guard lock(mMutex);
-            return mStopped;
-        }
-        if (!Take(region.get(), area)) return true;
-    }
-    return Finish();
-}
-
-/// Hands over what is left at the end of the image.
-bool RowReader::Reader::Finish() {
-    if (mPieces[mFilled % kPieces].count > 0) (void)HandOver();
-    return true;
-}
-
-/// libvips computes the strips with all processors, and gives them in their order.
-bool RowReader::Reader::ReadScaled() {
-    if (vips_sink_disc(mImage, TakeFromSink, this) == 0) return Finish();
-    const std::lock_guard lock(mMutex);
-    return mStopped;
-}
-
-int RowReader::Reader::TakeFromSink(VipsRegion *region, VipsRect *area, void *reader) {
-    return static_cast<Reader *>(reader)->Take(region, *area) ? 0 : -1;
-}
-
 /// Packs rows; false when nobody wants more.
-bool RowReader::Reader::Take(VipsRegion *region, const VipsRect &area) {
-    const int bands = vips_image_get_bands(mImage);
-    for (int row = 0; row < area.height; ++row) {
+bool RowReader::Reader::Take(const uint8_t *rows, size_t rowBytes, int count) {
+    for (int row = 0; row < count; ++row) {
         Piece &piece = mPieces[mFilled % kPieces];
-        PackPixels(VIPS_REGION_ADDR(region, 0, area.top + row), bands, area.width, mFormat,
-                   piece.rows.data() +
-                       static_cast<size_t>(piece.count) * static_cast<size_t>(mRowBytes));
+        PackPixels(
+            rows + static_cast<size_t>(row) * rowBytes, mSource.Bands(), mSource.Width(), mFormat,
+            piece.rows.get() + static_cast<size_t>(piece.count) * static_cast<size_t>(mRowBytes));
         if (++piece.count == mPieceHeight && !HandOver()) return false;
     }
     return true;
@@ -177,14 +126,13 @@ Rows RowReader::Reader::Next() {
     const Piece &piece = mPieces[mUsed % kPieces];
     const int count = std::min(mBandHeight, piece.count - mTop);
     const uint8_t *pixels =
-        piece.rows.data() + static_cast<size_t>(mTop) * static_cast<size_t>(mRowBytes);
+        piece.rows.get() + static_cast<size_t>(mTop) * static_cast<size_t>(mRowBytes);
     mTop += count;
     return {pixels, mRowBytes, count};
 }
 
-RowReader::RowReader(const PageImage &image, const PageReference &source, DocumentPixels format,
-                     int bandHeight)
-    : mReader(new Reader(image, source, format, bandHeight)) {}
+RowReader::RowReader(PageRows &source, DocumentPixels format, int bandHeight)
+    : mReader(new Reader(source, format, bandHeight)) {}
 
 RowReader::~RowReader() = default;
 

@@ -2,7 +2,7 @@
 #ifndef ZEL_HOST_ROWREADER_H
 #define ZEL_HOST_ROWREADER_H
 
-#include "host/JobPlan.h"
+#include "host/ImageFile.h"
 #include <memory>
 
 /// Packed rows.
@@ -16,10 +16,9 @@ struct Rows {
 /// of about a megabyte ahead, whatever the size of the page.
 class RowReader {
 public:
-    /// `image` and the file of `source` must outlive the reader; rows come in `format`, in bands of
-    /// `bandHeight` rows (0: as they come).
-    RowReader(const PageImage &image, const PageReference &source, DocumentPixels format,
-              int bandHeight);
+    /// `source` must outlive the reader; rows come in `format`, in bands of `bandHeight` rows (0:
+    /// as they come).
+    RowReader(PageRows &source, DocumentPixels format, int bandHeight);
     /// Stops reading, wherever it is.
     ~RowReader();
     RowReader(const RowReader &) = delete;

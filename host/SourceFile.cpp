@@ -1,8 +1,9 @@
 #include "host/SourceFile.h"
 
 #include "host/ExitStatus.h"
+#include "host/ImageModule.h"
+#include "host/PlainTIFF.h"
 #include <cerrno>
-#include <cmath>
 #include <cstring>
 #include <fcntl.h>
 #include <optional>
@@ -10,8 +11,6 @@
 #include <unistd.h>
 
 namespace {
-
-constexpr double kMMPerInch = 25.4;
 
 [[noreturn]] void Refuse(const std::string &path, const std::string &why) {
     throw HostError(ExitStatus::Input, path + ": " + why);
@@ -61,94 +60,38 @@ std::optional<FileKind> KindOf(const std::string &head) {
     return std::nullopt;
 }
 
-PixelKind KindOfPixels(VipsImage *image) {
-    switch (vips_image_guess_interpretation(image)) {
-        case VIPS_INTERPRETATION_CMYK:
-            return PixelKind::CMYK;
-        case VIPS_INTERPRETATION_B_W:
-        case VIPS_INTERPRETATION_GREY16:
-            return PixelKind::Gray;
-        default:
-            return vips_image_get_bands(image) < 3 ? PixelKind::Gray : PixelKind::RGB;
-    }
-}
-
-/// libvips says 1 pixel a millimetre, without a unit, for a file that does not tell.
-bool HasResolution(VipsImage *image) {
-    return vips_image_get_typeof(image, VIPS_META_RESOLUTION_UNIT) != 0 ||
-           std::abs(vips_image_get_xres(image) - 1.0) > 1e-6 ||
-           std::abs(vips_image_get_yres(image) - 1.0) > 1e-6;
-}
-
 } // namespace
 
 SourceFile::SourceFile(std::string path) : mPath(std::move(path)) {
     const std::optional<FileKind> kind = KindOf(ReadHead(mPath));
     if (!kind) Refuse(mPath, "not a TIFF, PNG, JPEG, PNM or PDF file; convert it to one of these");
     mKind = *kind;
+    if (mKind == FileKind::TIFF) mPlain = OpenPlainTIFF(mPath);
 }
 
-VipsImagePtr SourceFile::Load(int page, double scale, bool sequential) const {
-    NeedVips();
-    const VipsAccess access = sequential ? VIPS_ACCESS_SEQUENTIAL : VIPS_ACCESS_RANDOM;
-    const VipsFailOn failOn = VIPS_FAIL_ON_ERROR;
-    const char *path = mPath.c_str();
-    VipsImage *image = nullptr;
-    int result = -1;
-    switch (mKind) {
-        case FileKind::TIFF:
-            result = vips_tiffload(path, &image, "page", page, "access", access, "fail_on", failOn,
-                                   nullptr);
-            break;
-        case FileKind::PNG:
-            result = vips_pngload(path, &image, "access", access, "fail_on", failOn, nullptr);
-            break;
-        case FileKind::JPEG:
-            result = vips_jpegload(path, &image, "access", access, "fail_on", failOn, nullptr);
-            break;
-        case FileKind::PNM:
-            result = vips_ppmload(path, &image, "access", access, "fail_on", failOn, nullptr);
-            break;
-        case FileKind::PDF:
-            result = vips_pdfload(path, &image, "page", page, "scale", scale, "access", access,
-                                  "fail_on", failOn, nullptr);
-            break;
-    }
-    VipsImagePtr loaded(image);
-    if (result != 0) ThrowUnreadable(page);
-    return loaded;
+ImageFile &SourceFile::Any() const {
+    if (mPlain) return *mPlain;
+    return Full();
+}
+
+ImageFile &SourceFile::Full() const {
+    if (!mFull) mFull = OpenWithModule(mPath, mKind);
+    return *mFull;
 }
 
 int SourceFile::PageCount() const {
-    if (mPageCount == 0) {
-        const VipsImagePtr image = Load(0, 1.0, true);
-        mPageCount = std::max(1, vips_image_get_n_pages(image.get()));
-    }
-    return mPageCount;
+    return Any().PageCount();
 }
 
 SourcePage SourceFile::Describe(int page) const {
-    const VipsImagePtr image = Load(page, 1.0, true);
-    if (mPageCount == 0) mPageCount = std::max(1, vips_image_get_n_pages(image.get()));
-    SourcePage result;
-    result.kind = mKind == FileKind::PDF ? PixelKind::RGB : KindOfPixels(image.get());
-    result.orientation = mKind == FileKind::PDF ? 1 : vips_image_get_orientation(image.get());
-    result.size.width = vips_image_get_width(image.get());
-    result.size.height = vips_image_get_height(image.get());
-    if (mKind == FileKind::PDF) {
-        result.size.dpiX = result.size.dpiY = 72;
-    } else if (HasResolution(image.get())) {
-        result.size.dpiX = vips_image_get_xres(image.get()) * kMMPerInch;
-        result.size.dpiY = vips_image_get_yres(image.get()) * kMMPerInch;
-    }
-    if (result.orientation >= 5) {
-        std::swap(result.size.width, result.size.height);
-        std::swap(result.size.dpiX, result.size.dpiY);
-    }
-    return result;
+    return Any().Describe(page);
 }
 
-void SourceFile::ThrowUnreadable(int page) const {
-    Refuse(mPath, "page " + std::to_string(page + 1) + " cannot be read (" + TakeVipsError() +
-                      "); the file is damaged or not supported");
+PageImage SourceFile::OpenPage(int page, const PageGrid &grid, DocumentPixels target,
+                               bool turned) const {
+    if (mPlain) {
+        PageImage image = mPlain->OpenPage(page, grid, target, turned);
+        if (image.rows) return image;
+    }
+    return Full().OpenPage(page, grid, target, turned);
 }

@@ -1,6 +1,6 @@
 #include "host/CommandLine.h"
-#include "host/Driver.h"
 #include "host/PrintCommand.h"
+#include "host/ProgramPath.h"
 #include <platform/Platform.h>
 
 namespace {

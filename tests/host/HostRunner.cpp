@@ -1,6 +1,6 @@
 #include "tests/host/HostRunner.h"
 
-#include "host/VipsSupport.h"
+#include "host/images/VipsSupport.h"
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
@@ -92,7 +92,7 @@ std::string RunResult::Complaint() const {
 }
 
 Workplace::Workplace() {
-    NeedVips();
+    StartVips();
     std::string name = (fs::temp_directory_path() / "zelprint-test-XXXXXX").string();
     mRoot = mkdtemp(name.data());
     fs::create_directory(mRoot / "hot");

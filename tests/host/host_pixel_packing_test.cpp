@@ -1,4 +1,4 @@
-#include "host/PageImage.h"
+#include "host/PackPixels.h"
 
 #include <gtest/gtest.h>
 #include <vector>

@@ -2,6 +2,7 @@
 #include "tests/host/HostRunner.h"
 
 #include "host/JobPlan.h"
+#include "host/images/VipsSupport.h"
 #include <algorithm>
 #include <cmath>
 #include <functional>

@@ -1,39 +1,20 @@
-#include "host/VipsSupport.h"
+#include "host/images/VipsSupport.h"
 
 #include "host/ExitStatus.h"
-#include <cstdlib>
-#include <future>
 
 namespace {
 
 void DropMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
 
-void Initialise(bool withModules) {
-    // libvips looks for its modules below this folder, and nothing else of it is used.
-    if (!withModules) (void)setenv("VIPSHOME", "/nonexistent", 0);
+} // namespace
+
+void StartVips() {
     if (VIPS_INIT("zelprint") != 0)
         throw HostError(ExitStatus::Input, "cannot start libvips: " + TakeVipsError());
     // Warnings about odd files would otherwise land between our own lines.
     g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), DropMessage, nullptr);
     // Every page is read once; a cache would only keep files open.
     vips_cache_set_max(0);
-}
-
-std::shared_future<void> &Starting() {
-    static std::shared_future<void> starting;
-    return starting;
-}
-
-} // namespace
-
-void StartVips(bool withModules) {
-    if (Starting().valid()) return;
-    Starting() = std::async(std::launch::async, Initialise, withModules).share();
-}
-
-void NeedVips() {
-    StartVips(true);
-    Starting().get();
 }
 
 std::string TakeVipsError() {

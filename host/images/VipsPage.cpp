@@ -1,4 +1,4 @@
-#include "host/PageImage.h"
+#include "host/images/VipsPage.h"
 
 #include "host/ExitStatus.h"
 #include "host/ProfileCheck.h"
@@ -10,7 +10,7 @@ namespace {
 /// A chain of libvips operations on one page; the first that fails ends it.
 class Chain {
 public:
-    Chain(const SourceFile &file, int page, VipsImagePtr image)
+    Chain(const VipsFile &file, int page, VipsImagePtr image)
         : mFile(file), mPage(page), mImage(std::move(image)) {}
 
     [[nodiscard]] VipsImage *Get() const { return mImage.get(); }
@@ -41,7 +41,7 @@ public:
     }
 
 private:
-    const SourceFile &mFile;
+    const VipsFile &mFile;
     int mPage;
     VipsImagePtr mImage;
 };
@@ -144,8 +144,8 @@ void ConvertColours(Chain &chain, PixelKind kind, DocumentPixels target) {
 }
 
 /// PDF pages are drawn in the size that they have on the page.
-PageImage OpenPDFPage(const SourceFile &file, int page, const SourcePage &source,
-                      const PageGrid &grid, bool turned) {
+VipsPage OpenPDFPage(const VipsFile &file, int page, const SourcePage &source, const PageGrid &grid,
+                     bool turned) {
     ImageSize size = source.size;
     if (turned) std::swap(size.width, size.height);
     const Placement wanted = PlaceImage(grid, size);
@@ -170,14 +170,9 @@ PageImage OpenPDFPage(const SourceFile &file, int page, const SourcePage &source
 
 } // namespace
 
-int PixelSize(DocumentPixels pixels) {
-    return pixels == DocumentPixels::Darkness ? 1 : 4;
-}
-
-PageImage OpenPageImage(const SourceFile &file, int page, const PageGrid &grid,
-                        DocumentPixels target, bool turned) {
-    SourcePage source = file.Describe(page);
-    PageImage result;
+VipsPage OpenVipsPage(const VipsFile &file, int page, SourcePage source, const PageGrid &grid,
+                      DocumentPixels target, bool turned) {
+    VipsPage result;
     if (file.Kind() == FileKind::PDF) {
         result = OpenPDFPage(file, page, source, grid, turned);
     } else {
@@ -197,41 +192,4 @@ PageImage OpenPageImage(const SourceFile &file, int page, const PageGrid &grid,
     ConvertColours(chain, source.kind, target);
     result.pixels = chain.Take();
     return result;
-}
-
-namespace {
-
-void PackXRGB(const uint8_t *source, int count, uint8_t *out) {
-    if (count < 1) return;
-    out[0] = 0;
-    memcpy(out + 1, source, 3);
-    // Byte x is not looked at: whole words are copied, each with the byte before the pixel.
-    for (int i = 1; i < count; ++i)
-        memcpy(out + 4 * i, source + 3 * i - 1, 4);
-}
-
-/// The grey that PostScript makes of DeviceRGB: 0.3 R + 0.59 G + 0.11 B.
-void PackDarkness(const uint8_t *source, int count, uint8_t *out) {
-    for (int i = 0; i < count; ++i) {
-        const uint8_t *p = source + 3 * i;
-        out[i] = static_cast<uint8_t>(255 - ((77 * p[0] + 151 * p[1] + 28 * p[2] + 128) >> 8));
-    }
-}
-
-} // namespace
-
-void PackPixels(const uint8_t *source, int bands, int count, DocumentPixels target, uint8_t *out) {
-    if (target == DocumentPixels::CMYK) {
-        memcpy(out, source, static_cast<size_t>(count) * 4);
-    } else if (target == DocumentPixels::XRGB && bands == 3) {
-        PackXRGB(source, count, out);
-    } else if (target == DocumentPixels::XRGB) {
-        for (int i = 0; i < count; ++i)
-            memset(out + 4 * i, source[i], 4);
-    } else if (bands == 3) {
-        PackDarkness(source, count, out);
-    } else {
-        for (int i = 0; i < count; ++i)
-            out[i] = static_cast<uint8_t>(255 - source[i]);
-    }
 }

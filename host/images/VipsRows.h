@@ -1,0 +1,27 @@
+/// The rows of a libvips image, from top to bottom.
+#ifndef ZEL_HOST_IMAGES_VIPSROWS_H
+#define ZEL_HOST_IMAGES_VIPSROWS_H
+
+#include "host/images/VipsFile.h"
+#include <atomic>
+
+class VipsRows : public PageRows {
+public:
+    /// Page `page` of `file` as `image`. `straight`: nothing is computed that a second processor
+    /// could help with. The file must outlive the rows.
+    VipsRows(const VipsFile &file, int page, VipsImagePtr image, bool straight);
+    void Read(const Take &take) override;
+    void Stop() override;
+
+private:
+    [[nodiscard]] bool ReadStraight(const Take &take);
+    [[nodiscard]] bool ReadScaled(const Take &take);
+
+    const VipsFile &mFile;
+    int mPage;
+    VipsImagePtr mImage;
+    bool mStraight;
+    std::atomic<bool> mStopped = false;
+};
+
+#endif
