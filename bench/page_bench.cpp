@@ -1,11 +1,11 @@
 // A whole page through the page output session, beside a bare loop of `write` calls of as many
 // bytes in pieces of 64 KiB. Prints the medians of alternating runs and their ratio.
 //
-// Both are measured with their input in the processor's cache: a host renders a band just before it
-// hands it over, so the page repeats an image of 1024 rows, and the bare loop writes one piece
-// again and again.
+// The bare loop writes one piece again and again, from the processor's cache. The page repeats an
+// image of 1024 rows, 20 MB: with as much cache as that, or with few image rows, it also measures
+// what a host sees that renders a band just before it hands it over.
 //
-//   page_bench [--dir FOLDER] [--runs N] [--separation NAME]
+//   page_bench [--dir FOLDER] [--runs N] [--separation NAME] [--image-rows N]
 //
 // The folder has to be on the file system to be measured. With a separation profile's name the
 // page is also separated through that profile.
@@ -31,18 +31,17 @@ namespace {
 constexpr int32_t kWidth = 4960; // A4 at 600 dpi
 constexpr int32_t kHeight = 7016;
 constexpr int32_t kBandHeight = 128;
-constexpr int32_t kImageHeight = 1024;
 constexpr size_t kPiece = 65536;
 
 /// An image without equal neighbours, as a photograph is: waves of colour and a little noise.
-std::vector<uint8_t> MakePhotograph() {
-    std::vector<uint8_t> pixels(size_t{kWidth} * kImageHeight * 4);
+std::vector<uint8_t> MakePhotograph(int32_t height) {
+    std::vector<uint8_t> pixels(size_t{kWidth} * static_cast<size_t>(height) * 4);
     std::minstd_rand random(1);
     std::array<uint8_t, kWidth> waves{};
     for (size_t x = 0; x < kWidth; ++x)
         waves.at(x) = static_cast<uint8_t>(110 + 100 * std::sin(static_cast<double>(x) / 300));
     uint8_t *out = pixels.data();
-    for (int32_t y = 0; y < kImageHeight; ++y) {
+    for (int32_t y = 0; y < height; ++y) {
         const auto lift = static_cast<uint8_t>(y / 32);
         for (size_t x = 0; x < kWidth; ++x, out += 4) {
             const uint32_t noise = static_cast<uint32_t>(random()) >> 8;
@@ -55,10 +54,10 @@ std::vector<uint8_t> MakePhotograph() {
 }
 
 /// White with black marks on a tenth of it, as text is.
-std::vector<uint8_t> MakeText() {
-    std::vector<uint8_t> pixels(size_t{kWidth} * kImageHeight * 4, 255);
+std::vector<uint8_t> MakeText(int32_t height) {
+    std::vector<uint8_t> pixels(size_t{kWidth} * static_cast<size_t>(height) * 4, 255);
     std::minstd_rand random(2);
-    for (int32_t y = 0; y < kImageHeight; ++y) {
+    for (int32_t y = 0; y < height; ++y) {
         if (y / 60 % 2 == 0) continue;
         for (int32_t x = 400; x < kWidth - 400; x += 8 + static_cast<int32_t>(random() % 40)) {
             std::memset(pixels.data() +
@@ -122,10 +121,11 @@ void PrintPage(const std::string &folder, const Job &job, const std::vector<uint
         OpenDocument(CFSTR("page"), CFSTR("page.ps"), &geometry, kZELFormatXRGB32,
                      static_cast<int16_t>(job.rowFormat), &options, url.Get(), &session);
     if (error == 0) error = OpenPage(session, nullptr, nullptr);
+    const auto imageHeight = static_cast<int32_t>(pixels.size() / (size_t{kWidth} * 4));
     for (int32_t top = 0; top < kHeight && error == 0; top += kBandHeight) {
         const ZELRect rect = {top, 0, std::min(top + kBandHeight, kHeight), kWidth};
         const uint8_t *rows =
-            pixels.data() + size_t{kWidth} * 4 * static_cast<size_t>(top % kImageHeight);
+            pixels.data() + size_t{kWidth} * 4 * static_cast<size_t>(top % imageHeight);
         const ZELBand band = {rows, rect, kWidth * 4, kZELFormatXRGB32};
         error = PrintBits(session, &band, &rect, &rect);
     }
@@ -183,12 +183,15 @@ void Compare(const std::string &folder, const Job &job, const std::vector<uint8_
 int main(int argc, char **argv) {
     std::string folder = "/tmp";
     int runs = 11;
+    int32_t imageHeight = 1024;
     const char *separation = nullptr;
     for (int i = 1; i + 1 < argc; i += 2) {
         if (std::strcmp(argv[i], "--dir") == 0)
             folder = argv[i + 1];
         else if (std::strcmp(argv[i], "--runs") == 0)
             runs = std::max(1, std::atoi(argv[i + 1]));
+        else if (std::strcmp(argv[i], "--image-rows") == 0) // whole bands
+            imageHeight = std::max(1, std::atoi(argv[i + 1]) / kBandHeight) * kBandHeight;
         else if (std::strcmp(argv[i], "--separation") == 0)
             separation = argv[i + 1];
     }
@@ -199,7 +202,8 @@ int main(int argc, char **argv) {
     const Job black = {"CMYK, black generation", 0, kZELFormatXRGB32, ""};
     const Job table = {"CMYK, separation profile", 0, kZELFormatXRGB32, separation};
     for (const bool text : {false, true}) {
-        const std::vector<uint8_t> pixels = text ? MakeText() : MakePhotograph();
+        const std::vector<uint8_t> pixels =
+            text ? MakeText(imageHeight) : MakePhotograph(imageHeight);
         std::puts(text ? "text page" : "photograph");
         Compare(folder, rgb, pixels, runs);
         Compare(folder, gray, pixels, runs);

@@ -1,8 +1,9 @@
 /// The inner loops of the row conversions in the vector forms that this processor can run.
 ///
 /// A kernel converts pixels of four bytes into interleaved C, M, Y, K, and gives exactly the bytes
-/// of the plain form. It takes as many whole blocks as it can and returns how many pixels that
-/// were; the rest is the caller's. It reads and writes nothing outside the `count` pixels.
+/// of the plain form. It takes as many whole blocks (of at most 64 pixels) as it can and returns
+/// how many pixels that were; the rest is the caller's. It reads and writes nothing outside the
+/// `count` pixels.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +12,7 @@
 struct EightColourLUT;
 
 struct ColourKernels {
+    const char *name; ///< what they need of the processor
     /// Black generation with a table of 512 bytes, from x, R, G, B.
     uint64_t (*blackGeneration)(const uint8_t *table, const uint8_t *src, uint64_t count,
                                 uint8_t *dst);

@@ -3,6 +3,7 @@
 #include "colour/ColourKernelsX86.h"
 #include "colour/EightColourLUT.h"
 
+#include <cstring>
 #include <immintrin.h>
 
 namespace {
@@ -26,6 +27,40 @@ __m256i Both(__m128i v) {
 
 __m256i Repeat(char a, char b, char c, char d) {
     return Both(_mm_setr_epi8(a, b, c, d, a, b, c, d, a, b, c, d, a, b, c, d));
+}
+
+__m256i FourBytes(const uint8_t *bytes) {
+    int32_t value = 0;
+    std::memcpy(&value, bytes, sizeof value);
+    return _mm256_set1_epi32(value);
+}
+
+// ---- White paper
+
+constexpr uint32_t kColourOfXRGB = 0xFFFFFF00;
+constexpr uint32_t kColourOfRGBX = 0x00FFFFFF;
+
+/// Are 32 pixels white in the bits of `colour`? In a photograph the first one tells that they are
+/// not, and costs next to nothing.
+bool AreWhite(const uint8_t *pixels, uint32_t colour) {
+    uint32_t first = 0;
+    std::memcpy(&first, pixels, sizeof first);
+    if ((first & colour) != colour) return false;
+    const __m256i common = _mm256_and_si256(_mm256_and_si256(Load(pixels), Load(pixels + 32)),
+                                            _mm256_and_si256(Load(pixels + 64), Load(pixels + 96)));
+    return _mm256_testc_si256(common, _mm256_set1_epi32(static_cast<int32_t>(colour))) != 0;
+}
+
+void Fill(uint8_t *dst, __m256i inks) {
+    for (int i = 0; i < 4; ++i)
+        Store(dst + 32 * i, inks);
+}
+
+/// The pixels come from memory, row after row, and the processor's own guess of what is needed next
+/// ends with every page of memory. Past the last pixel nothing is fetched that cannot be.
+void FetchAhead(const uint8_t *src) {
+    for (int i = 0; i < 2; ++i)
+        _mm_prefetch(src + 4096 + 64 * i, _MM_HINT_T0);
 }
 
 // ---- Black generation
@@ -90,57 +125,94 @@ __m256i Change(__m256i pairs, int half) {
 
 // ---- Tetrahedra
 
-/// Where eight colours lie: byte offsets of their corners, and the four weights of each.
-struct Places {
-    __m256i offsets, weights;
+/// One byte of 32 colours. A half holds four colours of each of the four vectors that they were
+/// loaded from: that is what unpacking turns back into rows.
+struct Colours {
+    __m256i r, g, b;
 };
 
-Places Locate(__m256i rgb) {
-    // Cell v * 4 / 255 and fraction v * 4 % 255 are the high and the low bits of v, turned round;
-    // 255 counts as the far end of the last cell.
-    const __m256i cell = _mm256_and_si256(_mm256_srli_epi16(rgb, 6), _mm256_set1_epi8(0x03));
-    const __m256i a =
-        _mm256_or_si256(cell, _mm256_and_si256(_mm256_slli_epi16(rgb, 2), _mm256_set1_epi8(-4)));
-    const __m256i next = Both(_mm_setr_epi8(1, 2, 0, 3, 5, 6, 4, 7, 9, 10, 8, 11, 13, 14, 12, 15));
-    const __m256i b = _mm256_shuffle_epi8(a, next);
-    const __m256i c = _mm256_shuffle_epi8(b, next);
-
-    const __m256i larger = _mm256_max_epu8(a, b);
-    const __m256i smaller = _mm256_min_epu8(a, b);
-    const __m256i highest = _mm256_max_epu8(larger, c);
-    const __m256i lowest = _mm256_min_epu8(smaller, c);
-    const __m256i middle = _mm256_max_epu8(smaller, _mm256_min_epu8(larger, c));
-    const __m256i sorted =
-        _mm256_or_si256(_mm256_or_si256(_mm256_and_si256(lowest, _mm256_set1_epi32(0xFF)),
-                                        _mm256_and_si256(middle, _mm256_set1_epi32(0xFF00))),
-                        _mm256_or_si256(_mm256_and_si256(highest, _mm256_set1_epi32(0xFF0000)),
-                                        _mm256_set1_epi32(static_cast<int>(0xFF000000))));
-    const __m256i weights = _mm256_sub_epi8(sorted, _mm256_slli_epi32(sorted, 8));
-
-    const __m256i order = _mm256_and_si256(_mm256_cmpeq_epi8(larger, b), _mm256_set1_epi8(0x04));
-    const __m256i index = _mm256_maddubs_epi16(_mm256_or_si256(cell, order), Repeat(64, 8, 1, 0));
-    return {_mm256_madd_epi16(index, _mm256_set1_epi16(16)), weights};
+Colours Gather(const uint8_t *rgb) {
+    const __m256i group = Both(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+    __m256i v[4];
+    for (int i = 0; i < 4; ++i)
+        v[i] = _mm256_shuffle_epi8(Load(rgb + 32 * i), group);
+    const __m256i first = _mm256_unpacklo_epi32(v[0], v[1]);
+    const __m256i second = _mm256_unpacklo_epi32(v[2], v[3]);
+    return {_mm256_unpacklo_epi64(first, second), _mm256_unpackhi_epi64(first, second),
+            _mm256_unpacklo_epi64(_mm256_unpackhi_epi32(v[0], v[1]),
+                                  _mm256_unpackhi_epi32(v[2], v[3]))};
 }
 
-/// Weighted corners of the pixels `i` and `i + 4`: for each, four sums of the first two corners
-/// and four of the others. The corners are biased by -128, to be the signed factor.
-__m256i Weigh(const uint8_t *corners, const uint32_t *offsets, __m256i weights, int i) {
+/// Cell v * 4 / 255 and fraction v * 4 % 255 are the high and the low bits of v, turned round; 255
+/// counts as the far end of the last cell.
+struct Position {
+    __m256i cell, fraction;
+};
+
+Position Locate(__m256i v) {
+    const __m256i cell = _mm256_and_si256(_mm256_srli_epi16(v, 6), _mm256_set1_epi8(0x03));
+    const __m256i twice = _mm256_add_epi8(v, v);
+    return {cell, _mm256_add_epi8(_mm256_add_epi8(twice, twice), cell)};
+}
+
+__m256i Bit(__m256i condition, char bit) {
+    return _mm256_and_si256(condition, _mm256_set1_epi8(bit));
+}
+
+/// Where 32 colours lie: 16-bit offsets of their corners, two of the four vectors in each, and
+/// their weights from the last corner to the first, four bytes a colour.
+struct Places {
+    __m256i offsets[2], weights[4];
+};
+
+Places FindPlaces(const Colours &colours) {
+    const Position r = Locate(colours.r);
+    const Position g = Locate(colours.g);
+    const Position b = Locate(colours.b);
+    const __m256i larger = _mm256_max_epu8(r.fraction, g.fraction);
+    const __m256i smaller = _mm256_min_epu8(r.fraction, g.fraction);
+    const __m256i highest = _mm256_max_epu8(larger, b.fraction);
+    const __m256i lowest = _mm256_min_epu8(smaller, b.fraction);
+    const __m256i middle = _mm256_max_epu8(smaller, _mm256_min_epu8(larger, b.fraction));
+
+    const __m256i order =
+        _mm256_or_si256(Bit(_mm256_cmpeq_epi8(larger, g.fraction), 4),
+                        _mm256_or_si256(Bit(_mm256_cmpeq_epi8(highest, b.fraction), 8),
+                                        Bit(_mm256_cmpeq_epi8(lowest, b.fraction), 16)));
+    const __m256i high = _mm256_or_si256(order, b.cell);
+    const __m256i low = _mm256_or_si256(_mm256_and_si256(colours.r, _mm256_set1_epi8(-64)),
+                                        _mm256_slli_epi16(g.cell, 4));
+
+    const __m256i third = _mm256_sub_epi8(middle, lowest);
+    const __m256i second = _mm256_sub_epi8(highest, middle);
+    const __m256i first = _mm256_xor_si256(highest, _mm256_set1_epi8(-1));
+    const __m256i upper[2] = {_mm256_unpacklo_epi8(lowest, third),
+                              _mm256_unpackhi_epi8(lowest, third)};
+    const __m256i lower[2] = {_mm256_unpacklo_epi8(second, first),
+                              _mm256_unpackhi_epi8(second, first)};
+    return {{_mm256_unpacklo_epi8(low, high), _mm256_unpackhi_epi8(low, high)},
+            {_mm256_unpacklo_epi16(upper[0], lower[0]), _mm256_unpackhi_epi16(upper[0], lower[0]),
+             _mm256_unpacklo_epi16(upper[1], lower[1]), _mm256_unpackhi_epi16(upper[1], lower[1])}};
+}
+
+/// Weighted corners of the pixels `i` and `i + 4` of eight: for each, four sums of the last two
+/// corners and four of the others. The corners are biased by -128, to be the signed factor.
+__m256i Weigh(const uint8_t *corners, const uint16_t *offsets, __m256i weights, int i) {
     const auto at = static_cast<char>(4 * i);
     const __m256i both = _mm256_inserti128_si256(
-        _mm256_castsi128_si256(Load16(corners + offsets[i])), Load16(corners + offsets[i + 4]), 1);
+        _mm256_castsi128_si256(Load16(corners + offsets[i])), Load16(corners + offsets[i + 8]), 1);
     const __m256i spread = _mm256_add_epi8(
         _mm256_set1_epi8(at), Both(_mm_setr_epi8(0, 1, 0, 1, 0, 1, 0, 1, 2, 3, 2, 3, 2, 3, 2, 3)));
     return _mm256_maddubs_epi16(_mm256_shuffle_epi8(weights, spread), both);
 }
 
-/// Adds the two sums of every ink, takes the bias back and divides by 255.
+/// Adds the two sums of every ink, takes the bias back and divides by 255, as (sum + 1) * 257 /
+/// 65536.
 __m256i Inks(__m256i even, __m256i odd) {
     const __m256i sum =
         _mm256_add_epi16(_mm256_unpacklo_epi64(even, odd), _mm256_unpackhi_epi64(even, odd));
-    const __m256i unbiased = _mm256_add_epi16(sum, _mm256_set1_epi16(128 * 255));
-    const __m256i product =
-        _mm256_mulhi_epu16(unbiased, _mm256_set1_epi16(static_cast<int16_t>(0x8081)));
-    return _mm256_srli_epi16(product, 7);
+    const __m256i unbiased = _mm256_add_epi16(sum, _mm256_set1_epi16(128 * 255 + 1));
+    return _mm256_mulhi_epu16(unbiased, _mm256_set1_epi16(257));
 }
 
 } // namespace
@@ -149,8 +221,16 @@ uint64_t BlackGenerationAVX2(const uint8_t *table, const uint8_t *src, uint64_t 
                              uint8_t *dst) {
     const Slices slices = FindSlices(table);
     const __m256i lowest = _mm256_set1_epi8(static_cast<char>(slices.lowest));
+    const auto noColour = static_cast<uint8_t>(-table[256]);
+    const uint8_t paper[4] = {noColour, noColour, noColour, table[0]};
+    const __m256i white = FourBytes(paper);
     uint64_t done = 0;
     for (; done + 32 <= count; done += 32, src += 128, dst += 128) {
+        FetchAhead(src);
+        if (AreWhite(src, kColourOfXRGB)) {
+            Fill(dst, white);
+            continue;
+        }
         __m256i inks[4];
         for (int i = 0; i < 4; ++i)
             inks[i] =
@@ -177,17 +257,27 @@ uint64_t BlackGenerationAVX2(const uint8_t *table, const uint8_t *src, uint64_t 
 
 uint64_t EightColoursAVX2(const EightColourLUT &table, const uint8_t *src, uint64_t count,
                           uint8_t *dst) {
+    const __m256i white = FourBytes(table.grid + kWhitePoint);
     uint64_t done = 0;
     // One pixel more than a block: the byte after a block's last pixel is loaded with it.
-    for (; done + 8 < count; done += 8, src += 32, dst += 32) {
-        const Places places = Locate(Load(src));
-        alignas(32) uint32_t offsets[8];
-        _mm256_store_si256(reinterpret_cast<__m256i *>(offsets), places.offsets);
-        const __m256i first = Inks(Weigh(table.corners, offsets, places.weights, 0),
-                                   Weigh(table.corners, offsets, places.weights, 1));
-        const __m256i second = Inks(Weigh(table.corners, offsets, places.weights, 2),
-                                    Weigh(table.corners, offsets, places.weights, 3));
-        Store(dst, _mm256_packus_epi16(first, second));
+    for (; done + 32 < count; done += 32, src += 128, dst += 128) {
+        FetchAhead(src);
+        if (AreWhite(src, kColourOfRGBX)) {
+            Fill(dst, white);
+            continue;
+        }
+        const Places places = FindPlaces(Gather(src));
+        alignas(32) uint16_t offsets[32];
+        _mm256_store_si256(reinterpret_cast<__m256i *>(offsets), places.offsets[0]);
+        _mm256_store_si256(reinterpret_cast<__m256i *>(offsets + 16), places.offsets[1]);
+        for (int i = 0; i < 4; ++i) {
+            const uint16_t *at = offsets + 16 * (i / 2) + 4 * (i % 2);
+            const __m256i first = Inks(Weigh(table.corners, at, places.weights[i], 0),
+                                       Weigh(table.corners, at, places.weights[i], 1));
+            const __m256i second = Inks(Weigh(table.corners, at, places.weights[i], 2),
+                                        Weigh(table.corners, at, places.weights[i], 3));
+            Store(dst + 32 * i, _mm256_packus_epi16(first, second));
+        }
     }
     return done;
 }

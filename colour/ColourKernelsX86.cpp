@@ -5,9 +5,10 @@ namespace {
 std::vector<ColourKernels> Find() {
     std::vector<ColourKernels> kernels;
     if (!__builtin_cpu_supports("avx2")) return kernels;
-    kernels.push_back({BlackGenerationAVX2, EightColoursAVX2});
+    kernels.push_back({"AVX2", BlackGenerationAVX2, EightColoursAVX2});
     if (__builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi"))
-        kernels.insert(kernels.begin(), {BlackGenerationAVX2, EightColoursAVX512});
+        kernels.insert(kernels.begin(),
+                       {"AVX-512 VBMI", BlackGenerationAVX512, EightColoursAVX512});
     return kernels;
 }
 

@@ -11,6 +11,7 @@ constexpr size_t kGridStepR = 100;
 constexpr size_t kGridStepG = 20;
 constexpr size_t kGridStepB = 4;
 constexpr size_t kGridPointsPerAxis = 5;
+constexpr size_t kWhitePoint = 4 * (kGridStepR + kGridStepG + kGridStepB);
 
 /// A grid has 500 bytes; the zeros after them are read, with weight zero, where a component is 255.
 constexpr size_t kGridSize = 864;

@@ -50,16 +50,17 @@ Tetrahedron ChooseTetrahedron(const GridPosition &p) {
 }
 
 /// The order of a colour's fractions, largest first, as steps in the grid. A bit tells that one
-/// fraction is not less than another: 4 that G is not less than R, 2 B than G, 1 R than B. No bit
-/// cannot be, and all mean that the three are equal and no order matters.
+/// fraction is not less than others: 1 that G is not less than R, 2 that B is not less than both,
+/// 4 that both are not less than B. Where several bits could be, the fractions are equal and
+/// either order will do.
 struct Order {
     size_t first, second;
 };
 
-constexpr Order kOrders[8] = {{kGridStepR, kGridStepG}, {kGridStepR, kGridStepG},
-                              {kGridStepB, kGridStepR}, {kGridStepR, kGridStepB},
-                              {kGridStepG, kGridStepB}, {kGridStepG, kGridStepR},
-                              {kGridStepB, kGridStepG}, {kGridStepR, kGridStepG}};
+constexpr Order kOrders[8] = {{kGridStepR, kGridStepB}, {kGridStepG, kGridStepB},
+                              {kGridStepB, kGridStepR}, {kGridStepB, kGridStepG},
+                              {kGridStepR, kGridStepG}, {kGridStepG, kGridStepR},
+                              {kGridStepB, kGridStepR}, {kGridStepB, kGridStepG}};
 
 /// Writes the corners of one tetrahedron: C, M, Y, K of the first two as pairs, then the others.
 void WriteCorners(const uint8_t *base, Order order, uint8_t *corners) {
@@ -72,16 +73,12 @@ void WriteCorners(const uint8_t *base, Order order, uint8_t *corners) {
 }
 
 void BuildCorners(EightColourLUT *table) {
-    // An index is three digits of three bits, for R, G and B: the cell, and above it one bit of the
-    // order. That is how the vector form gets it with a single multiplication.
+    // An index is the cell's R and G, two bits each, which the vector form keeps in the lower byte
+    // of an offset, then B and the order in its upper byte.
     for (size_t index = 0; index < 512; ++index) {
-        const size_t r = index >> 6;
-        const size_t g = index >> 3 & 7;
-        const size_t b = index & 7;
-        const uint8_t *base =
-            table->grid + (r & 3) * kGridStepR + (g & 3) * kGridStepG + (b & 3) * kGridStepB;
-        const size_t order = (r & 4) | (g & 4) >> 1 | b >> 2;
-        WriteCorners(base, kOrders[order], table->corners + 16 * index);
+        const uint8_t *base = table->grid + (index >> 2 & 3) * kGridStepR +
+                              (index & 3) * kGridStepG + (index >> 4 & 3) * kGridStepB;
+        WriteCorners(base, kOrders[index >> 6], table->corners + 16 * index);
     }
 }
 
@@ -116,15 +113,14 @@ void EightColourLUTSeparatePlain(const EightColourLUT *table, const uint8_t *src
 void EightColourLUTSeparate(const EightColourLUT *table, const uint8_t *src, int64_t srcStride,
                             int64_t count, uint8_t *dst, int32_t /*channels*/, int64_t planeStride,
                             int64_t pixelStride) {
-    if (srcStride == 4 && count > 0 && !VectorKernels().empty()) {
-        const auto convert = [table](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
-            return VectorKernels().front().eightColours(*table, pixels, n, inks);
-        };
-        const auto done = static_cast<int64_t>(ConvertInLayout(
-            src, static_cast<uint64_t>(count), dst, {planeStride, pixelStride}, convert));
-        src += 4 * done;
-        dst += pixelStride * done;
-        count -= done;
+    if (count < 1) return;
+    if (srcStride != 4 || VectorKernels().empty()) {
+        EightColourLUTSeparatePlain(table, src, srcStride, count, dst, planeStride, pixelStride);
+        return;
     }
-    EightColourLUTSeparatePlain(table, src, srcStride, count, dst, planeStride, pixelStride);
+    const auto convert = [table](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
+        return VectorKernels().front().eightColours(*table, pixels, n, inks);
+    };
+    ConvertInLayout({src, static_cast<uint64_t>(count), false}, dst, {planeStride, pixelStride},
+                    convert);
 }

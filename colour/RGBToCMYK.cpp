@@ -99,16 +99,14 @@ void RGBToCMYKPlain(const uint8_t *table, const uint8_t *src, uint64_t count, ui
 void CTRGBToCMYK(const uint8_t *table, const uint8_t *src, uint64_t count, uint8_t *dst,
                  int64_t planeStride, int64_t pixelStride) {
     const InkLayout layout{planeStride, pixelStride};
-    if (!VectorKernels().empty()) {
-        const auto convert = [table](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
-            return VectorKernels().front().blackGeneration(table, pixels, n, inks);
-        };
-        const uint64_t done = ConvertInLayout(src, count, dst, layout, convert);
-        src += 4 * done;
-        dst += pixelStride * static_cast<int64_t>(done);
-        count -= done;
+    if (VectorKernels().empty()) {
+        RGBToCMYKPlain(table, src, count, dst, layout);
+        return;
     }
-    RGBToCMYKPlain(table, src, count, dst, layout);
+    const auto convert = [table](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
+        return VectorKernels().front().blackGeneration(table, pixels, n, inks);
+    };
+    ConvertInLayout({src, count, true}, dst, layout, convert);
 }
 
 void zel_RGBToCMYK(const uint8_t *table, const uint8_t *src, uint8_t *dst, int32_t count) {
