@@ -24,7 +24,7 @@ std::string FindBundle(const std::string &option) {
         throw HostError(ExitStatus::Driver, "there is no driver bundle at " + named +
                                                 "; correct --bundle or $ZEL_BUNDLE");
     }
-    const std::string found = FindBesideProgram(kBundleName);
+    std::string found = FindBesideProgram(kBundleName);
     if (!found.empty()) return found;
     throw HostError(ExitStatus::Driver, std::string("cannot find ") + kBundleName +
                                             " beside zelprint; name it with --bundle FOLDER or in "

@@ -41,7 +41,7 @@ std::string FindBesideProgram(const std::string &name) {
     const std::string &program = ProgramPath();
     const std::string folder = program.substr(0, program.rfind('/'));
     for (const char *place : {"/", "/../", "/../resources/", "/../lib/zel/", "/../lib/"}) {
-        const std::string path = RealPath(folder + place + name);
+        std::string path = RealPath(std::string(folder).append(place).append(name));
         if (!path.empty()) return path;
     }
     return {};
