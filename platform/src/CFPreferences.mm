@@ -1,6 +1,7 @@
 // Preferences: one persistent domain of NSUserDefaults, that is one file, for each application
 // identifier.
 #include "CFBridge.h"
+#include "FileState.h"
 #include <mutex>
 #include <unistd.h>
 
@@ -8,6 +9,9 @@ namespace {
 
 /// NSUserDefaults merges files and memory in several steps; one thread at a time.
 std::recursive_mutex gLock;
+
+/// The files whose content is in memory, with no change of ours that they lack.
+FileStates gMerged;
 
 /// The folder that holds the files.
 NSString *Folder() { return GSDefaultsRootForUser(NSUserName()); }
@@ -18,9 +22,12 @@ bool CanLock() {
     return access([locks fileSystemRepresentation], W_OK) == 0;
 }
 
+NSString *File(NSString *application) {
+    return [NSString stringWithFormat:@"%@/%@.plist", Folder(), application];
+}
+
 NSDictionary *DomainInFile(NSString *application) {
-    NSString *path = [NSString stringWithFormat:@"%@/%@.plist", Folder(), application];
-    return [NSDictionary dictionaryWithContentsOfFile:path];
+    return [NSDictionary dictionaryWithContentsOfFile:File(application)];
 }
 
 NSDictionary *Domain(NSString *application) {
@@ -82,15 +89,28 @@ void SetValue(NSString *key, id value, NSString *application) {
     else
         [domain removeObjectForKey:key];
     [[NSUserDefaults standardUserDefaults] setPersistentDomain:domain forName:application];
+    gMerged.Forget([File(application) fileSystemRepresentation]);
 }
 
-bool Synchronize(NSString *application) {
+/// Merges the file and what is in memory.
+bool Merge(NSString *application) {
     // On its own, synchronize re-reads the files only if their folder's date, in whole seconds, is
     // newer than the last time. A domain that has been set is merged in any case.
     NSDictionary *domain = Domain(application);
     NSUserDefaults *defaults = [NSUserDefaults standardUserDefaults];
     [defaults setPersistentDomain:domain ? domain : [NSDictionary dictionary] forName:application];
     return [defaults synchronize] && CanLock();
+}
+
+/// A merge locks, reads and parses the file twice, and a session asks for several: it is left out
+/// when neither side has changed.
+bool Synchronize(NSString *application) {
+    const char *file = [File(application) fileSystemRepresentation];
+    if (gMerged.IsUnchanged(file)) return CanLock();
+    const FileStates::State state = FileStates::Look(file);
+    if (!Merge(application)) return false;
+    gMerged.Remember(file, state);
+    return true;
 }
 
 } // namespace

@@ -231,6 +231,54 @@ TEST(Preferences, ChangesOfTheSameSecondAreSeen) {
     }
 }
 
+/// Ages the application's file and synchronises, so that the file may be taken for known.
+void SynchronizeWithOldFile(const Application &application) {
+    fs::last_write_time(PreferencesFile(application.name),
+                        fs::file_time_type::clock::now() - std::chrono::hours(1));
+    std::this_thread::sleep_for(
+        std::chrono::milliseconds(3100)); // the time of change cannot be set
+    ASSERT_TRUE(application.Synchronize());
+}
+
+TEST(Preferences, ChangeOfAFileThatHasLongBeenTheSameIsSeen) {
+    const Application application{"com.zel.test.known"};
+    application.Set("Count", Number(1).Get());
+    ASSERT_TRUE(application.Synchronize());
+    SynchronizeWithOldFile(application);
+    ASSERT_TRUE(application.Synchronize());
+    EXPECT_EQ(application.Integer("Count"), IntegerResult(1, true));
+    // As long as the old one, and with its date.
+    const fs::path file = PreferencesFile(application.name);
+    const auto date = fs::last_write_time(file);
+    ASSERT_EQ(Tool("write com.zel.test.known Count '<*I2>'"), 0);
+    fs::last_write_time(file, date);
+    ASSERT_TRUE(application.Synchronize());
+    EXPECT_EQ(application.Integer("Count"), IntegerResult(2, true));
+}
+
+TEST(Preferences, OwnChangeIsWrittenToAFileThatHasLongBeenTheSame) {
+    const Application application{"com.zel.test.own"};
+    application.Set("Count", Number(1).Get());
+    ASSERT_TRUE(application.Synchronize());
+    SynchronizeWithOldFile(application);
+    application.Set("Count", Number(2).Get());
+    ASSERT_TRUE(application.Synchronize());
+    EXPECT_NE(ToolOutput("read com.zel.test.own Count").find('2'), std::string::npos);
+}
+
+TEST(Preferences, FileThatComesOrGoesIsSeen) {
+    const Application application{"com.zel.test.comes"};
+    ASSERT_TRUE(application.Synchronize());
+    ASSERT_TRUE(application.Synchronize());
+    ASSERT_EQ(Tool("write com.zel.test.comes Count '<*I1>'"), 0);
+    ASSERT_TRUE(application.Synchronize());
+    EXPECT_EQ(application.Integer("Count"), IntegerResult(1, true));
+    SynchronizeWithOldFile(application);
+    fs::remove(PreferencesFile(application.name));
+    ASSERT_TRUE(application.Synchronize());
+    EXPECT_EQ(application.Integer("Count"), IntegerResult(0, false));
+}
+
 TEST(Preferences, NewerValueOfAnotherProcessIsNotOverwrittenByAnOldOne) {
     const Application application{"com.zel.test.newer"};
     application.Set("Theirs", CFSTR("old"));
