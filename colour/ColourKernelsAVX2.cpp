@@ -2,8 +2,8 @@
 // function that another file compiles too: the linker would keep one of the two copies for all.
 #include "colour/ColourKernelsX86.h"
 #include "colour/EightColourLUT.h"
+#include "colour/KernelBlocks.h"
 
-#include <cstring>
 #include <immintrin.h>
 
 namespace {
@@ -27,40 +27,6 @@ __m256i Both(__m128i v) {
 
 __m256i Repeat(char a, char b, char c, char d) {
     return Both(_mm_setr_epi8(a, b, c, d, a, b, c, d, a, b, c, d, a, b, c, d));
-}
-
-__m256i FourBytes(const uint8_t *bytes) {
-    int32_t value = 0;
-    std::memcpy(&value, bytes, sizeof value);
-    return _mm256_set1_epi32(value);
-}
-
-// ---- White paper
-
-constexpr uint32_t kColourOfXRGB = 0xFFFFFF00;
-constexpr uint32_t kColourOfRGBX = 0x00FFFFFF;
-
-/// Are 32 pixels white in the bits of `colour`? In a photograph the first one tells that they are
-/// not, and costs next to nothing.
-bool AreWhite(const uint8_t *pixels, uint32_t colour) {
-    uint32_t first = 0;
-    std::memcpy(&first, pixels, sizeof first);
-    if ((first & colour) != colour) return false;
-    const __m256i common = _mm256_and_si256(_mm256_and_si256(Load(pixels), Load(pixels + 32)),
-                                            _mm256_and_si256(Load(pixels + 64), Load(pixels + 96)));
-    return _mm256_testc_si256(common, _mm256_set1_epi32(static_cast<int32_t>(colour))) != 0;
-}
-
-void Fill(uint8_t *dst, __m256i inks) {
-    for (int i = 0; i < 4; ++i)
-        Store(dst + 32 * i, inks);
-}
-
-/// The pixels come from memory, row after row, and the processor's own guess of what is needed next
-/// ends with every page of memory. Past the last pixel nothing is fetched that cannot be.
-void FetchAhead(const uint8_t *src) {
-    for (int i = 0; i < 2; ++i)
-        _mm_prefetch(src + 4096 + 64 * i, _MM_HINT_T0);
 }
 
 // ---- Black generation
@@ -221,20 +187,11 @@ uint64_t BlackGenerationAVX2(const uint8_t *table, const uint8_t *src, uint64_t 
                              uint8_t *dst) {
     const Slices slices = FindSlices(table);
     const __m256i lowest = _mm256_set1_epi8(static_cast<char>(slices.lowest));
-    const auto noColour = static_cast<uint8_t>(-table[256]);
-    const uint8_t paper[4] = {noColour, noColour, noColour, table[0]};
-    const __m256i white = FourBytes(paper);
-    uint64_t done = 0;
-    for (; done + 32 <= count; done += 32, src += 128, dst += 128) {
-        FetchAhead(src);
-        if (AreWhite(src, kColourOfXRGB)) {
-            Fill(dst, white);
-            continue;
-        }
+    const auto convert = [&](const uint8_t *pixels, uint8_t *out) {
         __m256i inks[4];
         for (int i = 0; i < 4; ++i)
             inks[i] =
-                _mm256_srli_epi32(_mm256_xor_si256(Load(src + 32 * i), _mm256_set1_epi8(-1)), 8);
+                _mm256_srli_epi32(_mm256_xor_si256(Load(pixels + 32 * i), _mm256_set1_epi8(-1)), 8);
         // Packing leaves, in each half, four greys of every vector in turn.
         const __m256i grey = _mm256_packus_epi16(_mm256_packus_epi32(Grey(inks[0]), Grey(inks[1])),
                                                  _mm256_packus_epi32(Grey(inks[2]), Grey(inks[3])));
@@ -250,23 +207,15 @@ uint64_t BlackGenerationAVX2(const uint8_t *table, const uint8_t *src, uint64_t 
             inks[3] = _mm256_sub_epi8(inks[3], Change(high, 1));
         }
         for (int i = 0; i < 4; ++i)
-            Store(dst + 32 * i, inks[i]);
-    }
-    return done;
+            Store(out + 32 * i, inks[i]);
+    };
+    return ConvertBlocks<32>(kXRGB, WhiteInks(table), src, count, dst, convert);
 }
 
 uint64_t EightColoursAVX2(const EightColourLUT &table, const uint8_t *src, uint64_t count,
                           uint8_t *dst) {
-    const __m256i white = FourBytes(table.grid + kWhitePoint);
-    uint64_t done = 0;
-    // One pixel more than a block: the byte after a block's last pixel is loaded with it.
-    for (; done + 32 < count; done += 32, src += 128, dst += 128) {
-        FetchAhead(src);
-        if (AreWhite(src, kColourOfRGBX)) {
-            Fill(dst, white);
-            continue;
-        }
-        const Places places = FindPlaces(Gather(src));
+    const auto convert = [&table](const uint8_t *rgb, uint8_t *out) {
+        const Places places = FindPlaces(Gather(rgb));
         alignas(32) uint16_t offsets[32];
         _mm256_store_si256(reinterpret_cast<__m256i *>(offsets), places.offsets[0]);
         _mm256_store_si256(reinterpret_cast<__m256i *>(offsets + 16), places.offsets[1]);
@@ -276,8 +225,8 @@ uint64_t EightColoursAVX2(const EightColourLUT &table, const uint8_t *src, uint6
                                        Weigh(table.corners, at, places.weights[i], 1));
             const __m256i second = Inks(Weigh(table.corners, at, places.weights[i], 2),
                                         Weigh(table.corners, at, places.weights[i], 3));
-            Store(dst + 32 * i, _mm256_packus_epi16(first, second));
+            Store(out + 32 * i, _mm256_packus_epi16(first, second));
         }
-    }
-    return done;
+    };
+    return ConvertBlocks<32>(kRGBX, FourBytes(table.grid + kWhitePoint), src, count, dst, convert);
 }

@@ -2,8 +2,8 @@
 // AVX2, nothing here may be an inline function that another file compiles too.
 #include "colour/ColourKernelsX86.h"
 #include "colour/EightColourLUT.h"
+#include "colour/KernelBlocks.h"
 
-#include <cstring>
 #include <immintrin.h>
 
 namespace {
@@ -15,42 +15,6 @@ __m512i Load(const uint8_t *bytes) {
 /// The same 16 bytes in every quarter.
 __m512i Quarters(__m128i v) {
     return _mm512_broadcast_i32x4(v);
-}
-
-// ---- White paper
-
-constexpr uint32_t kColourOfXRGB = 0xFFFFFF00;
-constexpr uint32_t kColourOfRGBX = 0x00FFFFFF;
-
-/// Are 64 pixels white in the bits of `colour`? In a photograph the first one tells that they are
-/// not, and costs next to nothing.
-bool AreWhite(const uint8_t *pixels, uint32_t colour) {
-    uint32_t first = 0;
-    std::memcpy(&first, pixels, sizeof first);
-    if ((first & colour) != colour) return false;
-    const __m512i common =
-        _mm512_and_si512(_mm512_and_si512(Load(pixels), Load(pixels + 64)),
-                         _mm512_and_si512(Load(pixels + 128), Load(pixels + 192)));
-    const __m512i white = _mm512_set1_epi32(static_cast<int32_t>(colour));
-    return _mm512_cmpneq_epi32_mask(_mm512_and_si512(common, white), white) == 0;
-}
-
-void Fill(uint8_t *dst, __m512i inks) {
-    for (int i = 0; i < 4; ++i)
-        _mm512_storeu_si512(dst + 64 * i, inks);
-}
-
-__m512i FourBytes(const uint8_t *bytes) {
-    int32_t value = 0;
-    std::memcpy(&value, bytes, sizeof value);
-    return _mm512_set1_epi32(value);
-}
-
-/// The pixels come from memory, row after row, and the processor's own guess of what is needed next
-/// ends with every page of memory. Past the last pixel nothing is fetched that cannot be.
-void FetchAhead(const uint8_t *src) {
-    for (int i = 0; i < 4; ++i)
-        _mm_prefetch(src + 4096 + 64 * i, _MM_HINT_T0);
 }
 
 // ---- Black generation
@@ -203,20 +167,11 @@ uint64_t BlackGenerationAVX512(const uint8_t *table, const uint8_t *src, uint64_
                                uint8_t *dst) {
     const ByteTable black = LoadTable(table);
     const ByteTable removal = LoadTable(table + 256);
-    const auto noColour = static_cast<uint8_t>(-table[256]);
-    const uint8_t paper[4] = {noColour, noColour, noColour, table[0]};
-    const __m512i white = FourBytes(paper);
-    uint64_t done = 0;
-    for (; done + 64 <= count; done += 64, src += 256, dst += 256) {
-        FetchAhead(src);
-        if (AreWhite(src, kColourOfXRGB)) {
-            Fill(dst, white);
-            continue;
-        }
+    const auto convert = [&](const uint8_t *pixels, uint8_t *out) {
         __m512i inks[4];
         for (int i = 0; i < 4; ++i)
             inks[i] =
-                _mm512_srli_epi32(_mm512_xor_si512(Load(src + 64 * i), _mm512_set1_epi8(-1)), 8);
+                _mm512_srli_epi32(_mm512_xor_si512(Load(pixels + 64 * i), _mm512_set1_epi8(-1)), 8);
         // Packing leaves, in each quarter, four greys of every vector in turn.
         const __m512i grey = _mm512_packus_epi16(_mm512_packus_epi32(Grey(inks[0]), Grey(inks[1])),
                                                  _mm512_packus_epi32(Grey(inks[2]), Grey(inks[3])));
@@ -224,31 +179,23 @@ uint64_t BlackGenerationAVX512(const uint8_t *table, const uint8_t *src, uint64_
         const __m512i added = _mm512_sub_epi8(_mm512_setzero_si512(), LookUp(black, grey));
         const __m512i low = _mm512_unpacklo_epi8(removed, added);
         const __m512i high = _mm512_unpackhi_epi8(removed, added);
-        _mm512_storeu_si512(dst, _mm512_sub_epi8(inks[0], Change(low, 0)));
-        _mm512_storeu_si512(dst + 64, _mm512_sub_epi8(inks[1], Change(low, 8)));
-        _mm512_storeu_si512(dst + 128, _mm512_sub_epi8(inks[2], Change(high, 0)));
-        _mm512_storeu_si512(dst + 192, _mm512_sub_epi8(inks[3], Change(high, 8)));
-    }
-    return done;
+        _mm512_storeu_si512(out, _mm512_sub_epi8(inks[0], Change(low, 0)));
+        _mm512_storeu_si512(out + 64, _mm512_sub_epi8(inks[1], Change(low, 8)));
+        _mm512_storeu_si512(out + 128, _mm512_sub_epi8(inks[2], Change(high, 0)));
+        _mm512_storeu_si512(out + 192, _mm512_sub_epi8(inks[3], Change(high, 8)));
+    };
+    return ConvertBlocks<64>(kXRGB, WhiteInks(table), src, count, dst, convert);
 }
 
 uint64_t EightColoursAVX512(const EightColourLUT &table, const uint8_t *src, uint64_t count,
                             uint8_t *dst) {
-    const __m512i white = FourBytes(table.grid + kWhitePoint);
-    uint64_t done = 0;
-    // One pixel more than a block: the byte after a block's last pixel is loaded with it.
-    for (; done + 64 < count; done += 64, src += 256, dst += 256) {
-        FetchAhead(src);
-        if (AreWhite(src, kColourOfRGBX)) {
-            Fill(dst, white);
-            continue;
-        }
-        const Tetrahedra64 tetrahedra = ChooseTetrahedra(Gather(src));
+    const auto convert = [&table](const uint8_t *rgb, uint8_t *out) {
+        const Tetrahedra64 tetrahedra = ChooseTetrahedra(Gather(rgb));
         const Pairs weights = Pair(tetrahedra.weight);
         __m512i ink[4];
         for (int i = 0; i < 4; ++i)
             ink[i] = Ink(table.planes + kPlaneSize * static_cast<size_t>(i), tetrahedra, weights);
-        StoreInks(dst, ink);
-    }
-    return done;
+        StoreInks(out, ink);
+    };
+    return ConvertBlocks<64>(kRGBX, FourBytes(table.grid + kWhitePoint), src, count, dst, convert);
 }
