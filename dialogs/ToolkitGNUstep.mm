@@ -147,6 +147,15 @@ static void FinishLaunching() {
     [delegate release];
 }
 
+/// GNUstep sets its mouse up in the middle of the first click, and serves its event queue while it
+/// talks to the notification daemon for that: the button's release overtook its press, and the
+/// clicked field waited for a release for ever.
+static void PrepareMouse() {
+    const SEL initialize = NSSelectorFromString(@"initializeMouse");
+    GSDisplayServer *server = GSCurrentServer();
+    if ([server respondsToSelector:initialize]) [server performSelector:initialize];
+}
+
 static BOOL StartApplication() {
     const char *display = std::getenv("DISPLAY");
     if (display == nullptr || *display == 0) return NO;
@@ -161,6 +170,7 @@ static BOOL StartApplication() {
             FinishLaunching();
         else
             [NSScreen mainScreen]; // raises when an earlier start found no server
+        PrepareMouse();
         [[NSNotificationCenter defaultCenter] addObserver:[ZELDialogWindowGuard new]
                                                  selector:@selector(windowDidBecomeKey:)
                                                      name:NSWindowDidBecomeKeyNotification
