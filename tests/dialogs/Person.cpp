@@ -2,7 +2,7 @@
 
 #include "tests/dialogs/WindowManager.h"
 
-#include <chrono>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -65,6 +65,7 @@ void AddLine(Screen &screen, const std::vector<std::string> &f) {
         screen.controls[f[1]] = control;
         if (screen.focus == f[1]) screen.focus.clear();
     }
+    if (f[0] == "responder") screen.focus = f[1];
     if (f[0] == "item") screen.items[f[1]] = control;
     if (f[0] == "menu") screen.menuHandle = f[1];
     if (f[0] == "text") screen.texts += f[5] + "\n";
@@ -90,30 +91,41 @@ Person::~Person() {
     waitpid(mHost, &status, 0);
 }
 
-void Person::Open(const std::string &dialog, const PSHPrint &record) {
-    const std::string paths[][2] = {{"ZEL_RECORD", mFolder + "/record"},
-                                    {"ZEL_STATE", mFolder + "/state"},
-                                    {"ZEL_RESULT", mFolder + "/result"}};
-    for (const auto &path : paths) {
-        setenv(path[0].c_str(), path[1].c_str(), 1);
-        unlink(path[1].c_str());
-    }
-    std::ofstream(mFolder + "/record", std::ios::binary)
-        .write(reinterpret_cast<const char *>(&record), sizeof record);
-    mHost = Spawn({ZEL_DIALOG_HOST, dialog}, mFolder + "/log");
+void Person::Start(const std::vector<std::string> &arguments) {
+    setenv("ZEL_STATE", (mFolder + "/state").c_str(), 1);
+    for (const char *name : {"/state", "/log"})
+        unlink((mFolder + name).c_str());
+    mHost = Spawn(arguments, mFolder + "/log");
     ASSERT_GT(mHost, 0);
 }
 
+void Person::Open(const std::string &dialog, const PSHPrint &record) {
+    setenv("ZEL_RECORD", (mFolder + "/record").c_str(), 1);
+    setenv("ZEL_RESULT", (mFolder + "/result").c_str(), 1);
+    unlink((mFolder + "/result").c_str());
+    std::ofstream(mFolder + "/record", std::ios::binary)
+        .write(reinterpret_cast<const char *>(&record), sizeof record);
+    Start({ZEL_DIALOG_HOST, dialog});
+}
+
 bool Person::HostHasEnded() {
-    int status = 0;
-    if (mHost > 0 && waitpid(mHost, &status, WNOHANG) == 0) return false;
+    if (mHost > 0 && waitpid(mHost, &mStatus, WNOHANG) == 0) return false;
     mHost = -1;
     unlink((mFolder + "/state").c_str());
     return true;
 }
 
-std::string Person::Result() {
+int Person::Status() {
     WaitFor("the host's end", [this](const Screen &) { return HostHasEnded(); });
+    return WIFEXITED(mStatus) ? WEXITSTATUS(mStatus) : 128 + WTERMSIG(mStatus);
+}
+
+std::string Person::Log() const {
+    return ReadFile(mFolder + "/log");
+}
+
+std::string Person::Result() {
+    EXPECT_EQ(Status(), 0) << Log();
     return ReadFile(mFolder + "/result");
 }
 
@@ -148,8 +160,9 @@ Screen Person::WaitForWindow(const std::string &kind) {
                    [&](const Screen &screen) { return screen.kind == kind && screen.isKey; });
 }
 
-bool Person::ComesTrue(const std::function<bool(const Screen &)> &effect) const {
-    const auto end = Clock::now() + kEffect;
+bool Person::ComesTrue(const std::function<bool(const Screen &)> &effect,
+                       std::chrono::milliseconds patience) const {
+    const auto end = Clock::now() + patience;
     while (Clock::now() < end) {
         if (effect(Look())) return true;
         std::this_thread::sleep_for(kGlance);
@@ -161,7 +174,8 @@ void Person::Repeat(const std::string &what, const std::function<void()> &action
                     const std::function<bool(const Screen &)> &effect) {
     for (int attempt = 0; attempt < 10; ++attempt) {
         action();
-        if (ComesTrue(effect)) return;
+        if (ComesTrue(effect, kEffect)) return;
+        fprintf(stderr, "Without effect: %s\n", what.c_str());
     }
     GiveUp(what, mFolder);
 }
@@ -197,19 +211,29 @@ void Person::Toggle(const std::string &checkBox) {
           [&](const Screen &screen) { return screen.controls.at(checkBox).value != before; });
 }
 
-void Person::MoveToItem(const Screen &menu, const std::string &tag) const {
-    const auto isHighlighted = [&] {
+void Person::MoveToItem(const std::string &tag) const {
+    // By what is highlighted, as the eye does it: the menu may not follow the pointer yet when it
+    // has just come up, and one that is longer than the screen scrolls with the pointer at the
+    // edge.
+    const auto end = Clock::now() + kPatience / 2;
+    while (Clock::now() < end) {
         const Screen screen = Look();
-        return screen.items.count(tag) != 0 && screen.items.at(tag).value == "1";
-    };
-    // The menu may not follow the pointer yet when it has just come up: keep moving.
-    if (menu.items.count(tag) == 0) return;
-    Screen::Control item = menu.items.at(tag);
-    for (int i = 0; i < 40 && !isHighlighted(); ++i) {
-        item.x += i % 2 == 0 ? 4 : -4;
-        MoveTo(menu.menuHandle, item);
-        for (int glance = 0; glance < 10 && !isHighlighted(); ++glance)
-            std::this_thread::sleep_for(kGlance);
+        const auto wanted = screen.items.find(tag);
+        const auto current =
+            std::find_if(screen.items.begin(), screen.items.end(),
+                         [](const auto &item) { return item.second.value == "1"; });
+        if (wanted == screen.items.end()) return;
+        if (current == wanted) return;
+        if (current == screen.items.end())
+            MoveTo(screen.menuHandle, wanted->second);
+        else
+            Run({"xdotool", "mousemove_relative", "--", "1",
+                 std::to_string(wanted->second.y - current->second.y)});
+        ComesTrue(
+            [&](const Screen &s) {
+                return s.items.count(tag) == 0 || s.items.at(tag).value == "1";
+            },
+            200ms);
     }
 }
 
@@ -228,8 +252,8 @@ void Person::Choose(const std::string &popup, int tag) {
             MoveTo(screen.handle, screen.controls[popup]);
             Run({"xdotool", "mousedown", "1"});
             const bool isOpen =
-                ComesTrue([&](const Screen &s) { return s.items.count(wanted) != 0; });
-            if (isOpen) MoveToItem(Look(), wanted);
+                ComesTrue([&](const Screen &s) { return s.items.count(wanted) != 0; }, kEffect);
+            if (isOpen) MoveToItem(wanted);
             Run({"xdotool", "mouseup", "1"});
         },
         chosen);
@@ -255,6 +279,16 @@ void Person::Press(const std::string &key) {
 void Person::PressTo(const std::string &key, const std::function<bool(const Screen &)> &effect) {
     Repeat(
         "press " + key, [&] { Press(key); }, effect);
+}
+
+void Person::DragWindow(int dx, int dy) {
+    const std::string handle = Look().handle;
+    Run({"xdotool", "mousemove", "--window", handle, "--", "150", "-8"});
+    Run({"xdotool", "mousedown", "1"});
+    for (int step = 0; step < 10; ++step) // a window manager waits for a hand that really moves
+        Run({"xdotool", "mousemove_relative", "--sync", "--", std::to_string(dx / 10),
+             std::to_string(dy / 10)});
+    Run({"xdotool", "mouseup", "1"});
 }
 
 void Person::TakePicture(const std::string &name) const {

@@ -4,13 +4,14 @@
 
 #include "PSHPrint.h"
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <string>
 #include <sys/types.h>
 #include <vector>
 
-/// What the front window shows, as dialog_host reports it.
+/// What the front window shows, as the observer reports it.
 struct Screen {
     struct Control {
         int x = 0, y = 0;
@@ -19,16 +20,15 @@ struct Screen {
     };
     std::string kind; ///< "dialog", "alert", "panel" or empty: no window
     std::string handle, title, texts, menuHandle;
-    bool isKey = false;
+    bool isKey = false;                      ///< has the keyboard
     std::map<std::string, Control> controls; ///< by outlet, or by title
     std::map<std::string, Control> items;    ///< of the open pop-up menu, by tag
-    std::string focus;                       ///< the field being edited
+    std::string focus;                       ///< the control that keys go to
     bool isFocusSelected = false;            ///< with all its text selected
 };
 
-/// Runs a host with one dialog and does with it what a person does. Every action is repeated until
-/// it has its effect, since a busy machine may lose one; an effect that never comes ends the test
-/// program.
+/// Runs a host with dialogs and does with them what a person does. An action whose effect does not
+/// come is repeated, as a person does it; an effect that never comes ends the test program.
 class Person {
 public:
     /// `folder` holds the files that are exchanged with the host.
@@ -39,9 +39,15 @@ public:
 
     /// Starts the host with a dialog ("style", "job" or "job-copies") on a record.
     void Open(const std::string &dialog, const PSHPrint &record);
+    /// Starts any program, watched by the observer.
+    void Start(const std::vector<std::string> &arguments);
     /// Waits until the host has ended; its result.
     std::string Result();
     bool HostHasEnded();
+    /// Waits until the host has ended; its exit status.
+    int Status();
+    /// All that the host has said so far.
+    std::string Log() const;
     PSHPrint Record() const;
 
     Screen Look() const;
@@ -59,6 +65,8 @@ public:
     /// Clicks into a field, takes its text away and types another.
     void Type(const std::string &field, const std::string &text);
     void Press(const std::string &key);
+    /// Drags the window by its title bar; multiples of ten.
+    void DragWindow(int dx, int dy);
     /// Presses a key until the effect is there.
     void PressTo(const std::string &key, const std::function<bool(const Screen &)> &effect);
 
@@ -67,11 +75,13 @@ public:
 
 private:
     void MoveTo(const std::string &handle, const Screen::Control &control) const;
-    void MoveToItem(const Screen &menu, const std::string &tag) const;
-    bool ComesTrue(const std::function<bool(const Screen &)> &effect) const;
+    void MoveToItem(const std::string &tag) const;
+    bool ComesTrue(const std::function<bool(const Screen &)> &effect,
+                   std::chrono::milliseconds patience) const;
     void Repeat(const std::string &what, const std::function<void()> &action,
                 const std::function<bool(const Screen &)> &effect);
 
     std::string mFolder;
     pid_t mHost = -1;
+    int mStatus = -1;
 };

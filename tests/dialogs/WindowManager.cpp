@@ -4,6 +4,7 @@
 #include <X11/Xlib.h>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -65,4 +66,16 @@ void StopWindowManager() {
     int status = 0;
     if (gWindowManager > 0) waitpid(gWindowManager, &status, 0);
     gWindowManager = -1;
+}
+
+WindowPlace PlaceOfWindow(const std::string &handle) {
+    WindowPlace place = {-1, -1};
+    Display *display = XOpenDisplay(nullptr);
+    if (display == nullptr) return place;
+    XSetErrorHandler([](Display *, XErrorEvent *) { return 0; }); // a window that has just gone
+    Window child = None;
+    XTranslateCoordinates(display, std::strtoul(handle.c_str(), nullptr, 10),
+                          DefaultRootWindow(display), 0, 0, &place.x, &place.y, &child);
+    XCloseDisplay(display);
+    return place;
 }

@@ -11,3 +11,10 @@ pid_t Spawn(const std::vector<std::string> &arguments, const std::string &log);
 /// Starts a window manager for the test program's display and waits until it works.
 bool StartWindowManager();
 void StopWindowManager();
+
+/// Top left corner of a window's content on the screen, in pixels.
+struct WindowPlace {
+    int x, y;
+};
+/// `handle` is the window server's number in digits; without such a window, -1, -1.
+WindowPlace PlaceOfWindow(const std::string &handle);

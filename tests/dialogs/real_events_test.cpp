@@ -2,89 +2,13 @@
 // screen shows.
 #include "Common/Src/BigEndian.h"
 #include "Common/Src/PrintRecord.h"
-#include "tests/dialogs/Person.h"
+#include "tests/dialogs/PersonTest.h"
 #include "tests/dialogs/TestBundle.h"
-#include "tests/dialogs/TestPPD.h"
-#include "tests/dialogs/WindowManager.h"
 
 #include <cstring>
 #include <filesystem>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace {
-
-class WindowManager : public testing::Environment {
-public:
-    void SetUp() override { ASSERT_TRUE(StartWindowManager()); }
-    void TearDown() override { StopWindowManager(); }
-};
-const testing::Environment *const kWindowManager =
-    testing::AddGlobalTestEnvironment(new WindowManager);
-
-PSHPrint GoodRecord() {
-    PSHPrint record = {};
-    std::memcpy(record.mMagic_be, "POST", 4);
-    SetRecordName(record.mPageName, "A4");
-    SetRecordName(record.mResolutionName, "300dpi");
-    record.mPageWidth_be = DoubleToBigEndian(595);
-    record.mPageHeight_be = DoubleToBigEndian(842);
-    record.mXDpi_be = record.mYDpi_be = DoubleToBigEndian(300);
-    record.copies_be = Int16ToBigEndian(5);
-    record.fromPage_be = Int16ToBigEndian(1);
-    record.toPage_be = Int16ToBigEndian(999);
-    return record;
-}
-
-void ExpectSameRecord(const PSHPrint &record, const PSHPrint &expected) {
-    const auto *a = reinterpret_cast<const unsigned char *>(&record);
-    const auto *b = reinterpret_cast<const unsigned char *>(&expected);
-    for (size_t i = 0; i < sizeof record; ++i)
-        ASSERT_EQ(int(a[i]), int(b[i])) << "byte " << i;
-}
-
-void SetPreference(CFStringRef key, CFTypeRef value) {
-    CFPreferencesSetAppValue(key, value, TestBundleIdentifier());
-    CFPreferencesAppSynchronize(TestBundleIdentifier());
-}
-
-class PersonTest : public testing::Test {
-protected:
-    PersonTest() : mFolder(MakeTestFolder()), mPerson(mFolder) {
-        for (CFStringRef key : {CFSTR("MeasurementUnit"), CFSTR("SendToDefaultPrintQueue"),
-                                CFSTR("PPDBookmark"), CFSTR("HotFolderBookmark")})
-            SetPreference(key, nullptr);
-    }
-    ~PersonTest() override { RemoveTestFolder(mFolder); }
-
-    void SavePlace(CFStringRef key, const std::string &path) {
-        CFURLRef url = FolderURL(path);
-        CFDataRef bookmark =
-            CFURLCreateBookmarkData(kCFAllocatorDefault, url, 1024, nullptr, nullptr, nullptr);
-        SetPreference(key, bookmark);
-        CFRelease(bookmark);
-        CFRelease(url);
-    }
-    void UsePrinter(const PPDOptions &options) {
-        SavePlace(CFSTR("PPDBookmark"), WriteFile(mFolder, "Test.ppd", PPDText(options)));
-    }
-    void OpenStyle(const PSHPrint &record) {
-        mPerson.Open("style", record);
-        mPerson.WaitForWindow("dialog");
-    }
-    /// Presses OK on what is typed; the alert must have that text.
-    void ExpectRefused(const std::string &field, const std::string &message) {
-        mPerson.ClickTo("okButton", "alert");
-        EXPECT_NE(mPerson.Look().texts.find(message), std::string::npos) << mPerson.Look().texts;
-        mPerson.TakePicture("real-refused-" + field);
-        mPerson.PressTo("Return", [&](const Screen &s) { return s.kind == "dialog" && s.isKey; });
-        mPerson.WaitFor("the selected text of " + field,
-                        [&](const Screen &s) { return s.focus == field && s.isFocusSelected; });
-    }
-
-    std::string mFolder;
-    Person mPerson;
-};
 
 TEST_F(PersonTest, Style_EveryControl_EndsInTheRecord) {
     UsePrinter({});
@@ -151,7 +75,6 @@ TEST_F(PersonTest, Style_WrongInputInEachField_IsRefusedOnOK) {
 TEST_F(PersonTest, Style_NoPPD_TellsAndLetsTheUserChooseOne) {
     WriteFile(mFolder, "Chosen.ppd", PPDText());
     WriteFile(mFolder, "Notes.txt", "nothing");
-    ASSERT_EQ(chdir(mFolder.c_str()), 0); // where the panel starts
     mPerson.Open("style", GoodRecord());
     EXPECT_NE(
         mPerson.WaitForWindow("alert").texts.find("No PPD file has been selected - using defaults"),
@@ -176,7 +99,6 @@ TEST_F(PersonTest, Style_NoPPD_TellsAndLetsTheUserChooseOne) {
     mPerson.PressTo("Return", [this](const Screen &) { return mPerson.HostHasEnded(); });
     EXPECT_EQ(mPerson.Result(), "confirmed 1 opened 0 closed 0");
     EXPECT_EQ(RecordName(mPerson.Record().mPageName), "Letter");
-    ASSERT_EQ(chdir("/"), 0);
 }
 
 TEST_F(PersonTest, Style_SizeFromDocumentTooLarge_AsksFirst) {
@@ -240,7 +162,6 @@ TEST_F(PersonTest, Style_TabKey_GoesThroughTheFields) {
 
 TEST_F(PersonTest, Job_NoHotFolder_SaveAsGivesFolderAndName) {
     UsePrinter({});
-    ASSERT_EQ(chdir(mFolder.c_str()), 0);
     mPerson.Open("job", GoodRecord());
     mPerson.WaitForWindow("dialog");
     EXPECT_FALSE(mPerson.Look().controls["saveButton"].enabled);
@@ -257,7 +178,6 @@ TEST_F(PersonTest, Job_NoHotFolder_SaveAsGivesFolderAndName) {
     mPerson.WaitForWindow("dialog");
     mPerson.ClickTo("saveButton", "");
     EXPECT_EQ(mPerson.Result(), "confirmed 1 opened 0 closed 0");
-    ASSERT_EQ(chdir("/"), 0);
 }
 
 TEST_F(PersonTest, Job_PageRange_IsTypedCheckedAndStored) {
