@@ -3,6 +3,7 @@
 #import "dialogs/DialogSupport.h"
 
 #include <cstdlib>
+#include <objc/runtime.h>
 
 #import <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
@@ -194,6 +195,23 @@ BOOL EnsureApplication(void) {
 
 enum { kHeadingTag = 1 };
 
+/// The theme draws a long title across the arrow and beyond the button. No instance variables:
+/// cells that an interface file has made become cells of this class.
+@interface ZELPopUpCell : NSPopUpButtonCell
+@end
+
+@implementation ZELPopUpCell
+- (void)drawTitleWithFrame:(NSRect)frame inView:(NSView *)view {
+    constexpr CGFloat kArrow = 22;
+    const NSRect bounds = [view bounds];
+    [NSGraphicsContext saveGraphicsState];
+    NSRectClip(
+        NSMakeRect(NSMinX(bounds), NSMinY(bounds), NSWidth(bounds) - kArrow, NSHeight(bounds)));
+    [super drawTitleWithFrame:frame inView:view];
+    [NSGraphicsContext restoreGraphicsState];
+}
+@end
+
 typedef void (*MarkDrawing)(BOOL isOn);
 
 /// The theme tells a selected radio button by shades of grey that a light palette does not have.
@@ -279,6 +297,8 @@ void FitToolkitMenu(NSMenu *menu) {
 }
 
 static void PreparePopUp(NSPopUpButton *popup) {
+    if ([[popup cell] isMemberOfClass:[NSPopUpButtonCell class]])
+        object_setClass([popup cell], [ZELPopUpCell class]);
     // The cell keeps an unretained selected item and changes its state while it is deallocated,
     // after the menu has gone; without state changes that cannot happen, and no check mark is
     // drawn.

@@ -130,6 +130,7 @@
                      of:sub
                 enabled:YES
                   value:[(NSTextField *)sub stringValue]];
+        if (name == nil && [sub isKindOfClass:[NSButton class]]) name = [(NSButton *)sub title];
         if (name != nil && [[sub window] firstResponder] == sub)
             fprintf(_file, "responder\t%s\t0\t0\t1\t\n", [name UTF8String]);
         [self writeView:sub outlets:outlets];

@@ -105,7 +105,8 @@ void Person::Open(const std::string &dialog, const PSHPrint &record) {
     unlink((mFolder + "/result").c_str());
     std::ofstream(mFolder + "/record", std::ios::binary)
         .write(reinterpret_cast<const char *>(&record), sizeof record);
-    Start({ZEL_DIALOG_HOST, dialog});
+    // Also where the user's defaults cannot be read.
+    Start({ZEL_DIALOG_HOST, dialog, "-GSAppKitUserBundles", "(\"" ZEL_DIALOG_OBSERVER "\")"});
 }
 
 bool Person::HostHasEnded() {
@@ -148,7 +149,7 @@ Screen Person::WaitFor(const std::string &what,
                        const std::function<bool(const Screen &)> &condition) {
     const auto end = Clock::now() + kPatience;
     while (Clock::now() < end) {
-        const Screen screen = Look();
+        Screen screen = Look();
         if (condition(screen)) return screen;
         std::this_thread::sleep_for(kGlance);
     }

@@ -11,8 +11,6 @@
 #include <thread>
 #include <unistd.h>
 
-extern char **environ;
-
 namespace {
 
 pid_t gWindowManager = -1;

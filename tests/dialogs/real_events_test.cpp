@@ -10,8 +10,30 @@
 
 namespace {
 
+/// A preferences file with the printer alone, and what the test of every control adds to it.
+std::string WithEveryChoice(std::string preferences) {
+    const std::string start = "    <key>PPDBookmark</key>", end = "</dict>\n</plist>";
+    preferences.insert(preferences.find(end), "    <key>PSColourSpace</key>\n"
+                                              "    <integer>0</integer>\n"
+                                              "    <key>PageOptions</key>\n"
+                                              "    <dict>\n"
+                                              "\t<key>FlipH</key>\n\t<true/>\n"
+                                              "\t<key>FlipV</key>\n\t<true/>\n"
+                                              "\t<key>Rotate</key>\n\t<false/>\n"
+                                              "\t<key>Separation</key>\n"
+                                              "\t<string>Standard</string>\n"
+                                              "    </dict>\n"
+                                              "    <key>SendToDefaultPrintQueue</key>\n"
+                                              "    <true/>\n");
+    return preferences.insert(preferences.find(start), "    <key>FileFormat</key>\n"
+                                                       "    <string>eps</string>\n"
+                                                       "    <key>MeasurementUnit</key>\n"
+                                                       "    <integer>1</integer>\n");
+}
+
 TEST_F(PersonTest, Style_EveryControl_EndsInTheRecord) {
     UsePrinter({});
+    const std::string expectedPreferences = WithEveryChoice(PreferencesFile());
     OpenStyle(GoodRecord());
     mPerson.TakePicture("real-style");
     mPerson.Choose("unitsMenu", 1);
@@ -44,13 +66,7 @@ TEST_F(PersonTest, Style_EveryControl_EndsInTheRecord) {
     expected.mFlipH_be = expected.mFlipV_be = SwapBigEndian(uint32_t{1});
     std::memcpy(expected.cmykSeparationName, "\10Standard", 9);
     ExpectSameRecord(mPerson.Record(), expected);
-    Boolean exists = 0;
-    CFPreferencesAppSynchronize(TestBundleIdentifier());
-    EXPECT_EQ(
-        CFPreferencesGetAppIntegerValue(CFSTR("MeasurementUnit"), TestBundleIdentifier(), &exists),
-        1);
-    EXPECT_TRUE(CFPreferencesGetAppBooleanValue(CFSTR("SendToDefaultPrintQueue"),
-                                                TestBundleIdentifier(), &exists));
+    EXPECT_EQ(PreferencesFile(), expectedPreferences);
 }
 
 TEST_F(PersonTest, Style_WrongInputInEachField_IsRefusedOnOK) {

@@ -6,6 +6,22 @@
 
 #include <cstring>
 
+/// Notes what the key "isCMYK" becomes.
+@interface ZELChangeCounter : NSObject {
+  @public
+    std::vector<bool> _values;
+}
+@end
+
+@implementation ZELChangeCounter
+- (void)observeValueForKeyPath:(NSString *)path
+                      ofObject:(id)object
+                        change:(NSDictionary *)change
+                       context:(void *)context {
+    _values.push_back([[change objectForKey:NSKeyValueChangeNewKey] boolValue]);
+}
+@end
+
 namespace {
 
 constexpr int kA4 = 0, kLetter = 1, kTabloid = 2, kCustom = -1;
@@ -150,6 +166,25 @@ TEST_F(StyleFlow, Colour_LeavingCMYK_DisablesSeparations) {
     Press(@"OK");
     EXPECT_TRUE(Run());
     EXPECT_EQ(mRecord.mColourSpace_be, 0u);
+}
+
+TEST_F(StyleFlow, Colour_Set_IsAnnouncedToObservers) {
+    WhenOpen([] {
+        ZELChangeCounter *counter = [[ZELChangeCounter new] autorelease];
+        PostscriptPrinterStyleDialogController *dialog = Controller();
+        [dialog addObserver:counter
+                 forKeyPath:@"isCMYK"
+                    options:NSKeyValueObservingOptionNew
+                    context:NULL];
+        [dialog setColourspace:2];
+        EXPECT_EQ(counter->_values, std::vector<bool>{false});
+        ChooseTag([dialog colourMenu], 1);
+        ChooseTag([dialog colourMenu], 0);
+        EXPECT_EQ(counter->_values, (std::vector<bool>{false, false, true}));
+        [dialog removeObserver:counter forKeyPath:@"isCMYK"];
+    });
+    Press(@"Cancel");
+    EXPECT_FALSE(Run());
 }
 
 TEST_F(StyleFlow, Colour_PrinterWithout_IsGrayAndDisabled) {
@@ -411,6 +446,38 @@ INSTANTIATE_TEST_SUITE_P(
         BadSize{kInches, "5", "x", "Height is not a number.", true},
         BadSize{kMillimetres, "100", "50.79", "Height should be a number between 50.80 and 705.56.",
                 true}));
+
+TEST_F(StyleFlow, OK_NoNumberInEachFieldAndUnit_IsToldAndSelected) {
+    for (int unit = 0; unit < 4; ++unit) {
+        WhenOpen([unit] { ChooseTag([Controller() unitsMenu], unit); });
+        for (const bool isWidth : {true, false}) {
+            for (const char *wrong : {"", "1e99", "-1", "wide", "8 in"}) {
+                WhenOpen([=] {
+                    ChooseTag([Controller() pagesMenu], kA4);
+                    TypeInto(isWidth ? [Controller() pageWidth] : [Controller() pageHeight], wrong);
+                    PressLater([Controller() okButton]);
+                });
+                WhenAbove([=] {
+                    EXPECT_NE(
+                        WindowTexts(WindowAboveDialog())
+                            .find(isWidth ? "Width is not a number." : "Height is not a number."),
+                        std::string::npos)
+                        << wrong << " in unit " << unit;
+                    PressButton(WindowAboveDialog(), @"OK");
+                });
+                WhenOpen([=] {
+                    EXPECT_TRUE(IsTextSelected(isWidth ? [Controller() pageWidth]
+                                                       : [Controller() pageHeight]));
+                    EXPECT_EQ(PageName(), "A4");
+                });
+            }
+        }
+    }
+    Press(@"Cancel");
+    const PSHPrint before = mRecord;
+    EXPECT_FALSE(Run());
+    ExpectSameRecord(mRecord, before);
+}
 
 TEST_F(StyleFlow, Typing_Resolution_FollowsOnlyGoodNumbers) {
     WhenOpen([] {

@@ -30,7 +30,7 @@ std::string PlaceOf(CFStringRef key) {
     CFURLRef url =
         CFURLCreateByResolvingBookmarkData(kCFAllocatorDefault, static_cast<CFDataRef>(data), 256,
                                            nullptr, nullptr, &isStale, nullptr);
-    const std::string path = url != nullptr ? URLPath(url) : "";
+    std::string path = url != nullptr ? URLPath(url) : "";
     if (url != nullptr) CFRelease(url);
     CFRelease(data);
     return path;
