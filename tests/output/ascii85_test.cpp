@@ -1,5 +1,6 @@
 // The base-85 kernels: every one of them gives the text of the literal transcription.
 #include "Common/Src/ASCII85.h"
+#include "tests/output/ASCII85KernelNames.h"
 #include "tests/output/LiteralASCII85.h"
 #include <gtest/gtest.h>
 #include <memory>
@@ -48,18 +49,8 @@ protected:
     }
 };
 
-std::vector<ASCII85NamedKernel> AllKernels() {
-    const auto kernels = ASCII85Kernels();
-    return {kernels.begin(), kernels.end()};
-}
-
-std::string KernelName(const testing::TestParamInfo<ASCII85NamedKernel> &info) {
-    std::string name = info.param.name;
-    std::erase_if(name, [](char c) { return isalnum(c) == 0; });
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Kernels, ASCII85KernelTest, testing::ValuesIn(AllKernels()), KernelName);
+INSTANTIATE_TEST_SUITE_P(Kernels, ASCII85KernelTest, testing::ValuesIn(AllASCII85Kernels()),
+                         ASCII85KernelTestName);
 
 TEST_P(ASCII85KernelTest, NoBlocksGiveNoText) {
     ExpectLiteralText({});

@@ -1,6 +1,7 @@
 // The stream encoders: lines, blocks, the end of the data, and what an error leaves behind.
 #include "Common/Src/StreamEncoders.h"
 #include "Common/Src/Writebuffer.h"
+#include "tests/output/ASCII85KernelNames.h"
 #include "tests/output/LiteralASCII85.h"
 #include "tests/output/OutputFile.h"
 #include <cerrno>
@@ -95,19 +96,8 @@ Bytes DataLeaving(size_t count) {
 
 class ASCII85StreamEncoderTest : public testing::TestWithParam<ASCII85NamedKernel> {};
 
-std::vector<ASCII85NamedKernel> AllKernels() {
-    const auto kernels = ASCII85Kernels();
-    return {kernels.begin(), kernels.end()};
-}
-
-std::string KernelName(const testing::TestParamInfo<ASCII85NamedKernel> &info) {
-    std::string name = info.param.name;
-    std::erase_if(name, [](char c) { return isalnum(c) == 0; });
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Kernels, ASCII85StreamEncoderTest, testing::ValuesIn(AllKernels()),
-                         KernelName);
+INSTANTIATE_TEST_SUITE_P(Kernels, ASCII85StreamEncoderTest, testing::ValuesIn(AllASCII85Kernels()),
+                         ASCII85KernelTestName);
 
 TEST_P(ASCII85StreamEncoderTest, EveryShortLengthOfEveryKindOfData) {
     for (int kind = 0; kind < 4; ++kind) {
