@@ -1,18 +1,27 @@
 #include "host/CommandLine.h"
 
 #include "PSHPrint.h"
+#include "host/Console.h"
 #include "host/JobTitle.h"
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <iostream>
 #include <map>
 
 namespace {
 
+/// A script's variable that is empty by mistake must not print to another printer or folder than
+/// was meant.
+CLI::Validator Filled() {
+    return CLI::Validator(
+        [](std::string &text) { return std::string(text.empty() ? "its value is empty" : ""); },
+        std::string());
+}
+
 template <typename T>
-void Choice(CLI::App &app, const char *names, std::optional<T> &value, const char *help) {
-    app.add_option(names, value, help);
+CLI::Option *Choice(CLI::App &app, const char *names, T &value, const char *help) {
+    return app.add_option(names, value, help)->check(Filled());
 }
 
 /// CLI11 would give a flag that is not there the value false.
@@ -24,12 +33,12 @@ void Switch(CLI::App &app, const char *names, std::optional<bool> &value, const 
 void AddJobOptions(CLI::App &app, JobOptions &options) {
     // As everywhere, the last of several says what holds.
     app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-    app.add_option("FILE", options.files, "TIFF, PNG, JPEG and PNM images and PDF files")
+    Choice(app, "FILE", options.files, "TIFF, PNG, JPEG and PNM images and PDF files")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.option_defaults()->group("What to print");
     app.add_option("-n,--copies", options.copies, "number of copies")->check(CLI::Range(1, 999));
     Choice(app, "-P,--pages", options.pageRange, "pages to print, such as 1-4,7,9-");
-    Choice(app, "-t,--title", options.title, "title of the document, and base of its file name");
+    app.add_option("-t,--title", options.title, "title of the document, and base of its file name");
 
     app.option_defaults()->group("Where to");
     Choice(app, "--hot-folder", options.hotFolder, "folder that receives the finished document");
@@ -53,9 +62,8 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
     Switch(app, "--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
     Switch(app, "--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
     Switch(app, "--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
-    app.add_option("--settings", options.settings,
-                   "repeat a job with the settings saved in a file");
-    app.add_option("--save-settings", options.saveSettings, "save this job's settings to a file");
+    Choice(app, "--settings", options.settings, "repeat a job with the settings saved in a file");
+    Choice(app, "--save-settings", options.saveSettings, "save this job's settings to a file");
     app.add_flag("--page-setup", options.pageSetup, "run the driver's page setup dialog first");
     app.add_flag("--print-dialog", options.printDialog, "run the driver's print dialog first");
 
@@ -65,7 +73,7 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
     app.add_flag("--json", options.json, "report as JSON on standard output");
     app.add_option("--band-height", options.bandHeight, "rows handed to the driver at a time")
         ->check(CLI::Range(1, 1000000));
-    app.add_option("--bundle", options.bundle, "the driver's bundle, if not beside zelprint");
+    Choice(app, "--bundle", options.bundle, "the driver's bundle, if not beside zelprint");
 }
 
 /// The system's libraries know text and names as UTF-8 only; other arguments stop them early.
@@ -94,8 +102,14 @@ int RunCommandLine(int argc, char **argv,
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        if (error.get_exit_code() == 0) return app.exit(error);
-        (void)fprintf(stderr, "zelprint: %s; see zelprint --help\n", error.what());
+        if (error.get_exit_code() == 0) {
+            // Help, or the version.
+            (void)app.exit(error);
+            if (std::cout.flush()) return static_cast<int>(ExitStatus::Success);
+            Complain("cannot write to standard output");
+            return static_cast<int>(ExitStatus::Output);
+        }
+        Complain(std::string(error.what()) + "; see zelprint --help");
         return static_cast<int>(ExitStatus::Usage);
     }
     try {
@@ -105,10 +119,10 @@ int RunCommandLine(int argc, char **argv,
         if (!options.pageSetup && !options.printDialog) (void)unsetenv("DISPLAY");
         return static_cast<int>(action());
     } catch (const HostError &error) {
-        (void)fprintf(stderr, "zelprint: %s\n", error.what());
+        Complain(error.what());
         return static_cast<int>(error.Status());
     } catch (const std::exception &error) {
-        (void)fprintf(stderr, "zelprint: unexpected failure: %s\n", error.what());
+        Complain(std::string("unexpected failure: ") + error.what());
         return static_cast<int>(ExitStatus::Driver);
     }
 }

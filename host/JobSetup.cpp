@@ -1,8 +1,10 @@
 #include "host/JobSetup.h"
 
+#include "host/Console.h"
 #include "host/ExitStatus.h"
 #include "host/JobTitle.h"
 #include "host/Media.h"
+#include "host/OutputStaging.h"
 #include "host/PageRange.h"
 #include "host/Separations.h"
 #include <algorithm>
@@ -237,9 +239,8 @@ void JobSetup::PlanColours() {
         mPlan.pixels = DocumentPixels::CMYK;
     else if (count > 0)
         // One document has one kind of pixels.
-        (void)fprintf(stderr, "zelprint: CMYK and other images in one document: the CMYK ones are "
-                              "converted and separated anew; print them by themselves to keep "
-                              "them as they are\n");
+        Complain("CMYK and other images in one document: the CMYK ones are converted and "
+                 "separated anew; print them by themselves to keep them as they are");
 }
 
 void JobSetup::PlanRaster() {
@@ -290,6 +291,7 @@ void JobSetup::PlanDestination() {
         const bool extended =
             mPlan.name.size() > 4 && mPlan.name.compare(mPlan.name.size() - 4, 4, ".eps") == 0;
         if (mPlan.eps && !extended) mPlan.name += ".eps";
+        CheckReplaceable(mPlan.folder + "/" + mPlan.name);
         // EPS pages are named after the first.
         if (mPlan.eps) mPlan.title = TitleOfFile(mPlan.name);
     }

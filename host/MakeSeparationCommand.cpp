@@ -1,10 +1,11 @@
 // zelprint make-separation --to CMYK.icc NAME: a separation profile from two ICC profiles.
 #include "host/CommandLine.h"
 
+#include "host/Console.h"
 #include "host/Driver.h"
 #include "host/MakeSeparation.h"
 #include <CLI/CLI.hpp>
-#include <cstdio>
+#include <cctype>
 #include <map>
 #include <memory>
 
@@ -33,7 +34,7 @@ ExitStatus Make(const Options &options, const std::string &bundlePath) {
     const std::string folder = SeparationsFolder(bundlePath);
     const std::string bytes = MakeSeparationProfile(options.recipe);
     const std::string path = InstallSeparation(folder, options.name, bytes, options.force);
-    (void)printf("Separation '%s' is in %s\n", options.name.c_str(), path.c_str());
+    Answer("Separation '" + PlainText(options.name) + "' is in " + PlainText(path) + "\n");
     return ExitStatus::Success;
 }
 
@@ -51,7 +52,12 @@ void AddOptions(CLI::App &command, Options &options) {
     command.add_flag("--black-point-compensation", recipe.blackPointCompensation,
                      "fit the darkest colour to the darkest print");
     command.add_option("--ink-limit", recipe.inkLimit, "most ink in all, in percent of one ink")
-        ->check(CLI::Range(100.0, 400.0));
+        ->check(CLI::Range(100.0, 400.0))
+        // The range alone lets through what is no number.
+        ->check([](const std::string &text) {
+            return std::string(std::isdigit(static_cast<unsigned char>(text[0])) ? ""
+                                                                                 : "no number");
+        });
     command.add_option("--grid", recipe.gridPoints, "grid points an axis (default: 17)")
         ->check(CLI::Range(2U, 255U));
     command.add_flag("--force", options.force, "replace a separation of that name");

@@ -10,6 +10,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace {
@@ -125,6 +126,7 @@ std::string OutputStaging::MoveUnique(const std::string &name) const {
 
 std::string OutputStaging::MoveOver(const std::string &file, const std::string &name) const {
     std::string target = mFolder + "/" + name;
+    CheckReplaceable(target);
     if (rename((mStaging + "/" + file).c_str(), target.c_str()) != 0)
         Refuse(target, std::string(strerror(errno)) + "; choose another name with -o");
     return target;
@@ -150,6 +152,28 @@ std::vector<FinishedFile> OutputStaging::Publish(const std::string &name) {
         throw;
     }
     return published;
+}
+
+void CheckReplaceable(const std::string &path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode))
+        Refuse(path, "not a regular file, and cannot be replaced by one; choose another name");
+}
+
+void CheckRoom(const std::string &folder, uint64_t least) {
+    struct statvfs info {};
+    // A file system that tells no size may have any.
+    if (statvfs(folder.c_str(), &info) != 0 || info.f_blocks == 0) return;
+    const auto room = static_cast<double>(info.f_bavail) * static_cast<double>(info.f_frsize);
+    if (room >= static_cast<double>(least)) return;
+    const auto gigabytes = [](double bytes) {
+        char text[32];
+        (void)snprintf(text, sizeof text, "%.3g GB", bytes / 1e9);
+        return std::string(text);
+    };
+    Refuse(folder, "there is room for " + gigabytes(room) + ", and the document takes at least " +
+                       gigabytes(static_cast<double>(least)) +
+                       "; make room, or print less at a time");
 }
 
 std::string CheckFinishedFile(int fd, uint64_t least, uint64_t most) {

@@ -40,6 +40,13 @@ private:
     std::string mStaging;
 };
 
+/// Throws HostError (Output) when something other than a regular file has the name that a new file
+/// is to take: a folder could not be replaced, and a device must not be.
+void CheckReplaceable(const std::string &path);
+
+/// Throws HostError (Output) when `folder` has less room left than `least` bytes.
+void CheckRoom(const std::string &folder, uint64_t least);
+
 /// What is wrong with a finished file, for a message; empty when it ends as a document must
 /// and is from `least` to `most` bytes long.
 [[nodiscard]] std::string CheckFinishedFile(int fd, uint64_t least, uint64_t most);

@@ -1,6 +1,8 @@
 #include "host/PrintCommand.h"
 
+#include "host/Console.h"
 #include "host/ImageModule.h"
+#include "host/PNMCheck.h"
 #include "host/PrintJob.h"
 #include "host/Report.h"
 #include <algorithm>
@@ -20,6 +22,15 @@ void CheckOptions(const JobOptions &options) {
                                            "out -o and --hot-folder");
 }
 
+/// Other programs print every image of such a file.
+void WarnOfUnprinted(const std::vector<SourceFile> &files) {
+    for (const SourceFile &file : files)
+        if (file.Kind() == FileKind::PNM && HasSecondPNMImage(file.Path()))
+            Complain(file.Path() +
+                     ": it holds several images, and only the first is printed; split it with "
+                     "pamsplit to print them all");
+}
+
 /// Loading the image module takes as long as opening the driver: both are done at the same time.
 void StartModule(const std::vector<SourceFile> &files) {
     const auto needsModule = [](const SourceFile &file) { return file.NeedsModule(); };
@@ -28,7 +39,8 @@ void StartModule(const std::vector<SourceFile> &files) {
         StartImageModule(std::any_of(files.begin(), files.end(), isPDF));
 }
 
-void Say(const std::string &text) {
+/// Says what is good to know, where anybody listens: the document is there all the same.
+void Mention(const std::string &text) {
     (void)fputs(text.c_str(), stdout);
     (void)fflush(stdout);
 }
@@ -38,17 +50,18 @@ ExitStatus Print(const JobOptions &options) {
     const std::vector<SourceFile> files(options.files.begin(), options.files.end());
     const DriverBundle bundle(options.bundle);
     StartModule(files);
+    WarnOfUnprinted(files);
     const JobSetup setup(bundle, options, files);
     const JobPlan &plan = setup.Plan();
     if (options.dryRun) {
-        Say(options.json ? DryRunAsJSON(plan) : DryRunAsText(plan));
+        Answer(options.json ? DryRunAsJSON(plan) : DryRunAsText(plan));
         return ExitStatus::Success;
     }
     const JobResult result = PrintJob(setup, options.bandHeight, options.quiet);
     if (options.json)
-        Say(ReportAsJSON(plan, result));
+        Answer(ReportAsJSON(plan, result));
     else if (!options.quiet)
-        Say(ReportAsText(plan, result));
+        Mention(ReportAsText(plan, result));
     return ExitStatus::Success;
 }
 
@@ -58,7 +71,7 @@ ExitStatus PrintCommand(const JobOptions &options) {
     try {
         return Print(options);
     } catch (const HostError &error) {
-        if (options.json) Say(ErrorAsJSON(error));
+        if (options.json) Mention(ErrorAsJSON(error));
         throw;
     }
 }

@@ -160,6 +160,7 @@ JobResult PrintJob(const JobSetup &setup, int bandHeight, bool quiet) {
     const JobPlan &plan = setup.Plan();
     const Cancellation cancellation;
     OutputStaging staging(plan.folder);
+    CheckRoom(plan.folder, plan.LeastFileSize(plan.TotalPages()));
     SetOutputFolder(setup.Session(), setup.RecordInHandle(), staging.Folder());
     DocumentWriter writer(setup, bandHeight, quiet);
     writer.Open();

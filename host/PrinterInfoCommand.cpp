@@ -2,6 +2,7 @@
 #include "host/PrinterInfoCommand.h"
 
 #include "host/CommandLine.h"
+#include "host/Console.h"
 #include "host/Driver.h"
 #include "host/TextTable.h"
 #include <CLI/CLI.hpp>
@@ -174,9 +175,7 @@ ExitStatus ShowPrinter(const std::string &bundlePath, const std::string &path, b
         ZEL_CALL(bundle, ZELPrCopyPrinterInfo)(url.Get(), message.Out()));
     if (!info) throw HostError(ExitStatus::Input, path + ": " + TextOfCFString(message.Get()));
     const ordered_json json = PrinterInfoJSON(info.Get());
-    const std::string text = asJSON ? json.dump() + "\n" : PrinterInfoText(json);
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
-        throw HostError(ExitStatus::Output, "cannot write to standard output");
+    Answer(asJSON ? json.dump() + "\n" : PrinterInfoText(json));
     return ExitStatus::Success;
 }
 

@@ -2,7 +2,10 @@
 
 #include "host/ExitStatus.h"
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <strings.h>
+#include <unistd.h>
 
 namespace {
 
@@ -123,6 +126,9 @@ const PrinterResolution *PrinterModel::BestResolution(double x, double y) const 
 }
 
 PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd) {
+    if (!ppd.empty() && access(ppd.c_str(), R_OK) != 0)
+        throw HostError(ExitStatus::Input,
+                        ppd + ": " + strerror(errno) + "; check the name of the PPD file");
     const CFOwner<CFURLRef> url = ppd.empty() ? CFOwner<CFURLRef>() : MakeFileURL(ppd, false);
     CFOwner<CFStringRef> message;
     const CFOwner<CFDictionaryRef> info(

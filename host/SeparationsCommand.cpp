@@ -1,9 +1,9 @@
 // zelprint separations [--json]: the CMYK separations that the driver offers.
 #include "host/CommandLine.h"
 
+#include "host/Console.h"
 #include "host/Separations.h"
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -12,12 +12,10 @@ namespace {
 ExitStatus ListSeparations(const std::string &bundlePath, bool asJSON) {
     const DriverBundle bundle(bundlePath);
     const std::vector<std::string> names = SeparationNames(bundle);
-    if (asJSON) {
-        (void)printf("%s\n", nlohmann::json(names).dump().c_str());
-        return ExitStatus::Success;
-    }
+    std::string lines;
     for (const std::string &name : names)
-        (void)printf("%s\n", name.c_str());
+        lines += PlainText(name) + "\n";
+    Answer(asJSON ? nlohmann::json(names).dump() + "\n" : lines);
     return ExitStatus::Success;
 }
 

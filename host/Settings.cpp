@@ -2,11 +2,13 @@
 
 #include "PSHPrint.h"
 #include "host/ExitStatus.h"
+#include "host/OutputStaging.h"
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -27,9 +29,14 @@ CFOwner<CFDataRef> BookmarkOf(const std::string &folder) {
         kCFURLBookmarkCreationSuitableForBookmarkFile, nullptr, nullptr, nullptr));
 }
 
+/// All of a file that is not too large to be a settings file; nothing of what is no file, which
+/// could block.
 std::vector<uint8_t> ReadWhole(const std::string &path) {
+    struct stat info {};
+    const bool found = stat(path.c_str(), &info) == 0;
+    if (found && !S_ISREG(info.st_mode)) return {};
     std::ifstream file(path, std::ios::binary);
-    if (!file)
+    if (!found || !file)
         throw HostError(ExitStatus::Input,
                         path + ": " + strerror(errno) + "; check the name of the settings file");
     std::vector<uint8_t> bytes;
@@ -39,8 +46,9 @@ std::vector<uint8_t> ReadWhole(const std::string &path) {
 }
 
 void WriteWhole(const std::string &path, const std::vector<uint8_t> &bytes) {
-    const std::string draft = path + ".new";
-    FILE *file = fopen(draft.c_str(), "wb");
+    CheckReplaceable(path);
+    const std::string draft = path + ".zelprint-" + std::to_string(getpid());
+    FILE *file = fopen(draft.c_str(), "wbx");
     bool good = file && fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
     int code = errno;
     if (file && fclose(file) != 0 && good) {

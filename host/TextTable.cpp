@@ -1,5 +1,6 @@
 #include "host/TextTable.h"
 
+#include "host/Console.h"
 #include <algorithm>
 
 namespace {
@@ -11,18 +12,6 @@ size_t WidthOf(const std::string &utf8) {
 }
 
 } // namespace
-
-std::string PlainText(const std::string &utf8) {
-    std::string text;
-    for (size_t i = 0; i < utf8.size(); ++i) {
-        const auto c = static_cast<unsigned char>(utf8[i]);
-        const bool c1 = c == 0xC2 && i + 1 < utf8.size() && (utf8[i + 1] & 0xE0) == 0x80;
-        const bool control = c < 0x20 || c == 0x7F || c1;
-        text += control ? '?' : utf8[i];
-        i += c1;
-    }
-    return text;
-}
 
 void TextTable::AddRow(const std::vector<std::string> &cells) {
     std::vector<std::string> row;

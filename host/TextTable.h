@@ -5,9 +5,6 @@
 #include <string>
 #include <vector>
 
-/// UTF-8 text with "?" for control characters: what a file says must not drive the terminal.
-[[nodiscard]] std::string PlainText(const std::string &utf8);
-
 /// Left-aligned columns, each as wide as its longest cell, two spaces apart.
 class TextTable {
 public:

@@ -10,7 +10,7 @@ void DropMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
 
 void StartVips() {
     if (VIPS_INIT("zelprint") != 0)
-        throw HostError(ExitStatus::Input, "cannot start libvips: " + TakeVipsError());
+        throw HostError(ExitStatus::Driver, "cannot start libvips: " + TakeVipsError());
     // Warnings about odd files would otherwise land between our own lines.
     g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), DropMessage, nullptr);
     // Every page is read once; a cache would only keep files open.

@@ -188,6 +188,7 @@ TEST_F(MakeSeparation, BadRequests_AreOneLineAndTheirOwnStatus) {
         {"--to " + coated + " $(printf 'a\\377')", 2, "UTF-8"},
         {"--to " + coated + " --intent pretty P", 2, "--intent"},
         {"--to " + coated + " --ink-limit 20 P", 2, "--ink-limit"},
+        {"--to " + coated + " --ink-limit nan P", 2, "--ink-limit"},
         {"--to " + coated + " --grid 1 P", 2, "--grid"},
         {"--to " + coated + " --grid 256 P", 2, "--grid"},
         {"--to /nonexistent P", 1, "/nonexistent"},

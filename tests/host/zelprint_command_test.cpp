@@ -1,12 +1,11 @@
-// The command line of the real program: its options, its reports, its failures.
-#include "tests/host/HostRunner.h"
+// The command line of the real program: its options, its reports, and how it ends early.
+#include "tests/host/CommandFixture.h"
+#include "tests/host/RunShell.h"
 
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -15,26 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
-using Names = std::vector<std::string>;
-
-class Command : public testing::Test {
-protected:
-    Command() { SavePicture(TestPicture(32, 20), mPlace.Path("s.png")); }
-    /// Small pages keep the tests quick.
-    [[nodiscard]] RunResult Print(Names arguments) const {
-        arguments.insert(arguments.begin(), {"--eps", "--media", "40x50pt", "--resolution", "72"});
-        return mPlace.PrintRGB(std::move(arguments));
-    }
-    /// A failure: one line, the status, nothing left under any name.
-    void ExpectRefused(const RunResult &run, int status, const std::string &text) const {
-        EXPECT_EQ(run.status, status) << run.err;
-        EXPECT_NE(run.Complaint().find(text), std::string::npos) << run.err;
-        EXPECT_EQ(mPlace.HotFiles(), Names{});
-        EXPECT_EQ(mPlace.Leftovers(), Names{});
-    }
-    [[nodiscard]] std::string Source() const { return mPlace.Path("s.png"); }
-    Workplace mPlace;
-};
 
 TEST_F(Command, Help_TellsEveryOption) {
     const RunResult run = mPlace.Run({"--help"});
@@ -142,11 +121,6 @@ TEST_F(Command, LastOfSeveralOptions_Holds) {
     EXPECT_EQ(json::parse(run.out)["width_pixels"], 80);
 }
 
-TEST_F(Command, FileNameNotUTF8_IsRefused) {
-    fs::copy(Source(), mPlace.Path("caf\xE9.png"));
-    ExpectRefused(Print({mPlace.Path("caf\xE9.png")}), 2, "UTF-8");
-}
-
 TEST_F(Command, SavedSettings_RepeatTheJob) {
     const std::string settings = mPlace.Path("job.settings");
     ASSERT_EQ(Print({"--rotate", "-n", "2", "--save-settings", settings, Source()}).status, 0);
@@ -197,50 +171,59 @@ TEST_F(Command, PPD_GivesPagesResolutionsAndLimits) {
     EXPECT_EQ(run({"--resolution", "best"}).status, 2);
 }
 
-struct Refusal {
-    const char *name;
-    Names arguments;
-    int status;
-    const char *text;
-};
-
-class RefusedUse : public Command, public testing::WithParamInterface<Refusal> {};
-
-TEST_P(RefusedUse, IsOneClearLine) {
-    Names arguments = GetParam().arguments;
-    for (std::string &argument : arguments)
-        if (argument == "SOURCE") argument = Source();
-    ExpectRefused(Print(arguments), GetParam().status, GetParam().text);
+TEST_F(Command, SavedSettings_TouchNoOtherFile) {
+    WriteFile(mPlace.Path("job.new"), "mine");
+    ASSERT_EQ(Print({"--save-settings", mPlace.Path("job"), Source()}).status, 0);
+    EXPECT_EQ(ReadFile(mPlace.Path("job.new")), "mine");
+    EXPECT_EQ(ReadFile(mPlace.Path("job")).substr(0, 4), "POST");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Usage, RefusedUse,
-    testing::Values(Refusal{"NoFile", {}, 2, "no file to print"},
-                    Refusal{"UnknownOption", {"--nonsense", "SOURCE"}, 2, "--nonsense"},
-                    Refusal{"BadRange", {"-P", "0", "SOURCE"}, 2, "page range"},
-                    Refusal{"EmptyRange", {"-P", "5-", "SOURCE"}, 2, "in the range"},
-                    Refusal{"NoCopies", {"-n", "0", "SOURCE"}, 2, "copies"},
-                    Refusal{"TitleNotUTF8", {"-t", "caf\xE9", "SOURCE"}, 2, "UTF-8"},
-                    Refusal{"NoSuchColours", {"--colour-space", "lab", "SOURCE"}, 2, "lab"},
-                    Refusal{"NoSuchSeparation",
-                            {"--colour-space", "cmyk", "--separation", "none", "SOURCE"},
-                            1,
-                            "no separation called \"none\""},
-                    Refusal{"SeparationOfRGB", {"--separation", "Standard", "SOURCE"}, 2, "CMYK"},
-                    Refusal{"QueuedEPS", {"--queue", "SOURCE"}, 2, "EPS"},
-                    Refusal{"NoSuchPPD", {"--ppd", "/nonexistent.ppd", "SOURCE"}, 1, "PPD"},
-                    Refusal{"HugePage", {"--media", "99999999x10mm", "SOURCE"}, 2, "size"},
-                    Refusal{"TinyPage", {"--media", "0.001x10mm", "SOURCE"}, 2, "size"},
-                    Refusal{"NoSettings", {"--settings", "/nonexistent", "SOURCE"}, 1, "settings"},
-                    Refusal{"OutputIsNoName", {"-o", "..", "SOURCE"}, 2, "-o"},
-                    Refusal{"NoBundle", {"--bundle", "/nonexistent", "SOURCE"}, 4, "bundle"},
-                    Refusal{"NoDisplay", {"--print-dialog", "SOURCE"}, 2, "hot-folder"}),
-    [](const auto &info) { return info.param.name; });
+TEST_F(Command, WithoutStandardStreamsAndHome_Prints) {
+    ASSERT_EQ(Print({"-o", "a.eps", Source()}).status, 0);
+    const Outcome run = RunShell("(env -u HOME TERM=dumb " ZELPRINT_PROGRAM
+                                 " --eps --media 40x50pt --resolution 72 --colour-space rgb "
+                                 "--hot-folder '" +
+                                 mPlace.Hot() + "' -o b.eps '" + Source() + "' <&- >&- 2>&-)");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(ReadWithoutDate(mPlace.Hot("b.eps")).size(),
+              ReadWithoutDate(mPlace.Hot("a.eps")).size());
+}
 
-TEST_F(Command, DialogsWithoutAWindowSystem_AreRefused) {
-    ASSERT_EQ(getenv("DISPLAY"), nullptr);
-    for (const char *dialog : {"--page-setup", "--print-dialog"})
-        ExpectRefused(mPlace.Run({dialog, "--colour-space", "rgb", Source()}), 2, "window system");
+TEST_F(Command, FileNamedTwice_IsPrintedTwice) {
+    ASSERT_EQ(Print({Source(), Source()}).status, 0);
+    EXPECT_EQ(mPlace.HotFiles(), (Names{"s.eps", "s_p02.eps"}));
+}
+
+TEST_F(Command, MoreFilesOrPagesThanDescriptors_ArePrinted) {
+    std::string files;
+    for (int i = 0; i < 60; ++i) {
+        const std::string name = mPlace.Path("many" + std::to_string(i) + ".png");
+        fs::copy(Source(), name);
+        files += " '" + name + "'";
+    }
+    SavePages(std::vector<Picture>(60, TestPicture(16, 16)), mPlace.Path("many.tif"));
+    const Outcome run =
+        RunShell("ulimit -n 48; " ZELPRINT_PROGRAM " --eps --media 40x50pt --resolution 72 "
+                 "--colour-space rgb --hot-folder '" +
+                 mPlace.Hot() + "' '" + mPlace.Path("many.tif") + "'" + files);
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_EQ(mPlace.HotFiles().size(), 120U);
+}
+
+TEST_F(Command, SecondImageOfAPNMFile_IsNotPassedOverInSilence) {
+    for (const std::string &image :
+         {std::string("P4\n9 1\n\xAA\x80"), std::string("P5 #c\n2\t1\n255\nab"),
+          std::string("P5\n1 1\n65535\nab"), std::string("P6\n1 1\n255\nabc")}) {
+        WriteFile(mPlace.Path("one.pnm"), image);
+        const RunResult one = Print({mPlace.Path("one.pnm")});
+        EXPECT_EQ(one.status, 0) << one.err;
+        EXPECT_EQ(one.Complaint(), "") << image;
+        WriteFile(mPlace.Path("two.pnm"), image + image);
+        const RunResult two = Print({mPlace.Path("two.pnm")});
+        EXPECT_EQ(two.status, 0) << two.err;
+        EXPECT_NE(two.Complaint().find("two.pnm: it holds several images"), std::string::npos)
+            << image;
+    }
 }
 
 TEST_F(Command, WithADisplay_OpensNoWindow) {
@@ -249,136 +232,6 @@ TEST_F(Command, WithADisplay_OpensNoWindow) {
         {"--hot-folder", mPlace.Hot(), "--colour-space", "gray", Source()}, {"DISPLAY=:987"});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.err.find("No PPD file has been selected - using defaults\n"), std::string::npos);
-}
-
-TEST_F(Command, NoHotFolder_SaysSo) {
-    ExpectRefused(mPlace.Run({"--colour-space", "rgb", Source()}), 2, "--hot-folder");
-}
-
-class BadFile : public Command {
-protected:
-    void ExpectUnreadable(const std::string &name, const std::string &bytes,
-                          const std::string &text) const {
-        WriteFile(mPlace.Path(name), bytes);
-        const RunResult run = Print({mPlace.Path(name)});
-        ExpectRefused(run, 1, text);
-        EXPECT_NE(run.Complaint().find(name), std::string::npos) << run.err;
-    }
-};
-
-TEST_F(BadFile, Missing) {
-    ExpectRefused(Print({"missing.png"}), 1, "missing.png");
-}
-
-TEST_F(BadFile, Folder) {
-    ExpectRefused(Print({mPlace.Hot()}), 1, "not a regular file");
-}
-
-TEST_F(BadFile, Pipe) {
-    ASSERT_EQ(mkfifo(mPlace.Path("pipe").c_str(), 0600), 0);
-    ExpectRefused(Print({mPlace.Path("pipe")}), 1, "not a regular file");
-}
-
-TEST_F(BadFile, Unreadable) {
-    if (geteuid() == 0) GTEST_SKIP() << "the superuser may read anything";
-    fs::permissions(Source(), fs::perms::none);
-    ExpectRefused(Print({Source()}), 1, "s.png");
-}
-
-TEST_F(BadFile, OtherContents) {
-    ExpectUnreadable("empty.png", "", "empty");
-    ExpectUnreadable("text.png", "hello, world", "not a TIFF");
-    ExpectUnreadable("script.ps", "%!PS\nshowpage\n", "not a TIFF");
-    ExpectUnreadable("zeros.tif", std::string(100, '\0'), "not a TIFF");
-}
-
-TEST_F(BadFile, DamagedHeaders) {
-    ExpectUnreadable("a.tif", std::string("II*\0", 4), "cannot be read");
-    ExpectUnreadable("b.tif", std::string("II*\0\xFF\xFF\xFF\xFF", 8), "cannot be read");
-    ExpectUnreadable("a.png", "\x89PNG\r\n\x1a\n", "cannot be read");
-    ExpectUnreadable("a.jpg", "\xFF\xD8\xFF\xE0", "cannot be read");
-    ExpectUnreadable("a.ppm", "P6\n", "cannot be read");
-    ExpectUnreadable("a.pdf", "%PDF-1.4\n", "cannot be read");
-}
-
-TEST_F(BadFile, AbsurdSizes) {
-    ExpectUnreadable("zero.ppm", "P6\n0 0\n255\n", "cannot be read");
-    ExpectUnreadable("minus.ppm", "P6\n-5 5\n255\n", "cannot be read");
-    ExpectUnreadable("huge.ppm", "P6\n2000000000 2000000000\n255\nx", "cannot be read");
-    ExpectUnreadable("large.ppm", "P6\n100000 100000\n255\nx", "cannot be read");
-}
-
-TEST_F(BadFile, CutAnywhere) {
-    for (const char *name : {"c.tif", "c.png", "c.jpg", "c.ppm"}) {
-        SavePicture(TestPicture(300, 300), mPlace.Path(name));
-        const std::string whole = ReadFile(mPlace.Path(name));
-        for (const double part : {0.1, 0.5, 0.9})
-            ExpectUnreadable(
-                std::string("cut") + name,
-                whole.substr(0, static_cast<size_t>(static_cast<double>(whole.size()) * part)),
-                "cut");
-    }
-}
-
-TEST_F(BadFile, SecondPageDamaged_LeavesNothing) {
-    SavePages({TestPicture(64, 64), TestPicture(64, 64)}, mPlace.Path("two.tif"));
-    std::string bytes = ReadFile(mPlace.Path("two.tif"));
-    WriteFile(mPlace.Path("cut.jpg"), "\xFF\xD8\xFF\xE0 nothing");
-    ExpectRefused(Print({mPlace.Path("two.tif"), mPlace.Path("cut.jpg")}), 1, "cut.jpg");
-}
-
-TEST_F(Command, SettingsFile_Damaged) {
-    for (const std::string &bytes :
-         {std::string("x"), std::string(416, 'x'), "POST" + std::string(412, '\0'),
-          "POST" + std::string(412, '\0') + "bplist00garbage", std::string(2 << 20, 'P')}) {
-        WriteFile(mPlace.Path("bad.settings"), bytes);
-        ExpectRefused(Print({"--settings", mPlace.Path("bad.settings"), Source()}), 1,
-                      "not a settings file");
-    }
-}
-
-TEST_F(Command, Folder_Missing) {
-    ExpectRefused(
-        mPlace.Run({"--hot-folder", mPlace.Path("none"), "--colour-space", "rgb", Source()}), 3,
-        "none");
-}
-
-TEST_F(Command, Folder_IsAFile) {
-    ExpectRefused(mPlace.Run({"--hot-folder", Source(), "--colour-space", "rgb", Source()}), 3,
-                  "not a folder");
-}
-
-TEST_F(Command, Folder_Unwritable) {
-    if (geteuid() == 0) GTEST_SKIP() << "the superuser may write anywhere";
-    fs::permissions(mPlace.Hot(), fs::perms::owner_read | fs::perms::owner_exec);
-    ExpectRefused(Print({Source()}), 3, "hot");
-    fs::permissions(mPlace.Hot(), fs::perms::owner_all);
-}
-
-TEST_F(Command, Folder_TooDeep) {
-    fs::path deep = mPlace.Hot();
-    while (deep.string().size() < 1030)
-        deep /= std::string(60, 'd');
-    fs::create_directories(deep);
-    const RunResult run =
-        mPlace.Run({"--hot-folder", deep.string(), "--colour-space", "rgb", Source()});
-    EXPECT_EQ(run.status, 3);
-    EXPECT_NE(run.Complaint().find("too long"), std::string::npos) << run.err;
-    EXPECT_TRUE(fs::is_empty(deep));
-}
-
-TEST_F(Command, Folder_FullAtAnyPoint) {
-    // A limit on the size of files stands for a full disk; the last ones hit the last write only.
-    ASSERT_EQ(Print({"-o", "s.eps", "--media", "200x200pt", Source()}).status, 0);
-    const uint64_t whole = fs::file_size(mPlace.Hot("s.eps"));
-    fs::remove(mPlace.Hot("s.eps"));
-    for (const uint64_t limit : {uint64_t{20000}, whole / 2, whole - 7, whole - 1}) {
-        const RunResult run =
-            mPlace.Run({"--eps", "--media", "200x200pt", "--resolution", "72", "--colour-space",
-                        "rgb", "--hot-folder", mPlace.Hot(), Source()},
-                       {}, limit);
-        ExpectRefused(run, 3, "hot");
-    }
 }
 
 class Interrupted : public Command, public testing::WithParamInterface<std::pair<int, int>> {};
@@ -420,13 +273,6 @@ TEST_F(Command, QueueThatIsDown_KeepsTheDocument) {
     EXPECT_NE(run.Complaint().find("lpr -o raw"), std::string::npos) << run.err;
     EXPECT_EQ(mPlace.HotFiles(), Names{"s.ps"});
     EXPECT_EQ(mPlace.Leftovers(), Names{});
-}
-
-TEST_F(Command, NoDescriptorsOrFilesGrowWithPages) {
-    SavePages(std::vector<Picture>(40, TestPicture(16, 16)), mPlace.Path("many.tif"));
-    const RunResult run = Print({"--json", mPlace.Path("many.tif")});
-    ASSERT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(json::parse(run.out)["files"].size(), 40U);
 }
 
 } // namespace

@@ -1,0 +1,18 @@
+/// What zelprint says: answers on standard output, complaints on standard error.
+#ifndef ZEL_HOST_CONSOLE_H
+#define ZEL_HOST_CONSOLE_H
+
+#include <string>
+
+/// UTF-8 text with "?" for control characters: what a file says, or is called, must neither drive
+/// the terminal nor break a line.
+[[nodiscard]] std::string PlainText(const std::string &utf8);
+
+/// Writes an answer that was asked for. Throws HostError (Output) when not all of it could be
+/// written.
+void Answer(const std::string &text);
+
+/// Writes one line that begins with "zelprint: ".
+void Complain(const std::string &message);
+
+#endif
