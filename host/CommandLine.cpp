@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
-#include <map>
+#include <strings.h>
 
 namespace {
 
@@ -20,8 +20,9 @@ CLI::Validator Filled() {
 }
 
 template <typename T>
-CLI::Option *Choice(CLI::App &app, const char *names, T &value, const char *help) {
-    return app.add_option(names, value, help)->check(Filled());
+CLI::Option *Choice(CLI::App &app, const char *names, T &value, const char *what,
+                    const char *help) {
+    return app.add_option(names, value, help)->type_name(what)->check(Filled());
 }
 
 /// CLI11 would give a flag that is not there the value false.
@@ -33,37 +34,41 @@ void Switch(CLI::App &app, const char *names, std::optional<bool> &value, const 
 void AddJobOptions(CLI::App &app, JobOptions &options) {
     // As everywhere, the last of several says what holds.
     app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-    Choice(app, "FILE", options.files, "TIFF, PNG, JPEG and PNM images and PDF files")
+    Choice(app, "FILE", options.files, "", "TIFF, PNG, JPEG and PNM images and PDF files")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.option_defaults()->group("What to print");
-    app.add_option("-n,--copies", options.copies, "number of copies")->check(CLI::Range(1, 999));
-    Choice(app, "-P,--pages", options.pageRange, "pages to print, such as 1-4,7,9-");
+    app.add_option("-n,--copies", options.copies, "number of copies, 1 to 999")
+        ->type_name("N")
+        ->check(CLI::Range(1, 999).description(""));
+    Choice(app, "-P,--pages", options.pageRange, "LIST", "pages to print, such as 1-4,7,9-");
     app.add_option("-t,--title", options.title, "title of the document, and base of its file name");
 
     app.option_defaults()->group("Where to");
-    Choice(app, "--hot-folder", options.hotFolder, "folder that receives the finished document");
-    Choice(app, "-o,--output", options.output,
+    Choice(app, "--hot-folder", options.hotFolder, "DIR",
+           "folder that receives the finished document");
+    Choice(app, "-o,--output", options.output, "NAME",
            "name of the file to write, replacing what is there");
     Switch(app, "--eps,!--ps", options.eps, "one EPS file a page, or one PostScript file (--ps)");
     Switch(app, "--queue,!--no-queue", options.queue, "hand the document to the print queue");
 
     app.option_defaults()->group("How");
-    Choice(app, "--ppd", options.ppd, "PPD file of the printer");
-    Choice(app, "--media", options.media, "page by its name, or its size as WxH with pt, mm or in");
-    Choice(app, "--resolution", options.resolution, "resolution by its name, or in dpi");
+    Choice(app, "--ppd", options.ppd, "FILE", "PPD file of the printer");
+    Choice(app, "--media", options.media, "NAME|WxH{pt,mm,in}",
+           "page by its name, or its size as WxH with pt, mm or in");
+    Choice(app, "--resolution", options.resolution, "NAME|DPI",
+           "resolution by its name, or in dpi");
     app.add_option("--colour-space,--color-space", options.colourSpace, "cmyk, gray or rgb")
-        ->transform(
-            CLI::CheckedTransformer(std::map<std::string, uint32_t>{{"cmyk", kZELColourSpaceCMYK},
-                                                                    {"gray", kZELColourSpaceGray},
-                                                                    {"rgb", kZELColourSpaceRGB}},
-                                    CLI::ignore_case))
+        ->transform(CLI::Validator(OneOf({"cmyk", "gray", "rgb"}), ""))
         ->type_name("cmyk|gray|rgb");
-    Choice(app, "--separation", options.separation, "CMYK separation; see zelprint separations");
+    Choice(app, "--separation", options.separation, "NAME",
+           "CMYK separation; see zelprint separations");
     Switch(app, "--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
     Switch(app, "--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
     Switch(app, "--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
-    Choice(app, "--settings", options.settings, "repeat a job with the settings saved in a file");
-    Choice(app, "--save-settings", options.saveSettings, "save this job's settings to a file");
+    Choice(app, "--settings", options.settings, "FILE",
+           "repeat a job with the settings saved in a file");
+    Choice(app, "--save-settings", options.saveSettings, "FILE",
+           "save this job's settings to a file");
     app.add_flag("--page-setup", options.pageSetup, "run the driver's page setup dialog first");
     app.add_flag("--print-dialog", options.printDialog, "run the driver's print dialog first");
 
@@ -72,8 +77,10 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
     app.add_flag("-q,--quiet", options.quiet, "say nothing on success");
     app.add_flag("--json", options.json, "report as JSON on standard output");
     app.add_option("--band-height", options.bandHeight, "rows handed to the driver at a time")
-        ->check(CLI::Range(1, 1000000));
-    Choice(app, "--bundle", options.bundle, "the driver's bundle, if not beside zelprint");
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000000).description(""));
+    Choice(app, "--bundle", options.bundle, "FOLDER",
+           "the driver's bundle, if not beside zelprint");
 }
 
 /// The system's libraries know text and names as UTF-8 only; other arguments stop them early.
@@ -85,7 +92,24 @@ void CheckArguments(int argc, char **argv) {
                                                    "the file");
 }
 
+static_assert(kZELColourSpaceCMYK == 0 && kZELColourSpaceGray == 1 && kZELColourSpaceRGB == 2,
+              "the order of the words");
+
 } // namespace
+
+std::function<std::string(std::string &)> OneOf(std::vector<std::string> words) {
+    return [words = std::move(words)](std::string &text) {
+        std::string list;
+        for (size_t i = 0; i < words.size(); ++i) {
+            if (strcasecmp(text.c_str(), words[i].c_str()) == 0) {
+                text = std::to_string(i);
+                return std::string();
+            }
+            list += (i == 0 ? "" : ", ") + words[i];
+        }
+        return "\"" + text + "\" is none of " + list;
+    };
+}
 
 int RunCommandLine(int argc, char **argv,
                    const std::function<ExitStatus(const JobOptions &)> &print) {
@@ -95,6 +119,7 @@ int RunCommandLine(int argc, char **argv,
     CommandAction action = [&] { return print(options); };
     AddJobOptions(app, options);
     app.set_version_flag("--version", "zelprint " ZEL_VERSION);
+    app.option_defaults()->group("Options");
     AddPrinterInfoCommand(app, action, options.bundle);
     AddSeparationsCommand(app, action, options.bundle);
     AddMakeSeparationCommand(app, action, options.bundle);

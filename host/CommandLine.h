@@ -23,4 +23,8 @@ void AddPrinterInfoCommand(CLI::App &app, CommandAction &action, const std::stri
 void AddSeparationsCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 void AddMakeSeparationCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 
+/// For the validators of CLI11: replaces one of `words`, in any case, by its index; says what is
+/// wrong with any other text.
+[[nodiscard]] std::function<std::string(std::string &)> OneOf(std::vector<std::string> words);
+
 #endif

@@ -10,7 +10,7 @@ enum class ExitStatus {
     Success = 0,
     Input = 1,        ///< a file to print, a PPD file or a profile cannot be read or is refused
     Usage = 2,        ///< the command line asks for something impossible
-    Output = 3,       ///< the document could not be written whole, or not put where it belongs
+    Output = 3,       ///< the document or an answer could not be written whole, or not put in place
     Driver = 4,       ///< a part of the program cannot be loaded, or the driver fails by itself
     Queue = 5,        ///< the print queue did not take the document
     Cancelled = 130,  ///< Ctrl-C, or Cancel in one of the driver's dialogs

@@ -6,7 +6,6 @@
 #include "host/MakeSeparation.h"
 #include <CLI/CLI.hpp>
 #include <cctype>
-#include <map>
 #include <memory>
 
 namespace {
@@ -40,26 +39,34 @@ ExitStatus Make(const Options &options, const std::string &bundlePath) {
 
 void AddOptions(CLI::App &command, Options &options) {
     SeparationRecipe &recipe = options.recipe;
-    command.add_option("NAME", options.name, "what the separation is called")->required();
-    command.add_option("--from", recipe.from, "ICC profile of the RGB pixels (default: sRGB)");
-    command.add_option("--to", recipe.to, "ICC profile of the CMYK press and paper")->required();
-    const std::map<std::string, uint32_t> intents{
-        {"perceptual", 0}, {"relative", 1}, {"saturation", 2}, {"absolute", 3}};
+    command.add_option("NAME", options.name, "what the separation is called")
+        ->type_name("")
+        ->required();
+    command.add_option("--from", recipe.from, "ICC profile of the RGB pixels (default: sRGB)")
+        ->type_name("FILE");
+    command.add_option("--to", recipe.to, "ICC profile of the CMYK press and paper")
+        ->type_name("FILE")
+        ->required();
     command
         .add_option("--intent", recipe.intent, "how colours that cannot be printed are brought in")
-        ->transform(CLI::CheckedTransformer(intents, CLI::ignore_case))
+        // In the order of ICC's numbers.
+        ->transform(CLI::Validator(OneOf({"perceptual", "relative", "saturation", "absolute"}), ""))
         ->type_name("perceptual|relative|saturation|absolute");
     command.add_flag("--black-point-compensation", recipe.blackPointCompensation,
                      "fit the darkest colour to the darkest print");
-    command.add_option("--ink-limit", recipe.inkLimit, "most ink in all, in percent of one ink")
-        ->check(CLI::Range(100.0, 400.0))
+    command
+        .add_option("--ink-limit", recipe.inkLimit,
+                    "most ink in all, in percent of one ink, 100 to 400")
+        ->type_name("PERCENT")
+        ->check(CLI::Range(100.0, 400.0).description(""))
         // The range alone lets through what is no number.
         ->check([](const std::string &text) {
             return std::string(std::isdigit(static_cast<unsigned char>(text[0])) ? ""
                                                                                  : "no number");
         });
-    command.add_option("--grid", recipe.gridPoints, "grid points an axis (default: 17)")
-        ->check(CLI::Range(2U, 255U));
+    command.add_option("--grid", recipe.gridPoints, "grid points an axis, 2 to 255 (default: 17)")
+        ->type_name("N")
+        ->check(CLI::Range(2U, 255U).description(""));
     command.add_flag("--force", options.force, "replace a separation of that name");
 }
 

@@ -205,7 +205,7 @@ void AddPrinterInfoCommand(CLI::App &app, CommandAction &action, const std::stri
         app.add_subcommand("printer-info", "show what a PPD file says of a printer");
     const auto path = std::make_shared<std::string>();
     const auto asJSON = std::make_shared<bool>(false);
-    command->add_option("FILE.ppd", *path, "the printer's description")->required();
+    command->add_option("FILE.ppd", *path, "the printer's description")->type_name("")->required();
     command->add_flag("--json", *asJSON, "as a JSON object");
     command->callback([path, asJSON, &action, &bundle] {
         action = [path, asJSON, &bundle] { return ShowPrinter(bundle, *path, *asJSON); };
