@@ -22,7 +22,7 @@ typedef struct PSHPrint {
     uint64_t mPageWidth_be;   ///< double: points, of the page as the printer names it (not rotated)
     uint64_t mPageHeight_be;  ///< double: points
     uint64_t mXDpi_be;        ///< double: dots per inch, 10 to 10000
-    uint64_t mYDpi_be;        ///< double
+    uint64_t mYDpi_be;        ///< double: the same down the page
     char mPageName[41];       ///< the printer's page name, at most 40 bytes, zero-terminated
     char mResolutionName[41]; ///< the printer's resolution name, likewise
     uint8_t mPadding2[2];     ///< zero
@@ -32,9 +32,9 @@ typedef struct PSHPrint {
     uint32_t mFlipV_be;        ///< not 0: mirrored top to bottom
     uint32_t mRotated_be;      ///< not 0: the page lies on the paper turned by 90 degrees
     uint32_t mEPSFormat_be;    ///< not 0: EPS, one file a page; 0: one PostScript file
-    int16_t copies_be;
-    int16_t fromPage_be;             ///< first page to print
-    int16_t toPage_be;               ///< last page to print
+    int16_t copies_be;         ///< 1 to 999
+    int16_t fromPage_be;       ///< first page to print, counted from 1
+    int16_t toPage_be;         ///< last page to print; 999: to the end
     uint8_t cmykSeparationName[256]; ///< Pascal string, UTF-8; empty: "Standard"
     uint8_t mPadding3[6];            ///< zero
 } PSHPrint;

@@ -4,7 +4,9 @@
 ///
 /// Calling order: Output_Create; for each page Output_AddPage and exactly `heightPixels` calls of
 /// Output_WriteLine or Output_WriteBlankLine, top to bottom; Output_Close, or Output_Kill at any
-/// point. All calls come from one thread at a time.
+/// point. All calls come from one thread at a time. Results are the codes of ZELTypes.h or errno
+/// values; a thread of its own writes, so that a failed write is reported by a later call, and the
+/// failure of the last one by none.
 #ifndef ZEL_OUTPUT_H
 #define ZEL_OUTPUT_H
 
@@ -39,7 +41,9 @@ ZEL_EXPORT uint32_t Output_Creator(void);
 
 /// Creates a document in `folder`. `fileName` may be null: the file is then named after `title`,
 /// with a number when the name is taken; a given name is overwritten. On success `*out` is the new
-/// document; on failure it must not be used and nothing is left in the folder.
+/// document; on failure it must not be used and nothing is left in the folder: kZELBadParameter for
+/// a null pointer, kZELFileNotCreated, kZELFileNotFound for a separation that cannot be loaded,
+/// kZELOutOfMemory or kZELUnexpectedFailure. `folder` and the strings are retained.
 ZEL_EXPORT int16_t Output_Create(CFURLRef folder, CFStringRef fileName, CFStringRef title,
                                  const OutputGeometry *geometry, const OutputOptions *options,
                                  OutputPrivate **out);
@@ -47,13 +51,16 @@ ZEL_EXPORT int16_t Output_Create(CFURLRef folder, CFStringRef fileName, CFString
 /// Ends the page before, if any, and begins the next one.
 ZEL_EXPORT int16_t Output_AddPage(OutputPrivate *output);
 
-/// Converts and writes one row of `widthPixels` pixels in the document's pixel format.
+/// Converts and writes one row of `widthPixels` pixels in the document's pixel format; the row is
+/// only read during the call.
 ZEL_EXPORT int16_t Output_WriteLine(OutputPrivate *output, const uint8_t *row);
 
 /// Writes one white row.
 ZEL_EXPORT int16_t Output_WriteBlankLine(OutputPrivate *output);
 
-/// Ends the document, closes its file and frees it. On failure the open file is deleted.
+/// Ends the document, closes its file and frees it, and hands the file to the print queue if the
+/// options say so. On failure the open file is deleted; EPS pages that were finished stay. A
+/// document without pages leaves no file.
 ZEL_EXPORT int16_t Output_Close(OutputPrivate *output);
 
 /// Abandons the document: deletes the open file and frees everything.
