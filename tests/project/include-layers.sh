@@ -6,6 +6,7 @@ set -eu
 
 level() {
     case $1 in
+        host/images/*) echo 95 ;; # a library that the host loads at run time
         host/*) echo 90 ;;
         dialogs/Alert* | dialogs/DialogSupport.* | dialogs/Toolkit* | dialogs/Units.*) echo 15 ;;
         dialogs/*) echo 80 ;; # dialogs and driver core call each other
@@ -18,8 +19,8 @@ level() {
         Common/Src/ASCII85*) echo 35 ;;
         Common/Src/Writebuffer*) echo 30 ;;
         ppd/*) echo 25 ;;
-        Common/Src/Queue* | Common/Src/Mutex* | Common/Src/PostscriptDocument* | Common/Src/CFRef* | Common/Src/CFText* | Common/Src/BigEndian* | \
-            Common/Src/CpuFeatures* | Common/Src/TextFormat*) echo 10 ;;
+        Common/Src/Queue* | Common/Src/Mutex* | Common/Src/PostscriptDocument* | Common/Src/CFRef* | Common/Src/CFText* | \
+            Common/Src/BigEndian*) echo 10 ;;
         Common/Src/*) echo 80 ;;
         include/* | platform/*) echo 0 ;;
         *) echo "no level for $1" >&2; exit 1 ;;
