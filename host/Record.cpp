@@ -59,11 +59,6 @@ uint32_t StoredFlag(bool on) {
 
 } // namespace
 
-bool Record::HasMagic() const {
-    return GetHandleSize(mHandle) >= static_cast<Size>(sizeof(PSHPrint)) &&
-           memcmp(Fields().mMagic_be, "POST", 4) == 0;
-}
-
 RecordPage Record::Page() const {
     const PSHPrint &fields = Fields();
     const bool custom = fields.mPageIsCustom_be != 0;
@@ -111,11 +106,6 @@ void Record::SetEPS(bool on) {
 }
 void Record::SetCopies(int copies) {
     Fields().copies_be = StoredShort(copies);
-}
-
-void Record::SetPageRange(int first, int last) {
-    Fields().fromPage_be = StoredShort(first);
-    Fields().toPage_be = StoredShort(last);
 }
 
 std::string Record::Separation() const {

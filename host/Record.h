@@ -22,7 +22,6 @@ class Record {
 public:
     explicit Record(Handle handle) : mHandle(handle) {}
 
-    [[nodiscard]] bool HasMagic() const;
     [[nodiscard]] RecordPage Page() const;
     void SetPage(const RecordPage &page);
     [[nodiscard]] RecordResolution Resolution() const;
@@ -38,7 +37,6 @@ public:
     void SetRotated(bool on);
     void SetEPS(bool on);
     void SetCopies(int copies);
-    void SetPageRange(int first, int last);
     /// Empty means "Standard".
     [[nodiscard]] std::string Separation() const;
     /// False, and nothing is changed, when the name is longer than the record's 255 bytes.

@@ -5,9 +5,6 @@
 
 #pragma GCC visibility push(default)
 
-/// The decimal separator of the user's locale.
-std::string PlatformDecimalSeparator();
-
 /// `value` in the user's locale without grouping; `decimals` is clipped to 0..20.
 std::string PlatformFormatNumber(double value, int decimals);
 

@@ -49,12 +49,6 @@ bool Scan(NSString *text, double &value) {
 
 } // namespace
 
-std::string PlatformDecimalSeparator() {
-    @autoreleasepool {
-        return Text(Separator());
-    }
-}
-
 std::string PlatformFormatNumber(double value, int decimals) {
     @autoreleasepool {
         NSNumberFormatter *formatter = Formatter((NSUInteger)std::clamp(decimals, 0, 20));

@@ -29,11 +29,10 @@ TEST_F(RecordTest, NumbersAreBigEndian) {
     mRecord.SetResolution({"600dpi", 600, 1200});
     mRecord.SetColourSpace(kZELColourSpaceRGB);
     mRecord.SetCopies(0x0102);
-    mRecord.SetPageRange(3, 999);
     EXPECT_EQ(Hex(8, 8), "40829c0000000000");
     EXPECT_EQ(Hex(24, 16), "4082c000000000004092c00000000000");
     EXPECT_EQ(Hex(128, 4), "00000002");
-    EXPECT_EQ(Hex(148, 6), "0102000303e7");
+    EXPECT_EQ(Hex(148, 6), "010200000000");
     EXPECT_EQ(mRecord.Page().width, 595.5);
     EXPECT_EQ(mRecord.Resolution().y, 1200);
     EXPECT_EQ(mRecord.ColourSpace(), static_cast<uint32_t>(kZELColourSpaceRGB));
@@ -79,15 +78,6 @@ TEST_F(RecordTest, SeparationIsAPascalString) {
     EXPECT_TRUE(mRecord.SetSeparation(std::string(255, 's')));
     EXPECT_FALSE(mRecord.SetSeparation(std::string(256, 't')));
     EXPECT_EQ(mRecord.Separation(), std::string(255, 's'));
-}
-
-TEST_F(RecordTest, MagicIsAskedFor) {
-    EXPECT_FALSE(mRecord.HasMagic());
-    memcpy(*mHandle.Get(), "POST", 4);
-    EXPECT_TRUE(mRecord.HasMagic());
-    RecordHandle shortHandle(415);
-    memcpy(*shortHandle.Get(), "POST", 4);
-    EXPECT_FALSE(Record(shortHandle.Get()).HasMagic());
 }
 
 } // namespace

@@ -8,16 +8,21 @@
 
 namespace {
 
+/// The decimal separator of the language that this run is in.
+std::string Separator() {
+    const std::string language = std::string(getenv("LANG") ? getenv("LANG") : "").substr(0, 2);
+    return language == "de" || language == "fr" ? "," : ".";
+}
+
 std::string Localized(std::string text) {
     const size_t point = text.find('.');
-    return point == std::string::npos ? text : text.replace(point, 1, PlatformDecimalSeparator());
+    return point == std::string::npos ? text : text.replace(point, 1, Separator());
 }
 
 } // namespace
 
 TEST(NumberText, SeparatorIsTheLanguages) {
-    const std::string language = std::string(getenv("LANG") ? getenv("LANG") : "").substr(0, 2);
-    EXPECT_EQ(PlatformDecimalSeparator(), language == "de" || language == "fr" ? "," : ".");
+    EXPECT_EQ(PlatformFormatNumber(0.5, 1), "0" + Separator() + "5");
 }
 
 TEST(NumberText, DecimalsAreWrittenOutAndNothingIsGrouped) {
@@ -67,7 +72,7 @@ TEST(NumberText, OtherTextIsRefusedAndLeavesTheValueAlone) {
 
 TEST(NumberText, SeparatorOfOtherLanguagesIsRefused) {
     double value = 99;
-    const char *other = PlatformDecimalSeparator() == "." ? "1,5" : "1.5";
+    const char *other = Separator() == "." ? "1,5" : "1.5";
     EXPECT_FALSE(PlatformScanNumber(other, value));
     EXPECT_EQ(value, 99);
 }
