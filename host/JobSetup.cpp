@@ -136,6 +136,15 @@ void JobSetup::ApplyPage() {
     }
 }
 
+/// The first page's own size, for the page setup's "From Document".
+void JobSetup::SuggestDocument() const {
+    const ImageSize size = mFiles[0].Describe(0).size;
+    const auto goodDpi = [](double dpi) { return dpi >= 10 && dpi <= 10000 ? dpi : 72; };
+    const ZELPageRecord page = {size.width, size.height, size.width / goodDpi(size.dpiX) * 25.4,
+                                size.height / goodDpi(size.dpiY) * 25.4};
+    ZEL_CALL(mBundle, ZELPrSuggestPage)(mSession.Context(), nullptr, &page, 0);
+}
+
 void JobSetup::RunDialogs() {
     const auto run = [this](Boolean (*dialog)(DriverContext *, Handle), const char *name) {
         if (mBundle.Require(dialog, name)(mSession.Context(), mHandle.Get())) return;
@@ -145,6 +154,7 @@ void JobSetup::RunDialogs() {
         throw HostError(ExitStatus::Usage,
                         "there is no window system for a dialog; choose with options instead");
     if (mOptions.pageSetup) {
+        SuggestDocument();
         const std::string before = UsersPPD(mBundle);
         run(mBundle.Functions().ZELPrStyle, "ZELPrStyle");
         const std::string after = UsersPPD(mBundle);

@@ -26,6 +26,7 @@ private:
     void ApplyOptions();
     void ApplyColours();
     void ApplyPage();
+    void SuggestDocument() const;
     void RunDialogs();
     void SaveSettings() const;
     void FitPage();

@@ -131,6 +131,26 @@ TEST_F(ZelprintTest, PageSetup_AnotherPPDThenEscape_LeavesThePreferences) {
     EXPECT_EQ(PreferencesFile(), preferences);
 }
 
+TEST_F(ZelprintTest, PageSetup_FromDocument_TakesTheImagesSize) {
+    std::ofstream picture(mFolder + "/page.pgm");
+    picture << "P2 300 400 1\n";
+    for (int i = 0; i < 300 * 400; ++i)
+        picture << i % 2 << '\n';
+    picture.close();
+    Zelprint({"--page-setup", "--hot-folder", "hot"});
+    mPerson.WaitForWindow("dialog");
+    mPerson.Choose("unitsMenu", 1);
+    mPerson.Click("documentSizeButton", [](const Screen &s) {
+        return s.controls.at("pageWidth").value == "300.00" &&
+               s.controls.at("pageHeight").value == "400.00" &&
+               s.controls.at("resolution").value == "72";
+    });
+    mPerson.Press("Return");
+    EXPECT_EQ(mPerson.Status(), 0) << mPerson.Log();
+    const std::string document = ReadAll(mHot + "/page.ps");
+    EXPECT_TRUE(Contains(document, "%%BoundingBox: 0 0 300 400")) << document.substr(0, 500);
+}
+
 class ZelprintSaveAs : public ZelprintTest, public testing::WithParamInterface<const char *> {};
 
 TEST_P(ZelprintSaveAs, NameInTheSavePanel_IsTheFilesName) {
