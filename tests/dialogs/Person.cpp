@@ -290,6 +290,7 @@ void Person::DragWindow(int dx, int dy) {
         Run({"xdotool", "mousemove_relative", "--sync", "--", std::to_string(dx / 10),
              std::to_string(dy / 10)});
     Run({"xdotool", "mouseup", "1"});
+    WaitFor("the window manager", [](const Screen &) { return PointerIsFree(); });
 }
 
 void Person::TakePicture(const std::string &name) const {

@@ -110,10 +110,11 @@ void PersonTest::OpenStyle(const PSHPrint &record) {
     mPerson.WaitForWindow("dialog");
 }
 
-void PersonTest::ExpectRefused(const std::string &field, const std::string &message) {
+void PersonTest::ExpectRefused(const std::string &field, const std::string &message,
+                               const std::string &picture) {
     mPerson.ClickTo("okButton", "alert");
     EXPECT_NE(mPerson.Look().texts.find(message), std::string::npos) << mPerson.Look().texts;
-    mPerson.TakePicture("real-refused-" + field);
+    mPerson.TakePicture("real-" + picture + "-" + field);
     mPerson.PressTo("Return", [&](const Screen &s) { return s.kind == "dialog" && s.isKey; });
     mPerson.WaitFor("the selected text of " + field,
                     [&](const Screen &s) { return s.focus == field && s.isFocusSelected; });

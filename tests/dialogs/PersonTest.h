@@ -19,7 +19,9 @@ protected:
     void UsePrinter(const PPDOptions &options);
     void OpenStyle(const PSHPrint &record);
     /// Presses OK on what is typed; the alert must have that text, and the field is selected then.
-    void ExpectRefused(const std::string &field, const std::string &message);
+    /// The last one of that field leaves a picture of that name.
+    void ExpectRefused(const std::string &field, const std::string &message,
+                       const std::string &picture = "refused");
 
     std::string mFolder;
     Person mPerson;

@@ -77,3 +77,12 @@ WindowPlace PlaceOfWindow(const std::string &handle) {
     XCloseDisplay(display);
     return place;
 }
+
+bool PointerIsFree() {
+    Display *display = XOpenDisplay(nullptr);
+    if (display == nullptr) return false;
+    const int result = XGrabPointer(display, DefaultRootWindow(display), False, 0, GrabModeAsync,
+                                    GrabModeAsync, None, None, CurrentTime);
+    XCloseDisplay(display); // and with it the grab
+    return result == GrabSuccess;
+}

@@ -18,3 +18,6 @@ struct WindowPlace {
 };
 /// `handle` is the window server's number in digits; without such a window, -1, -1.
 WindowPlace PlaceOfWindow(const std::string &handle);
+
+/// False while a window manager moves a window with the pointer; it takes the keys then as well.
+bool PointerIsFree();

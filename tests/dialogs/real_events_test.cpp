@@ -233,8 +233,9 @@ TEST_F(PersonTest, Job_PageRange_IsTypedCheckedAndStored) {
 
 TEST_F(PersonTest, Job_HotFolderInTheTrash_SaysSoAndIsCancelled) {
     UsePrinter({});
-    const std::string folder = mFolder + "/Hot",
-                      trash = std::string(std::getenv("XDG_DATA_HOME")) + "/Trash/files";
+    const char *data = std::getenv("XDG_DATA_HOME");
+    ASSERT_NE(data, nullptr);
+    const std::string folder = mFolder + "/Hot", trash = std::string(data) + "/Trash/files";
     std::filesystem::create_directories(folder);
     std::filesystem::create_directories(trash);
     SavePlace(CFSTR("HotFolderBookmark"), folder);

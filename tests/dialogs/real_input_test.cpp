@@ -39,7 +39,7 @@ TEST_F(PersonTest, Size_WrongInEachFieldAndUnit_IsRefusedOnOK) {
         const std::string field = wrong.field;
         if (wrong.unit != unit) mPerson.Choose("unitsMenu", unit = wrong.unit);
         mPerson.Type(field, wrong.text);
-        ExpectRefused(field, wrong.message);
+        ExpectRefused(field, wrong.message, "refused-input");
         mPerson.Type(field, (field == "pageWidth" ? goodWidths : goodHeights)[unit]);
     }
     mPerson.ClickTo("cancelButton", "");
@@ -120,9 +120,10 @@ TEST_F(PersonTest, DecimalComma_IsTypedCheckedAndStored) {
     EXPECT_EQ(mPerson.Look().controls["pageHeight"].value, "297,04");
     mPerson.Choose("unitsMenu", kInches);
     mPerson.Type("pageWidth", "5.5");
-    ExpectRefused("pageWidth", "Width is not a number.");
+    ExpectRefused("pageWidth", "Width is not a number.", "refused-german");
     mPerson.Type("pageWidth", "0,5");
-    ExpectRefused("pageWidth", "Width should be a number between 1,00 and 13,89.");
+    ExpectRefused("pageWidth", "Width should be a number between 1,00 and 13,89.",
+                  "refused-german");
     mPerson.Type("pageWidth", "5,5");
     mPerson.TakePicture("real-decimal-comma");
     mPerson.Press("Return");
