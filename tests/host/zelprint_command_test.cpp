@@ -234,28 +234,42 @@ TEST_F(Command, WithADisplay_OpensNoWindow) {
     EXPECT_NE(run.err.find("No PPD file has been selected - using defaults\n"), std::string::npos);
 }
 
-class Interrupted : public Command, public testing::WithParamInterface<std::pair<int, int>> {};
+class LongJob : public Command {
+protected:
+    /// Starts a job of that many pages, and returns when its document has begun to grow.
+    [[nodiscard]] pid_t StartAndAwaitGrowth(const char *pages) const {
+        SavePicture(TestPicture(1000, 1400), mPlace.Path("big.tif"));
+        const pid_t child =
+            mPlace.Start({"--hot-folder", mPlace.Hot(), "--colour-space", "rgb", "-n", pages,
+                          "--band-height", "1", mPlace.Path("big.tif")});
+        for (int i = 0; i < 600 && !IsGrowing(); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_TRUE(IsGrowing());
+        return child;
+    }
+    /// The exit status; -1 when the program did not exit by itself.
+    [[nodiscard]] static int Await(pid_t child) {
+        int ended = 0;
+        EXPECT_EQ(waitpid(child, &ended, 0), child);
+        return WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+    }
 
-TEST_P(Interrupted, LeavesNothingBehind) {
-    const auto [signal, status] = GetParam();
-    SavePicture(TestPicture(1000, 1400), mPlace.Path("big.tif"));
-    const pid_t child = mPlace.Start({"--hot-folder", mPlace.Hot(), "--colour-space", "rgb", "-n",
-                                      "400", "--band-height", "1", mPlace.Path("big.tif")});
-    // Until the document has grown.
-    const auto growing = [this] {
+private:
+    [[nodiscard]] bool IsGrowing() const {
         for (const std::string &folder : mPlace.Leftovers())
             for (const auto &entry : fs::directory_iterator(folder))
                 if (fs::file_size(entry.path()) > 500000) return true;
         return false;
-    };
-    for (int i = 0; i < 600 && !growing(); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    ASSERT_TRUE(growing());
+    }
+};
+
+class Interrupted : public LongJob, public testing::WithParamInterface<std::pair<int, int>> {};
+
+TEST_P(Interrupted, LeavesNothingBehind) {
+    const auto [signal, status] = GetParam();
+    const pid_t child = StartAndAwaitGrowth("100");
     ASSERT_EQ(kill(child, signal), 0);
-    int ended = 0;
-    ASSERT_EQ(waitpid(child, &ended, 0), child);
-    ASSERT_TRUE(WIFEXITED(ended));
-    EXPECT_EQ(WEXITSTATUS(ended), status);
+    EXPECT_EQ(Await(child), status);
     EXPECT_EQ(mPlace.HotFiles(), Names{});
     EXPECT_EQ(mPlace.Leftovers(), Names{});
 }
@@ -263,6 +277,14 @@ TEST_P(Interrupted, LeavesNothingBehind) {
 INSTANTIATE_TEST_SUITE_P(Signals, Interrupted,
                          testing::Values(std::pair(SIGINT, 130), std::pair(SIGTERM, 143),
                                          std::pair(SIGHUP, 143)));
+
+TEST_F(LongJob, WhoseFolderIsRemovedMeanwhile_FailsAndLeavesNothingBehind) {
+    const pid_t child = StartAndAwaitGrowth("4");
+    fs::remove_all(mPlace.Hot());
+    EXPECT_EQ(Await(child), 3);
+    fs::create_directory(mPlace.Hot());
+    EXPECT_EQ(mPlace.Leftovers(), Names{});
+}
 
 TEST_F(Command, QueueThatIsDown_KeepsTheDocument) {
     // A port that nobody listens on.
