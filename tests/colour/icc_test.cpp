@@ -89,10 +89,12 @@ TEST(OneDLookupWithExtrapolation, NegativeValue_IsTakenModulo65536) {
     EXPECT_EQ(ICC_OneDLookupWithExtrapolation(curve.data(), 2, -2.0 / 65535), 65534);
 }
 
-TEST(OneDLookupWithExtrapolation, NoNumber_IsHarmless) {
+TEST(OneDLookupWithExtrapolation, NoNumberAndEndlessOnes_StayWithinTheCurve) {
     const auto curve = Curve({3, 65535});
-    for (double v : {std::nan(""), HUGE_VAL, -HUGE_VAL, -1e300})
-        (void)ICC_OneDLookupWithExtrapolation(curve.data(), 2, v);
+    EXPECT_EQ(ICC_OneDLookupWithExtrapolation(curve.data(), 2, std::nan("")), 0);
+    EXPECT_EQ(ICC_OneDLookupWithExtrapolation(curve.data(), 2, HUGE_VAL), 65535);
+    EXPECT_EQ(ICC_OneDLookupWithExtrapolation(curve.data(), 2, -HUGE_VAL), 3);
+    EXPECT_EQ(ICC_OneDLookupWithExtrapolation(curve.data(), 2, -1e300), 3);
 }
 
 struct Inverse {
@@ -357,10 +359,14 @@ TEST(Matrix, Inverse_IsNotTransposed) {
         EXPECT_NEAR(product[i], kIdentity[i], 4);
 }
 
-TEST(Matrix, Inverse_OfASingularMatrix_IsHarmless) {
+TEST(Matrix, Inverse_ThatDoesNotFit_IsTheLeastNumber) {
     Matrix inverse{};
     ICC_MatrixInverse(Matrix{}.data(), inverse.data());
+    for (const int32_t value : inverse)
+        EXPECT_EQ(value, INT32_MIN);
+    // 65536 does not fit.
     ICC_MatrixInverse(Matrix{1, 0, 0, 0, 1, 0, 0, 0, 1}.data(), inverse.data());
+    EXPECT_EQ(inverse, (Matrix{INT32_MIN, 0, 0, 0, INT32_MIN, 0, 0, 0, INT32_MIN}));
 }
 
 TEST(Matrix, ImproveInverse_ComesCloserToTheInverse) {

@@ -3,7 +3,7 @@
 #include "colour/ColourKernels.h"
 #include "colour/EightColourSeparation.h"
 #include "colour/RGBToCMYK.h"
-#include "tests/colour/GuardedBytes.h"
+#include "tests/GuardedBytes.h"
 
 #include <array>
 #include <cstring>
@@ -248,7 +248,7 @@ TEST(VectorForms, RowsWithRuns_AreThePlainForms) {
 }
 
 TEST(VectorForms, EveryLength_StaysInsideItsMemory) {
-    const auto side = {GuardedBytes::kGuardAfter, GuardedBytes::kGuardBefore};
+    const auto side = {GuardedBytes::kEnd, GuardedBytes::kStart};
     for (const auto &conversion : AllConversions())
         for (size_t count = 0; count < 140; ++count)
             for (auto guard : side) {
@@ -256,10 +256,10 @@ TEST(VectorForms, EveryLength_StaysInsideItsMemory) {
                 const GuardedBytes dst(4 * count, guard);
                 const auto pixels = RandomPixels(count, static_cast<uint32_t>(count));
                 std::vector<uint8_t> expected(4 * count);
-                std::copy(pixels.begin(), pixels.end(), src.Get());
-                conversion.Plain(src.Get(), count, expected.data(), kInterleaved);
-                conversion.Public(src.Get(), count, dst.Get(), kInterleaved);
-                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst.Get())) << count;
+                std::copy(pixels.begin(), pixels.end(), src.Data());
+                conversion.Plain(src.Data(), count, expected.data(), kInterleaved);
+                conversion.Public(src.Data(), count, dst.Data(), kInterleaved);
+                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst.Data())) << count;
             }
 }
 

@@ -1,7 +1,7 @@
 #include "Common/Src/PageOutput.h"
 
+#include "tests/GuardedBytes.h"
 #include "tests/output/ASCII85Reference.h"
-#include "tests/output/GuardedBytes.h"
 #include "tests/output/WriterFixture.h"
 
 #include <limits>

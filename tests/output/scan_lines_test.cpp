@@ -1,6 +1,6 @@
 #include "Common/Src/ScanLines.h"
 
-#include "tests/output/GuardedBytes.h"
+#include "tests/GuardedBytes.h"
 #include "tests/output/ReferenceScan.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,7 @@
 // Running programs.
 #include "tests/output/TempFolder.h"
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <platform/Platform.h>
@@ -76,7 +77,15 @@ TEST(KeepFreedMemory, AllocationGoesOnAsBefore) {
         EXPECT_EQ(std::string(1 << 22, 'x').back(), 'x');
 }
 
-TEST(DisableFileCache, NeverMinds) {
-    PlatformDisableFileCache(-1);
-    PlatformDisableFileCache(0);
+TEST(DisableFileCache, LeavesTheFileAsItIs) {
+    FILE *file = std::tmpfile();
+    ASSERT_NE(file, nullptr);
+    ASSERT_EQ(write(fileno(file), "page", 4), 4);
+    PlatformDisableFileCache(fileno(file));
+    PlatformDisableFileCache(-1); // a hint that cannot be taken is none
+    ASSERT_EQ(write(fileno(file), "s", 1), 1);
+    char text[8] = {};
+    EXPECT_EQ(pread(fileno(file), text, sizeof text, 0), 5);
+    EXPECT_STREQ(text, "pages");
+    (void)std::fclose(file);
 }
