@@ -56,6 +56,7 @@ fi
 # Runs command $1 and appends its milliseconds to the file times.$1.
 timed() {
     rm -rf hot && mkdir hot
+    sync # what the command before has left to be written is not this one's time
     local start=${EPOCHREALTIME//[.,]/}
     eval "${commands[$1]}" >/dev/null 2>err.txt || { echo "failed: ${commands[$1]}" >&2; cat err.txt >&2; return 1; }
     local end=${EPOCHREALTIME//[.,]/}
