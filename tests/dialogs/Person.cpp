@@ -82,6 +82,13 @@ bool Has(const Screen &screen, const std::string &control) {
     return found != screen.controls.end() && found->second.enabled;
 }
 
+/// Tag of the open menu's item under the pointer; empty when there is none.
+std::string HighlightedItem(const Screen &screen) {
+    const auto found = std::find_if(screen.items.begin(), screen.items.end(),
+                                    [](const auto &item) { return item.second.value == "1"; });
+    return found == screen.items.end() ? "" : found->first;
+}
+
 } // namespace
 
 Person::~Person() {
@@ -217,24 +224,18 @@ void Person::MoveToItem(const std::string &tag) const {
     // has just come up, and one that is longer than the screen scrolls with the pointer at the
     // edge.
     const auto end = Clock::now() + kPatience / 2;
-    while (Clock::now() < end) {
+    for (bool isFirst = true; Clock::now() < end; isFirst = false) {
         const Screen screen = Look();
         const auto wanted = screen.items.find(tag);
-        const auto current =
-            std::find_if(screen.items.begin(), screen.items.end(),
-                         [](const auto &item) { return item.second.value == "1"; });
-        if (wanted == screen.items.end()) return;
-        if (current == wanted) return;
-        if (current == screen.items.end())
+        const std::string current = HighlightedItem(screen);
+        if (wanted == screen.items.end() || current == tag) return;
+        if (isFirst || current.empty())
             MoveTo(screen.menuHandle, wanted->second);
         else
             Run({"xdotool", "mousemove_relative", "--", "1",
-                 std::to_string(wanted->second.y - current->second.y)});
-        ComesTrue(
-            [&](const Screen &s) {
-                return s.items.count(tag) == 0 || s.items.at(tag).value == "1";
-            },
-            200ms);
+                 std::to_string(wanted->second.y - screen.items.at(current).y)});
+        // A slow program must have followed before the eye can judge again.
+        ComesTrue([&](const Screen &s) { return HighlightedItem(s) != current; }, 1s);
     }
 }
 
