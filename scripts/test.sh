@@ -9,4 +9,5 @@ scripts/install-packages.sh build test
 if [ "$preset" = ci ]; then scripts/check-format.sh; fi
 scripts/build.sh "$preset"
 echo "== Testing"
-exec ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" --no-tests=error
+exec ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" \
+    --no-tests=error --no-label-summary
