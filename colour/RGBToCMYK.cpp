@@ -119,12 +119,12 @@ void zel_RGBToCMYK(const uint8_t *table, const uint8_t *src, uint8_t *dst, int32
 
 void zel_RGBToCMYK_planes(const uint8_t *table, const uint8_t *src, uint8_t *c, uint8_t *m,
                           uint8_t *y, uint8_t *k, int32_t count) {
-    constexpr int32_t kPiece = 512;
+    constexpr int64_t kPiece = 512;
     uint8_t inks[4 * kPiece];
-    for (int32_t done = 0; done < count; done += kPiece) {
-        const int32_t n = std::min(count - done, kPiece);
-        zel_RGBToCMYK(table, src + int64_t{4} * done, inks, n);
-        for (int32_t i = 0; i < n; ++i) {
+    for (int64_t done = 0; done < count; done += kPiece) {
+        const int64_t n = std::min(count - done, kPiece);
+        zel_RGBToCMYK(table, src + 4 * done, inks, static_cast<int32_t>(n));
+        for (int64_t i = 0; i < n; ++i) {
             c[done + i] = inks[4 * i];
             m[done + i] = inks[4 * i + 1];
             y[done + i] = inks[4 * i + 2];
