@@ -18,8 +18,10 @@ struct JobDialogResults {
 
 void ReadBack(Controller *controller, const JobDialogResults &results) {
     [controller getPageRangeFrom:results.firstPage to:results.lastPage];
-    if (results.copies != nullptr) *results.copies = [controller numberOfCopies];
-    if (results.collate != nullptr) *results.collate = [controller collated];
+    if (results.copies != nullptr) {
+        *results.copies = [controller numberOfCopies];
+        if (results.collate != nullptr) *results.collate = [controller collated];
+    }
     if ([controller jobName] != nil) *results.jobName = (CFStringRef)[[controller jobName] retain];
     NSURL *folder = [[controller hotFolder] retain];
     if (*results.hotFolder != nullptr) CFRelease(*results.hotFolder);

@@ -56,6 +56,8 @@ bool StyleDialog(CFBundleRef bundle, CFStringRef preferencesDomain, PSStyleParam
         if (confirmed) {
             *record = [controller printRecord];
             SavePreferences(controller, preferencesDomain);
+        } else {
+            params->setup->RestoreSavedPrinter(preferencesDomain);
         }
         ReleaseLoadedWindow([controller window]);
         [controller release];

@@ -241,7 +241,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     [_pageHeight setEnabled:[self canUseCustomPageSizes]];
     const int tag = _setup->SyncPage();
     [self selectPageTag:tag];
-    [self showSize];
+    [self showChosenSize];
 }
 
 - (void)selectPageTag:(int)tag {
@@ -326,13 +326,17 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 #pragma mark Page size
 
-/// Shows the record's size. What was typed is gone then, so it need not be checked any more.
 - (void)showSize {
     const int unit = (int)_unitMode;
     const std::string width = FormatPoints(_setup->PaperWidth(), unit, _setup->XDpi());
     const std::string height = FormatPoints(_setup->PaperHeight(), unit, _setup->YDpi());
     [_pageWidth setStringValue:[NSString stringWithUTF8String:width.c_str()]];
     [_pageHeight setStringValue:[NSString stringWithUTF8String:height.c_str()]];
+}
+
+/// Shows a size that was chosen: what was typed before is gone and need not be checked any more.
+- (void)showChosenSize {
+    [self showSize];
     mCheckTypingOnExit = NO;
 }
 
@@ -351,7 +355,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
         _setup->ChooseCustomPage();
     else
         _setup->ChoosePage((int)tag);
-    [self showSize];
+    [self showChosenSize];
 }
 
 - (IBAction)doSetPrintQuality:(id)sender {

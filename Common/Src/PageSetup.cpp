@@ -132,10 +132,12 @@ CustomDimensions PageSetup::CustomLimits() const {
     return limits;
 }
 
-void PageSetup::UseNamedPage(int index) {
+void PageSetup::UsePage(int index, bool turned) {
     const PostscriptPage &page = Printer().Pages().GetPage(index);
+    const PageSize size = SizeOf(page, turned);
     SetRecordName(mRecord.mPageName, page.GetName());
     mRecord.mPageIsCustom_be = Flag(false);
+    SetPaperSize(size.width, size.height);
 }
 
 void PageSetup::UseCustomSize(double width, double height) {
@@ -153,9 +155,7 @@ int PageSetup::SyncPage() {
     if (pages.NumPages() == 0) return kNoPageTag;
     int index = pages.FindPageByName(RecordName(mRecord.mPageName));
     if (index < 0) index = pages.DefaultPageIndex();
-    const PageSize size = SizeOf(pages.GetPage(index), IsRotated());
-    UseNamedPage(index);
-    SetPaperSize(size.width, size.height);
+    UsePage(index, IsRotated());
     return index;
 }
 
@@ -178,9 +178,7 @@ void PageSetup::ChoosePage(int index) {
     const PostscriptPages &pages = Printer().Pages();
     if (index < 0 || index >= pages.NumPages()) return;
     // Not turned on a rotated record, unlike elsewhere: the user asks for this paper as it is.
-    const PageSize size = SizeOf(pages.GetPage(index), false);
-    UseNamedPage(index);
-    SetPaperSize(size.width, size.height);
+    UsePage(index, false);
 }
 
 void PageSetup::ChooseResolution(int index) {
@@ -234,17 +232,15 @@ bool PageSetup::TypeSize(const std::string &width, const std::string &height, in
     double heightPoints = 0;
     if (!ReadDimension(width, unit, XDpi(), limits.width, widthPoints)) return false;
     if (!ReadDimension(height, unit, YDpi(), limits.height, heightPoints)) return false;
-    // A size that reads the same already is the more exact one.
-    if (FormatPoints(PaperWidth(), unit, XDpi()) != width ||
-        FormatPoints(PaperHeight(), unit, YDpi()) != height)
-        SetPaperSize(widthPoints, heightPoints);
     const int page = PageWithSizeText(width, height, unit, widthPoints, heightPoints);
     *tag = page >= 0 ? page : kCustomPageTag;
     if (page >= 0) {
-        UseNamedPage(page);
+        // With the page's own size: with the rounded one that was typed, validation can refuse it.
+        UsePage(page, IsRotated());
     } else {
         mRecord.mPageIsCustom_be = Flag(true);
         SetRecordName(mRecord.mPageName, "");
+        SetPaperSize(widthPoints, heightPoints);
     }
     return true;
 }
@@ -331,7 +327,13 @@ void PageSetup::LoadPrinter(CFURLRef ppd, CFStringRef preferencesDomain) {
     const CFRef<CFDataRef> bookmark(CFURLCreateBookmarkData(
         kCFAllocatorDefault, ppd, kCFURLBookmarkCreationSuitableForBookmarkFile, nullptr, nullptr,
         nullptr));
+    if (!mSavedPrinterIsReplaced) mSavedPrinter = CopySavedPPDFile(preferencesDomain);
+    mSavedPrinterIsReplaced = true;
     SavePPDFileLocation(preferencesDomain, bookmark.Get());
+}
+
+void PageSetup::RestoreSavedPrinter(CFStringRef preferencesDomain) {
+    if (mSavedPrinterIsReplaced) RestoreSavedPPDFile(preferencesDomain, mSavedPrinter.Get());
 }
 
 bool PageSetup::IsPPDFile(const std::string &path) const {

@@ -76,9 +76,8 @@ public:
     virtual void SetSizeFromDocument();
 
     /// Follows the typing of a width and a height. False when either text is no number within the
-    /// limits; nothing has changed then. Otherwise the record has the typed size and the name of
-    /// the page whose size reads exactly the same in that unit, or custom paper; `*tag` is the one
-    /// to select.
+    /// limits; nothing has changed then. Otherwise the record has the page whose size reads exactly
+    /// the same in that unit, or custom paper of the typed size; `*tag` is the one to select.
     virtual bool TypeSize(const std::string &width, const std::string &height, int unit, int *tag);
     /// Follows the typing of a resolution; false when it is no number within the host's limits.
     virtual bool TypeResolution(const std::string &text);
@@ -101,19 +100,24 @@ public:
     /// Replaces the printer by the one of a PPD file and saves that file as the user's choice. A
     /// file that is refused gives the built-in printer, after telling the user why.
     virtual void LoadPrinter(CFURLRef ppd, CFStringRef preferencesDomain);
+    /// After a cancelled dialog: the user's choice is again the file that it was before. The driver
+    /// that showed the dialog keeps the printer.
+    virtual void RestoreSavedPrinter(CFStringRef preferencesDomain);
 
     /// Is it a regular file that the PPD reader accepts?
     virtual bool IsPPDFile(const std::string &path) const;
 
 private:
     const PostscriptPrinterInfo &Printer() const { return **mParams->printerInfo; }
-    void UseNamedPage(int index);
+    void UsePage(int index, bool turned);
     void UseCustomSize(double width, double height);
     int PageWithSizeText(const std::string &width, const std::string &height, int unit,
                          double widthPoints, double heightPoints) const;
 
     PSHPrint mRecord = {};
     PSStyleParams *mParams = nullptr;
+    bool mSavedPrinterIsReplaced = false;
+    CFRef<CFPropertyListRef> mSavedPrinter; ///< the preference before the first replacement
 };
 
 /// The result of `list`; a PPD::ParserError that it throws empties the result and becomes "PPD

@@ -68,6 +68,14 @@ void SavePPDFileLocation(CFStringRef applicationID, CFDataRef bookmark) {
     SetFileLocationPreference(applicationID, CFSTR("PPDBookmark"), bookmark);
 }
 
+CFRef<CFPropertyListRef> CopySavedPPDFile(CFStringRef applicationID) {
+    return CFRef<CFPropertyListRef>(CFPreferencesCopyAppValue(CFSTR("PPDBookmark"), applicationID));
+}
+
+void RestoreSavedPPDFile(CFStringRef applicationID, CFPropertyListRef value) {
+    CFPreferencesSetAppValue(CFSTR("PPDBookmark"), value, applicationID);
+}
+
 int32_t GetMeasurementUnits(CFStringRef applicationID) {
     Boolean valid = false;
     CFIndex units =

@@ -20,6 +20,9 @@ void SetFileLocationPreference(CFStringRef applicationID, CFStringRef key, CFDat
 
 [[nodiscard]] CFRef<CFDataRef> CopyPPDFileLocation(CFStringRef applicationID);
 void SavePPDFileLocation(CFStringRef applicationID, CFDataRef bookmark);
+/// The saved value as it is, whatever its type, to be put back after a choice that was cancelled.
+[[nodiscard]] CFRef<CFPropertyListRef> CopySavedPPDFile(CFStringRef applicationID);
+void RestoreSavedPPDFile(CFStringRef applicationID, CFPropertyListRef value); ///< null: none
 
 /// "MeasurementsUnit": 2, 3 or 4; 3 when missing or anything else. The page-setup dialog keeps a
 /// setting of its own under "MeasurementUnit"; both spellings are in users' preferences.

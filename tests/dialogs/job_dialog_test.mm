@@ -43,10 +43,10 @@ class JobDialogFlow : public testing::Test {
         mHotFolder = nullptr;
     }
     bool Run() {
-        const bool confirmed = JobDialog(
-            TestBundle(), TestBundleIdentifier(), CFSTR("ZEL Postscript Printer Driver"),
-            &mHotFolder, mSuggestedName, CFSTR("ps"), &mJobName, mWithCopies ? &mCopies : nullptr,
-            mWithCopies ? &mCollate : nullptr, &mFirst, &mLast);
+        const bool confirmed =
+            JobDialog(TestBundle(), TestBundleIdentifier(), CFSTR("ZEL Postscript Printer Driver"),
+                      &mHotFolder, mSuggestedName, CFSTR("ps"), &mJobName,
+                      mWithCopies ? &mCopies : nullptr, &mCollate, &mFirst, &mLast);
         EXPECT_TRUE(mScript.IsFinished());
         EXPECT_TRUE(DialogWindow() == nil);
         return confirmed;
@@ -112,6 +112,13 @@ TEST_F(JobDialogFlow, Open_WithoutCopies_HasNeitherCopiesNorCollate) {
     });
     Press(@"Cancel");
     EXPECT_FALSE(Run());
+}
+
+TEST_F(JobDialogFlow, Save_WithoutCopies_LeavesTheCallersCollate) {
+    mCollate = true;
+    Press(@"Save");
+    EXPECT_TRUE(Run());
+    EXPECT_TRUE(mCollate);
 }
 
 TEST_F(JobDialogFlow, Typing_FirstPageWhileAll_SwitchesToRangeAndFillsLast) {

@@ -110,6 +110,17 @@ TEST_F(PageSetupRules, Sync_KnownPageRotated_TakesItsSizeSwapped) {
     EXPECT_EQ(mSetup.PaperHeight(), 595);
 }
 
+TEST_F(PageSetupRules, Sync_CustomSizeRotated_KeepsItsSides) {
+    mRecord.mPageIsCustom_be = SwapBigEndian(uint32_t{1});
+    mRecord.mPageWidth_be = DoubleToBigEndian(200);
+    mRecord.mPageHeight_be = DoubleToBigEndian(300);
+    Use({});
+    mSetup.SetRotated(true);
+    EXPECT_EQ(mSetup.SyncPage(), PageSetup::kCustomPageTag);
+    EXPECT_EQ(mSetup.PaperWidth(), 200);
+    EXPECT_EQ(mSetup.PaperHeight(), 300);
+}
+
 TEST_F(PageSetupRules, Sync_UnknownPage_TakesTheDefaultPage) {
     SetRecordName(mRecord.mPageName, "Gone");
     Use({});
@@ -278,12 +289,29 @@ TEST_F(PageSetupRules, Type_SizeOnRotatedRecord_ComparesWithTurnedPages) {
     EXPECT_EQ(PageName(), "A4");
 }
 
-TEST_F(PageSetupRules, Type_SizeThatReadsTheSame_KeepsTheExactOne) {
+TEST_F(PageSetupRules, Type_SizeThatReadsAsTheRecords_IsTakenAsTyped) {
     mSetup.SetPaperSize(200.001, 300.001);
     int tag = 0;
     EXPECT_TRUE(mSetup.TypeSize("200.00", "300.00", kPoints, &tag));
-    EXPECT_EQ(mSetup.PaperWidth(), 200.001);
-    EXPECT_EQ(mSetup.PaperHeight(), 300.001);
+    EXPECT_EQ(mSetup.PaperWidth(), 200);
+    EXPECT_EQ(mSetup.PaperHeight(), 300);
+}
+
+// One side of this page is exact with two decimals and the other is not; the typed numbers with the
+// page's name would be a record that validation throws away.
+TEST_F(PageSetupRules, Type_SizeOfAPage_TakesThePagesOwnSize) {
+    PPDOptions options;
+    options.extra = "*PageSize F: \"\"\n*ImageableArea F: \"0 0 595 792\"\n";
+    for (const bool rotated : {false, true}) {
+        Use(options);
+        mSetup.SetRotated(rotated);
+        int tag = 0;
+        EXPECT_TRUE(mSetup.TypeSize(rotated ? "279.40" : "209.90", rotated ? "209.90" : "279.40",
+                                    kMillimetres, &tag));
+        EXPECT_EQ(PageName(), "F");
+        EXPECT_EQ(mSetup.PaperWidth(), rotated ? 792 : 595);
+        EXPECT_EQ(mSetup.PaperHeight(), rotated ? 595 : 792);
+    }
 }
 
 TEST_F(PageSetupRules, Type_PixelsWithoutResolution_ChangesNothing) {

@@ -391,6 +391,48 @@ TEST_F(StyleFlow, Typing_CustomSize_IsStored) {
     ExpectSameRecord(mRecord, expected);
 }
 
+// What is stored is what the fields show, in the unit that they show it in.
+TEST_F(StyleFlow, Typing_MoreThanTwoDecimals_IsStoredAsShown) {
+    WhenOpen([] {
+        TypeInto([Controller() pageWidth], "100.123");
+        TypeInto([Controller() pageHeight], "200.456");
+        EXPECT_NEAR(DoubleFromBigEndian([Controller() printRecord].mPageWidth_be),
+                    100.123 * 72 / 25.4, 1e-9);
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_NEAR(DoubleFromBigEndian(mRecord.mPageWidth_be), 100.12 * 72 / 25.4, 1e-9);
+    EXPECT_NEAR(DoubleFromBigEndian(mRecord.mPageHeight_be), 200.46 * 72 / 25.4, 1e-9);
+}
+
+TEST_F(StyleFlow, Typing_ThenAnotherUnit_IsStoredAsShown) {
+    WhenOpen([] {
+        ChooseTag([Controller() unitsMenu], kPoints);
+        TypeInto([Controller() pageWidth], "201");
+        TypeInto([Controller() pageHeight], "302");
+        ChooseTag([Controller() unitsMenu], kInches);
+        EXPECT_EQ(Text([Controller() pageWidth]), "2.79");
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_NEAR(DoubleFromBigEndian(mRecord.mPageWidth_be), 2.79 * 72, 1e-9);
+    EXPECT_NEAR(DoubleFromBigEndian(mRecord.mPageHeight_be), 4.19 * 72, 1e-9);
+}
+
+TEST_F(StyleFlow, Typing_ThenAChosenPage_IsForgotten) {
+    PPDOptions options;
+    options.maxWidth = 500; // A4 is larger than any custom page, and no less good a choice
+    UsePrinter(options);
+    WhenOpen([] {
+        TypeInto([Controller() pageWidth], "wide");
+        ChooseTag([Controller() pagesMenu], kA4);
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(RecordName(mRecord.mPageName), "A4");
+    EXPECT_EQ(DoubleFromBigEndian(mRecord.mPageWidth_be), 595);
+}
+
 struct BadSize {
     int unit;
     const char *width, *height, *message;

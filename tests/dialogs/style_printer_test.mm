@@ -107,6 +107,17 @@ TEST_F(StyleFlow, MissingSeparation_NotCMYK_IsClearedWithoutAWord) {
 
 // Size from the document
 
+TEST_F(StyleFlow, MissingSeparation_PrinterWithoutColour_IsClearedWithoutAWord) {
+    PPDOptions options;
+    options.hasColour = false;
+    UsePrinter(options);
+    SetSeparation("Removed profile");
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(mRecord.mColourSpace_be, SwapBigEndian(uint32_t{1}));
+    EXPECT_EQ(mRecord.cmykSeparationName[0], 0);
+}
+
 TEST_F(StyleFlow, DocumentSize_Fits_IsTakenAtOnce) {
     WhenOpen([] {
         PressControl([Controller() documentSizeButton]);
@@ -213,6 +224,10 @@ class StylePPD : public StyleFlow {
             StopModalAndWake();
         });
     }
+    static CFRef<CFPropertyListRef> SavedPPD() {
+        return CFRef<CFPropertyListRef>(
+            CFPreferencesCopyAppValue(CFSTR("PPDBookmark"), TestBundleIdentifier()));
+    }
     static NSBrowser *Browser(NSView *view) {
         for (NSView *sub in [view subviews]) {
             if ([sub isKindOfClass:[NSBrowser class]]) return (NSBrowser *)sub;
@@ -253,15 +268,37 @@ TEST_F(StylePPD, Choose_File_ReplacesThePrinter) {
         EXPECT_FALSE([[Controller() pageWidth] isEnabled]);
         EXPECT_EQ(SelectedTag([Controller() pagesMenu]), kA4);
     });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(mPrinter->GetName(), "Other.ppd");
+    const CFRef<CFPropertyListRef> saved(SavedPPD());
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(CFGetTypeID(saved.Get()), CFDataGetTypeID());
+}
+
+class StylePPDCancelled : public StylePPD, public testing::WithParamInterface<bool> {};
+
+TEST_P(StylePPDCancelled, Choose_TwoFilesThenCancel_KeepsTheSavedChoice) {
+    const bool hadChoice = GetParam();
+    if (hadChoice) SetPreference(CFSTR("PPDBookmark"), CFSTR("what was saved before"));
+    for (const char *name : {"/Second.ppd", "/Third.ppd"}) {
+        WriteFile(mFolder, name, PPDText());
+        ChoosePPD([this, name](NSOpenPanel *panel) { Pick(panel, mFolder + name); });
+        WhenOpen([] {
+            const CFRef<CFPropertyListRef> saved(SavedPPD());
+            ASSERT_TRUE(saved);
+            EXPECT_EQ(CFGetTypeID(saved.Get()), CFDataGetTypeID());
+        });
+    }
     Press(@"Cancel");
     EXPECT_FALSE(Run());
-    EXPECT_EQ(mPrinter->GetName(), "Other.ppd");
-    CFPropertyListRef saved =
-        CFPreferencesCopyAppValue(CFSTR("PPDBookmark"), TestBundleIdentifier());
-    ASSERT_TRUE(saved != nullptr);
-    EXPECT_EQ(CFGetTypeID(saved), CFDataGetTypeID());
-    CFRelease(saved);
+    const CFRef<CFPropertyListRef> saved(SavedPPD());
+    ASSERT_EQ(static_cast<bool>(saved), hadChoice);
+    if (hadChoice) EXPECT_TRUE(CFEqual(saved.Get(), CFSTR("what was saved before")));
+    EXPECT_EQ(mPrinter->GetName(), "Third.ppd");
 }
+
+INSTANTIATE_TEST_SUITE_P(SavedBefore, StylePPDCancelled, testing::Bool());
 
 TEST_F(StylePPD, Choose_Cancelled_KeepsThePrinter) {
     ChoosePPD([](NSOpenPanel *panel) { [panel cancel:nil]; });
@@ -270,7 +307,7 @@ TEST_F(StylePPD, Choose_Cancelled_KeepsThePrinter) {
     const PostscriptPrinterInfo *before = mPrinter;
     EXPECT_TRUE(Run());
     EXPECT_EQ(mPrinter, before);
-    EXPECT_TRUE(CFPreferencesCopyAppValue(CFSTR("PPDBookmark"), TestBundleIdentifier()) == nullptr);
+    EXPECT_FALSE(SavedPPD());
 }
 
 TEST_F(StyleFlow, PanelFilter_FoldersAndPPDFilesOnly) {
