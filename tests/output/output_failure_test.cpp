@@ -1,4 +1,5 @@
 /// Files that exist already, cannot be created, cannot be written or are not wanted any more.
+#include "tests/output/Faults.h"
 #include "tests/output/WriterFixture.h"
 
 #include <cerrno>
@@ -49,6 +50,27 @@ TEST_F(OutputFailure, AFolderThatIsNotThereFails) {
     EXPECT_EQ(Output_AddPage(mOutput), -1);
     EXPECT_EQ(Output_WriteBlankLine(mOutput), -50);
     EXPECT_EQ(Output_Close(mOutput), -1);
+}
+
+TEST_F(OutputFailure, AWriterThreadThatCannotStartLeavesNoFile) {
+    Faults faults;
+    faults.threadError = EAGAIN;
+    EXPECT_EQ(Create("a"), -108);
+    EXPECT_EQ(mOutput, nullptr);
+    EXPECT_EQ(Create("a", "a.ps"), -108);
+    EXPECT_TRUE(mFolder.Names().empty());
+}
+
+TEST_F(OutputFailure, AWriterThreadThatCannotStartForAnEPSPageLeavesTheEarlierOnes) {
+    mOptions.eps = 1;
+    ASSERT_EQ(Create("a"), 0);
+    AddPage(Bytes(8, 0));
+    Faults faults;
+    faults.threadError = EAGAIN;
+    EXPECT_EQ(Output_AddPage(mOutput), -108);
+    Output_Kill(mOutput);
+    EXPECT_EQ(mFolder.Names(), Names{"a.eps"});
+    EXPECT_NE(mFolder.Read("a.eps").find("%%EOF\n"), std::string::npos);
 }
 
 TEST_F(OutputFailure, AnEPSPageThatCannotBeCreatedLeavesTheEarlierOnes) {
