@@ -3,7 +3,8 @@
 ///
 /// All calls come from one thread at a time. Once a call has failed or the user has cancelled, the
 /// result stays latched in the context: every later call that takes part in printing does nothing
-/// and returns the latched code, and closing a page or document throws its partial output away.
+/// and returns the latched code, and closing a page or document throws its partial output away. The
+/// EPS files of pages that another page has followed are finished, and stay.
 #ifndef ZEL_PRINT_H
 #define ZEL_PRINT_H
 
@@ -32,13 +33,14 @@ ZEL_EXPORT void ZELPrDefaults(DriverContext *context, Handle record);
 ZEL_EXPORT int32_t ZELPrGetInfo(DriverContext *context, Handle record, ZELDriverInfo *info);
 
 /// Runs the page-setup dialog on the record. True when the user confirms: the record has then been
-/// changed and saved as the user's defaults. False when the user cancels (which ends the session
-/// without an error), when it has ended before, or without a window system. Main thread only.
+/// changed and saved as the user's defaults. False when the user cancels, or when the dialog cannot
+/// be shown because there is no window system: both end the session without an error, so that every
+/// later call does nothing and returns 0. False too when it has ended before. Main thread only.
 ZEL_EXPORT Boolean ZELPrStyle(DriverContext *context, Handle record);
 
 /// Runs the print dialog. True when the user confirms: the record then has the page range and one
-/// copy, and the driver knows the hot folder and, from the save panel, the file name. False as for
-/// ZELPrStyle. Main thread only.
+/// copy, and the driver knows the hot folder and, from the save panel, the file name. False, with
+/// the same consequences, as for ZELPrStyle. Main thread only.
 ZEL_EXPORT Boolean ZELPrJob(DriverContext *context, Handle record);
 
 /// Names the job; the driver retains the string. The name is the document's title and the base of
@@ -61,9 +63,10 @@ ZEL_EXPORT Boolean ZELPrSetJobSettings(DriverContext *context, Handle record,
 /// Copies page range and copies from one record to another. `context` is not used.
 ZEL_EXPORT void ZELPrJobMerge(DriverContext *context, Handle source, Handle destination);
 
-/// Opens the output document. Its record is the handle that the host gave last to a call taking
-/// both a context and a record (ZELPrValidate, ZELPrDefaults, the dialogs, the job settings); it is
-/// read now, so changes since then count, and must still be alive. Without any: kZELBadParameter.
+/// Opens the output document. Its record is the handle that the host gave last to ZELPrValidate,
+/// ZELPrDefaults, a dialog or one of the calls for job settings (not ZELPrGetInfo or
+/// ZELPrJobMerge); it is read now, so changes since then count, and must still be alive. Without
+/// any: kZELBadParameter.
 ZEL_EXPORT int32_t ZELPrOpenDoc(DriverContext *context);
 
 /// Begins a page. The two page arguments are accepted for old hosts and not used.

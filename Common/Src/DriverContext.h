@@ -41,7 +41,7 @@ struct DriverContext {
     PostscriptPrinterInfo *printerInfo = nullptr;    ///< owned; the page-setup dialog replaces it
     Separations *separations = nullptr;              ///< owned; null when there is no folder
 
-    /// The handle given last to a call that takes a context and a record: ZELPrOpenDoc has no
+    /// The handle given last to one of the calls that ZELPrOpenDoc names in ZELPrint.h: it has no
     /// record argument. The handle and not a copy, because hosts change the record in between.
     Handle record = nullptr;
     /// Set by ZELPrSetSendToPrintQueue; otherwise the user's preference holds.

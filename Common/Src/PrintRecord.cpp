@@ -138,7 +138,8 @@ void SetDefaultResolution(const PostscriptResolutions &resolutions, PSHPrint &re
 }
 
 /// A printer without colour gets CMYK although only Gray is good for it. ZELPrValidate then reports
-/// a change every time, which hosts take as the sign to look at the record again.
+/// a change every time, until the host makes the record Gray: hosts take it as the sign to look at
+/// the record again.
 PSHPrint DefaultRecord(const PostscriptPrinterInfo &printer, CFStringRef applicationID) {
     PSHPrint record = {};
     std::memcpy(record.mMagic_be, kMagic, sizeof kMagic);
