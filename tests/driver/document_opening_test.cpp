@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <limits>
 
 using testing::ElementsAre;
@@ -139,6 +140,135 @@ TEST_F(DocumentOpeningTest, EPS_CustomPageOfAPrinterWithout_IsNotLookedAt) {
     record.Record().mEPSFormat_be = record.Record().mPageIsCustom_be = 1;
     EXPECT_THAT(Print(), HasSubstr("%%BoundingBox: 0 0 20 10\n"));
 }
+
+// How the second page of an EPS document fails; the first one is closed by then.
+struct SecondPageFailure {
+    const char *name;
+    std::function<void(DriverContext *)> fail;
+    int32_t code;
+};
+
+void PrintTo(const SecondPageFailure &c, std::ostream *out) {
+    *out << c.name;
+}
+
+class EPSSecondPage : public DocumentOpeningTest,
+                      public testing::WithParamInterface<SecondPageFailure> {
+protected:
+    EPSSecondPage() { record.Record().mEPSFormat_be = 1; }
+    std::string Page(const std::string &name) const {
+        std::string text = ReadFile(output.Path() / name);
+        const size_t date = text.find("%%CreationDate:");
+        if (date != std::string::npos) text.erase(date, text.find('\n', date) - date);
+        return text;
+    }
+    void PrintFirstPage() {
+        ASSERT_EQ(OpenDoc(), 0);
+        ASSERT_EQ(session.PrintPage(20, 10), 0);
+    }
+};
+
+void PrintBandOf(DriverContext *context, uint16_t pixelFormat) {
+    const uint8_t pixel[8] = {};
+    const ZELRect one = {0, 0, 1, 1};
+    const ZELBand band = {pixel, one, 4, pixelFormat};
+    (void)Driver().ZELPrPrintBitmap(context, &band, &one, &one);
+}
+
+TEST_P(EPSSecondPage, Fails_TheFirstStaysWhole) {
+    PrintFirstPage();
+    ASSERT_EQ(Driver().ZELPrCloseDoc(session.Get()), 0);
+    const std::string whole = Page("Untitled.eps");
+    ASSERT_THAT(whole, testing::EndsWith("~>\ngrestore\n%%EOF\n"));
+    std::filesystem::remove(output.Path() / "Untitled.eps");
+    PrintFirstPage();
+    StderrCapture messages;
+    (void)Driver().ZELPrOpenPage(session.Get(), nullptr, nullptr);
+    GetParam().fail(session.Get());
+    EXPECT_EQ(Driver().ZELPrClosePage(session.Get()), GetParam().code);
+    EXPECT_EQ(Driver().ZELPrCloseDoc(session.Get()), GetParam().code);
+    EXPECT_THAT(output.Names(), ElementsAre("Untitled.eps"));
+    EXPECT_EQ(Page("Untitled.eps"), whole);
+    EXPECT_EQ(session.Close(), GetParam().code);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , EPSSecondPage,
+    testing::Values(
+        SecondPageFailure{"WrongPixels", [](DriverContext *c) { PrintBandOf(c, kZELFormatCMYK32); },
+                          kZELPixelFormatDiffers},
+        SecondPageFailure{"HostsError", [](DriverContext *c) { Driver().ZELPrSetError(c, 4711); },
+                          4711},
+        SecondPageFailure{"Cancelled",
+                          [](DriverContext *c) { Driver().ZELPrSetError(c, kZELUserCancelled); },
+                          kZELUserCancelled}),
+    [](const auto &info) { return std::string(info.param.name); });
+
+TEST_F(EPSSecondPage, NotOpened_TheFirstIsUnfinishedAndGoes) {
+    PrintFirstPage();
+    Driver().ZELPrSetError(session.Get(), 4711);
+    EXPECT_EQ(Driver().ZELPrCloseDoc(session.Get()), 4711);
+    EXPECT_THAT(output.Names(), IsEmpty());
+}
+
+// ---- which record is read
+
+struct RecordCall {
+    const char *name;
+    std::function<void(DriverContext *, Handle own, Handle other)> call;
+    bool counts;
+};
+
+void PrintTo(const RecordCall &c, std::ostream *out) {
+    *out << c.name;
+}
+
+class RecordOfTheDocument : public DocumentOpeningTest,
+                            public testing::WithParamInterface<RecordCall> {};
+
+TEST_P(RecordOfTheDocument, IsTheOneOfTheLastCallThatCounts) {
+    RecordHandle other(record.Bytes());
+    other.Record().mEPSFormat_be = 1;
+    const std::string eps = other.Bytes();
+    GetParam().call(session.Get(), record.Get(), other.Get());
+    ASSERT_EQ(other.Bytes().size(), eps.size());
+    std::memcpy(*other.Get(), eps.data(), eps.size());
+    EXPECT_NE(Print(), "");
+    EXPECT_THAT(output.Names(), ElementsAre(GetParam().counts ? "Untitled.eps" : "Untitled.ps"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , RecordOfTheDocument,
+    testing::Values(
+        RecordCall{"Validate",
+                   [](DriverContext *c, Handle, Handle h) { Driver().ZELPrValidate(c, h); }, true},
+        RecordCall{"Defaults",
+                   [](DriverContext *c, Handle, Handle h) { Driver().ZELPrDefaults(c, h); }, true},
+        RecordCall{"CopyJobSettings",
+                   [](DriverContext *c, Handle, Handle h) {
+                       CFRef<CFDictionaryRef>(Driver().ZELPrCopyJobSettings(c, h));
+                   },
+                   true},
+        RecordCall{"SetJobSettings",
+                   [](DriverContext *c, Handle, Handle h) {
+                       Driver().ZELPrSetJobSettings(c, h, MakeDictionary().Get());
+                   },
+                   true},
+        RecordCall{"GetInfo",
+                   [](DriverContext *c, Handle, Handle h) {
+                       ZELDriverInfo info = {};
+                       Driver().ZELPrGetInfo(c, h, &info);
+                   },
+                   false},
+        RecordCall{
+            "JobMergeFrom",
+            [](DriverContext *c, Handle own, Handle h) { Driver().ZELPrJobMerge(c, h, own); },
+            false},
+        RecordCall{
+            "JobMergeInto",
+            [](DriverContext *c, Handle own, Handle h) { Driver().ZELPrJobMerge(c, own, h); },
+            false}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 // ---- custom pages
 
