@@ -2,8 +2,11 @@
 #include "CFBridge.h"
 #include <cstring>
 #include <mutex>
+#include <string_view>
 
 namespace {
+
+constexpr unichar kByteOrderMark = 0xfeff;
 
 NSStringEncoding FoundationEncoding(CFStringEncoding encoding) {
     switch (encoding) {
@@ -14,6 +17,42 @@ NSStringEncoding FoundationEncoding(CFStringEncoding encoding) {
         default:
             return NSUTF8StringEncoding;
     }
+}
+
+/// Nil when the bytes are not text. Byte-order marks at the beginning, even several, get lost.
+NSString *Decoded(std::string_view text, CFStringEncoding encoding) {
+    return [[[NSString alloc] initWithBytes:text.data()
+                                     length:text.size()
+                                   encoding:FoundationEncoding(encoding)] autorelease];
+}
+
+/// The byte-order mark as it stands in text that has not come from outside: a character like any
+/// other. Latin 1 has none.
+std::string_view ByteOrderMark(CFStringEncoding encoding) {
+    static const unichar mark = kByteOrderMark;
+    switch (FoundationEncoding(encoding)) {
+        case NSUTF8StringEncoding:
+            return "\xef\xbb\xbf";
+        case NSUnicodeStringEncoding:
+            return {(const char *)&mark, sizeof mark};
+        default:
+            return {};
+    }
+}
+
+/// The same with all byte-order marks.
+NSString *DecodedWithMarks(std::string_view text, CFStringEncoding encoding) {
+    const std::string_view mark = ByteOrderMark(encoding);
+    int count = 0;
+    for (; !mark.empty() && text.substr(0, mark.size()) == mark; ++count)
+        text.remove_prefix(mark.size());
+    NSString *rest = Decoded(text, encoding);
+    if (count == 0 || rest == nil) return rest;
+    NSMutableString *whole = [NSMutableString string];
+    for (int i = 0; i < count; ++i)
+        [whole appendFormat:@"%C", kByteOrderMark];
+    [whole appendString:rest];
+    return whole;
 }
 
 NSData *Encoded(CFStringRef string, CFStringEncoding encoding) {
@@ -42,13 +81,12 @@ CFStringRef __CFStringMakeConstantString(const char *cStr) {
 }
 
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef, const UInt8 *bytes, CFIndex numBytes,
-                                    CFStringEncoding encoding, Boolean) {
+                                    CFStringEncoding encoding, Boolean isExternalRepresentation) {
     if ((!bytes && numBytes != 0) || numBytes < 0) return nullptr;
-    return (CFStringRef)Create([&] {
-        return [[[NSString alloc] initWithBytes:bytes
-                                         length:(NSUInteger)numBytes
-                                       encoding:FoundationEncoding(encoding)] autorelease];
-    });
+    std::string_view text((const char *)bytes, (size_t)numBytes);
+    if (isExternalRepresentation)
+        return (CFStringRef)Create([&] { return Decoded(text, encoding); });
+    return (CFStringRef)CreateCopy([&] { return DecodedWithMarks(text, encoding); });
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef alloc, const char *cStr,

@@ -216,6 +216,8 @@ const BadnessCase kBadnessCases[] = {
                      4);
      },
      false},
+    {"SeparationIsAByteOrderMark",
+     [](PSHPrint &r) { std::memcpy(r.cmykSeparationName, "\x03\xef\xbb\xbf", 4); }, true},
     {"SeparationNotUTF8", [](PSHPrint &r) { std::memcpy(r.cmykSeparationName, "\x02\xff\xfe", 3); },
      true},
     {"SeparationNotUTF8InGray",

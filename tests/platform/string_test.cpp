@@ -39,6 +39,48 @@ TEST(String, ZeroBytesAreKept) {
     EXPECT_EQ(CFStringGetLength(string.Get()), 3);
 }
 
+// Only text from outside may begin with a mark that says how it is stored.
+TEST(String, ByteOrderMarksAreCharacters) {
+    const std::string mark = "\xef\xbb\xbf";
+    for (const auto &[bytes, length] :
+         std::vector<std::pair<std::string, CFIndex>>{{mark, 1},
+                                                      {mark + "abc", 4},
+                                                      {mark + mark, 2},
+                                                      {mark + mark + "\xc3\xa9", 3},
+                                                      {"a" + mark, 2}}) {
+        const auto size = static_cast<unsigned char>(bytes.size());
+        const std::string pascal = static_cast<char>(size) + bytes;
+        for (const CFRef<CFStringRef> &string :
+             {CFRef(CFStringCreateWithBytes(nullptr, (const UInt8 *)bytes.data(), size,
+                                            kCFStringEncodingUTF8, false)),
+              CFRef(CFStringCreateWithPascalString(nullptr, (ConstStr255Param)pascal.data(),
+                                                   kCFStringEncodingUTF8)),
+              Str(bytes)}) {
+            EXPECT_EQ(CFStringGetLength(string.Get()), length) << bytes;
+            EXPECT_EQ(Text(string), bytes);
+        }
+    }
+    EXPECT_FALSE(CFEqual(Str(mark).Get(), Str("").Get()));
+    EXPECT_EQ(CFStringCreateWithCString(nullptr, (mark + "\xff").c_str(), kCFStringEncodingUTF8),
+              nullptr);
+}
+
+TEST(String, ByteOrderMarksOfUTF16AreCharacters) {
+    const UniChar units[] = {0xfeff, 0xfeff, 'a'};
+    const CFRef string(CFStringCreateWithBytes(nullptr, (const UInt8 *)units, sizeof units,
+                                               kCFStringEncodingUTF16, false));
+    EXPECT_EQ(Text(string), "\xef\xbb\xbf\xef\xbb\xbf"
+                            "a");
+}
+
+TEST(String, ByteOrderMarkOfTextFromOutsideIsDropped) {
+    const CFRef string(CFStringCreateWithBytes(nullptr,
+                                               (const UInt8 *)"\xef\xbb\xbf"
+                                                              "abc",
+                                               6, kCFStringEncodingUTF8, true));
+    EXPECT_EQ(Text(string), "abc");
+}
+
 TEST(String, CStringNeedsRoomForItsTerminator) {
     const auto string = Str("r\xc3\xa9port");
     char buffer[8] = "?";
