@@ -10,12 +10,21 @@
 
 namespace {
 
-uint64_t BytesWanted(const uint8_t *header) {
-    const uint64_t grid = header[10];
-    const uint64_t inputs = header[48] << 8 | header[49];
-    const uint64_t outputs = header[50] << 8 | header[51];
-    return 52 + 6 * inputs + 16 * grid * grid * grid + 16 * outputs;
+uint64_t Word(const uint8_t *bytes) {
+    return static_cast<uint64_t>(bytes[0] << 8 | bytes[1]);
 }
+
+/// The sizes that a profile's header promises.
+struct TableSizes {
+    explicit TableSizes(const uint8_t *header)
+        : grid(header[10]), inputs(Word(header + 48)), outputs(Word(header + 50)) {}
+    [[nodiscard]] bool Empty() const { return grid == 0 || inputs == 0 || outputs == 0; }
+    [[nodiscard]] uint64_t FileSize() const {
+        return 52 + 6 * inputs + 16 * grid * grid * grid + 16 * outputs;
+    }
+
+    uint64_t grid, inputs, outputs;
+};
 
 std::string ProblemOfContents(const std::string &path, uint64_t size) {
     uint8_t header[52] = {0};
@@ -27,10 +36,11 @@ std::string ProblemOfContents(const std::string &path, uint64_t size) {
     if (header[8] != 3 || header[9] != 8)
         return "it makes " + std::to_string(header[9]) + " channels of " +
                std::to_string(header[8]) + " instead of 8 of 3";
-    if (header[10] == 0 || BytesWanted(header) == 52) return "its table is empty";
-    if (size < BytesWanted(header))
-        return "it ends after " + std::to_string(size) + " of " +
-               std::to_string(BytesWanted(header)) + " bytes";
+    const TableSizes sizes(header);
+    if (sizes.Empty()) return "its table is empty";
+    if (size < sizes.FileSize())
+        return "it ends after " + std::to_string(size) + " of " + std::to_string(sizes.FileSize()) +
+               " bytes";
     return "its table cannot be used";
 }
 
