@@ -1,43 +1,58 @@
 #include "host/PNMCheck.h"
 
-#include <cstdint>
+#include "host/ImageFile.h"
+#include "host/PNMHeader.h"
 #include <cstring>
-#include <fstream>
-#include <limits>
-#include <optional>
+#include <stdexcept>
 
 namespace {
 
-/// A number of the header, with the white space and the comments before it.
-std::optional<int64_t> HeaderNumber(std::istream &file) {
-    while ((file >> std::ws).peek() == '#')
-        file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
-    constexpr int64_t kMost = 1000000000; // two of them and a pixel of 6 bytes fit into 63 bits
-    int64_t number = 0;
-    if (!(file >> number) || number < 1 || number > kMost) return std::nullopt;
-    return number;
+void ReadPlainSamples(ByteReader &file, const PNMHeader &header) {
+    const int64_t samples = header.Samples();
+    // The shortest sample is a digit; no huge size needs to be counted up to.
+    if (file.Size() - file.Position() < samples) throw std::runtime_error("its samples end early");
+    for (int64_t i = 0; i < samples; ++i)
+        if (header.IsBits())
+            (void)ReadPNMBit(file);
+        else
+            (void)ReadPNMNumber(file, header.most);
 }
 
-/// Bytes of the samples that follow a header with the magic number P`kind`.
-std::optional<int64_t> SizeOfSamples(std::istream &file, char kind) {
-    const std::optional<int64_t> width = HeaderNumber(file);
-    const std::optional<int64_t> height = HeaderNumber(file);
-    if (!width || !height) return std::nullopt;
-    if (kind == '4') return (*width + 7) / 8 * *height;
-    const std::optional<int64_t> most = HeaderNumber(file);
-    if (!most) return std::nullopt;
-    return *width * *height * (kind == '6' ? 3 : 1) * (*most > 255 ? 2 : 1);
+void CheckSamples(ByteReader &file) {
+    const PNMHeader header = ReadPNMHeader(file);
+    if (header.IsPlain())
+        ReadPlainSamples(file, header);
+    else if (file.Size() - file.Position() < header.SampleBytes())
+        throw std::runtime_error("its samples end early");
+}
+
+bool IsRaw(int kind) {
+    return kind >= '4' && kind <= '6';
 }
 
 } // namespace
 
+void CheckPNM(const std::string &path) {
+    std::string problem;
+    try {
+        ByteReader file(path);
+        CheckSamples(file);
+        return;
+    } catch (const std::runtime_error &error) {
+        problem = error.what();
+    }
+    ThrowUnreadable(path, 0, problem);
+}
+
 bool HasSecondPNMImage(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
-    char magic[2] = {0, 0};
-    if (!file.read(magic, 2) || magic[0] != 'P' || magic[1] < '4' || magic[1] > '6') return false;
-    const std::optional<int64_t> samples = SizeOfSamples(file, magic[1]);
-    char next[3] = {0, 0, 0};
-    // One byte of white space ends the header.
-    if (!samples || !file.seekg(1 + *samples, std::ios::cur) || !file.read(next, 3)) return false;
-    return next[0] == 'P' && strchr("456", next[1]) && strchr(" \t\r\n#", next[2]);
+    try {
+        ByteReader file(path);
+        const PNMHeader header = ReadPNMHeader(file);
+        if (!IsRaw(header.kind) || !file.Seek(file.Position() + header.SampleBytes())) return false;
+        if (file.Next() != 'P' || !IsRaw(file.Next())) return false;
+        const int next = file.Next();
+        return next != ByteReader::kEnd && next != 0 && strchr(" \t\r\n#", next);
+    } catch (const std::runtime_error &) {
+        return false;
+    }
 }

@@ -22,13 +22,16 @@ void CheckOptions(const JobOptions &options) {
                                            "out -o and --hot-folder");
 }
 
-/// Other programs print every image of such a file.
-void WarnOfUnprinted(const std::vector<SourceFile> &files) {
-    for (const SourceFile &file : files)
-        if (file.Kind() == FileKind::PNM && HasSecondPNMImage(file.Path()))
+void CheckPNMFiles(const std::vector<SourceFile> &files) {
+    for (const SourceFile &file : files) {
+        if (file.Kind() != FileKind::PNM) continue;
+        CheckPNM(file.Path());
+        // Other programs print every image of such a file.
+        if (HasSecondPNMImage(file.Path()))
             Complain(file.Path() +
                      ": it holds several images, and only the first is printed; split it with "
                      "pamsplit to print them all");
+    }
 }
 
 /// Loading the image module takes as long as opening the driver: both are done at the same time.
@@ -50,7 +53,7 @@ ExitStatus Print(const JobOptions &options) {
     const std::vector<SourceFile> files(options.files.begin(), options.files.end());
     const DriverBundle bundle(options.bundle);
     StartModule(files);
-    WarnOfUnprinted(files);
+    CheckPNMFiles(files);
     const JobSetup setup(bundle, options, files);
     const JobPlan &plan = setup.Plan();
     if (options.dryRun) {

@@ -11,8 +11,11 @@ void DropMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
 void StartVips() {
     if (VIPS_INIT("zelprint") != 0)
         throw HostError(ExitStatus::Driver, "cannot start libvips: " + TakeVipsError());
-    // Warnings about odd files would otherwise land between our own lines.
-    g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), DropMessage, nullptr);
+    // Warnings about odd files would otherwise land between our own lines. What libvips hands to
+    // GLib of an absurd file is complained about there, too.
+    for (const char *domain : {"VIPS", "GLib", "GLib-GObject"})
+        g_log_set_handler(domain, static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), DropMessage,
+                          nullptr);
     // Every page is read once; a cache would only keep files open.
     vips_cache_set_max(0);
 }

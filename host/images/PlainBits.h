@@ -1,0 +1,13 @@
+/// Plain PBM files (netpbm's format P1) for libvips.
+#ifndef ZEL_HOST_IMAGES_PLAINBITS_H
+#define ZEL_HOST_IMAGES_PLAINBITS_H
+
+#include <string>
+#include <vips/vips.h>
+
+/// The file as a raw PBM file (P4), made while it is read. libvips takes bits without a space
+/// between them for one number. The caller owns the source; null, and libvips's error set, when the
+/// file is not plain PBM.
+[[nodiscard]] VipsSource *NewPlainBitsSource(const std::string &path);
+
+#endif
