@@ -48,7 +48,7 @@ private:
 };
 
 struct PageImage {
-    std::unique_ptr<PageRows> rows;
+    std::shared_ptr<PageRows> rows;
     Placement placement; ///< where they go on the page; the size is theirs
 };
 

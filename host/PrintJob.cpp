@@ -11,6 +11,9 @@
 
 namespace {
 
+/// How long a wish to cancel may go unnoticed.
+constexpr std::chrono::milliseconds kPatience{50};
+
 /// The driver's failure as a HostError.
 [[noreturn]] void ThrowDriverFailure(const JobSetup &setup, int32_t code) {
     const JobPlan &plan = setup.Plan();
@@ -76,15 +79,22 @@ private:
 
     void PrintBands(const PageImage &image, int number) {
         const Placement &place = image.placement;
-        RowReader reader(*image.rows, mPlan.pixels, mBandHeight);
+        RowReader reader(image.rows, mPlan.pixels, mBandHeight);
         int top = 0;
-        for (Rows rows = reader.Next(); rows.count > 0; rows = reader.Next()) {
-            StopIfCancelled();
+        for (Rows rows = Next(reader); rows.count > 0; rows = Next(reader)) {
             PrintBand(rows, top, place);
             top += rows.count;
             mProgress.Show(number, top, place.height);
         }
+    }
+
+    /// Rows may take minutes to come: who cancels must not have to wait for them.
+    [[nodiscard]] Rows Next(RowReader &reader) const {
+        while (!reader.Wait(kPatience))
+            StopIfCancelled();
+        Rows rows = reader.Next();
         StopIfCancelled();
+        return rows;
     }
 
     void PrintBand(const Rows &rows, int top, const Placement &place) const {

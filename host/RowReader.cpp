@@ -1,10 +1,10 @@
 #include "host/RowReader.h"
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
-#include <thread>
 
 namespace {
 
@@ -12,6 +12,10 @@ constexpr int kPieces = 3;
 constexpr int kPieceBytes = 1 << 20;
 /// No band is larger, however many rows are asked for.
 constexpr int kLargestBand = 64 << 20;
+/// How long a source may take to stop.
+constexpr std::chrono::seconds kPatience{1};
+
+std::atomic<bool> hasLeftOne{false};
 
 /// Rows that are read, or a free buffer for them.
 struct Piece {
@@ -23,18 +27,24 @@ struct Piece {
 
 class RowReader::Reader {
 public:
-    Reader(PageRows &source, DocumentPixels format, int bandHeight);
-    ~Reader();
+    Reader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight);
     Reader(const Reader &) = delete;
     Reader &operator=(const Reader &) = delete;
+    /// What the thread does.
+    void Run();
+    /// Makes Run end soon; whether it has ended.
+    [[nodiscard]] bool Stop();
+    [[nodiscard]] bool Wait(std::chrono::milliseconds longest);
     Rows Next();
 
 private:
-    void Run();
+    /// Whether Next finds what it is to return. To be asked with the mutex locked.
+    [[nodiscard]] bool IsReady() const { return mFilled > mUsed || mDone; }
     [[nodiscard]] bool Take(const uint8_t *rows, size_t rowBytes, int count);
     [[nodiscard]] bool HandOver();
+    void GiveBack();
 
-    PageRows &mSource;
+    std::shared_ptr<PageRows> mSource;
     DocumentPixels mFormat;
     int mRowBytes, mBandHeight, mPieceHeight;
     Piece mPieces[kPieces];
@@ -47,12 +57,11 @@ private:
     std::exception_ptr mFailure;
 
     int mTop = 0; ///< rows of the current piece that the caller has had
-    std::thread mThread;
 };
 
-RowReader::Reader::Reader(PageRows &source, DocumentPixels format, int bandHeight)
-    : mSource(source), mFormat(format), mRowBytes(source.Width() * PixelSize(format)) {
-    const int height = source.Height();
+RowReader::Reader::Reader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight)
+    : mSource(std::move(source)), mFormat(format), mRowBytes(mSource->Width() * PixelSize(format)) {
+    const int height = mSource->Height();
     const int most = std::max(1, std::min(height, kLargestBand / mRowBytes));
     const int usual = std::clamp(kPieceBytes / mRowBytes, 1, most);
     mBandHeight = bandHeight > 0 ? std::min(bandHeight, most) : usual;
@@ -60,23 +69,23 @@ RowReader::Reader::Reader(PageRows &source, DocumentPixels format, int bandHeigh
     for (Piece &piece : mPieces)
         piece.rows.reset(
             new uint8_t[static_cast<size_t>(mPieceHeight) * static_cast<size_t>(mRowBytes)]);
-    mThread = std::thread([this] { Run(); });
 }
 
-RowReader::Reader::~Reader() {
+bool RowReader::Reader::Stop() {
     {
         const std::lock_guard lock(mMutex);
         mStopped = true;
     }
     mChanged.notify_all();
-    mSource.Stop();
-    mThread.join();
+    mSource->Stop();
+    std::unique_lock lock(mMutex);
+    return mChanged.wait_for(lock, kPatience, [this] { return mDone; });
 }
 
 void RowReader::Reader::Run() {
     std::exception_ptr failure;
     try {
-        mSource.Read([this](const uint8_t *rows, size_t rowBytes, int count) {
+        mSource->Read([this](const uint8_t *rows, size_t rowBytes, int count) {
             return Take(rows, rowBytes, count);
         });
         if (mPieces[mFilled % kPieces].count > 0) (void)HandOver();
@@ -94,7 +103,7 @@ bool RowReader::Reader::Take(const uint8_t *rows, size_t rowBytes, int count) {
     for (int row = 0; row < count; ++row) {
         Piece &piece = mPieces[mFilled % kPieces];
         PackPixels(
-            rows + static_cast<size_t>(row) * rowBytes, mSource.Bands(), mSource.Width(), mFormat,
+            rows + static_cast<size_t>(row) * rowBytes, mSource->Bands(), mSource->Width(), mFormat,
             piece.rows.get() + static_cast<size_t>(piece.count) * static_cast<size_t>(mRowBytes));
         if (++piece.count == mPieceHeight && !HandOver()) return false;
     }
@@ -111,14 +120,24 @@ bool RowReader::Reader::HandOver() {
     return !mStopped;
 }
 
+/// Gives a piece back that the caller has had all of.
+void RowReader::Reader::GiveBack() {
+    if (mFilled == mUsed || mTop < mPieces[mUsed % kPieces].count) return;
+    mTop = 0;
+    ++mUsed;
+    mChanged.notify_all();
+}
+
+bool RowReader::Reader::Wait(std::chrono::milliseconds longest) {
+    std::unique_lock lock(mMutex);
+    GiveBack();
+    return mChanged.wait_for(lock, longest, [this] { return IsReady(); });
+}
+
 Rows RowReader::Reader::Next() {
     std::unique_lock lock(mMutex);
-    if (mFilled > mUsed && mTop >= mPieces[mUsed % kPieces].count) {
-        mTop = 0;
-        ++mUsed;
-        mChanged.notify_all();
-    }
-    mChanged.wait(lock, [this] { return mFilled > mUsed || mDone; });
+    GiveBack();
+    mChanged.wait(lock, [this] { return IsReady(); });
     if (mFilled == mUsed) {
         if (mFailure) std::rethrow_exception(mFailure);
         return {};
@@ -131,10 +150,26 @@ Rows RowReader::Reader::Next() {
     return {pixels, mRowBytes, count};
 }
 
-RowReader::RowReader(PageRows &source, DocumentPixels format, int bandHeight)
-    : mReader(new Reader(source, format, bandHeight)) {}
+RowReader::RowReader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight)
+    : mReader(std::make_shared<Reader>(std::move(source), format, bandHeight)),
+      mThread([reader = mReader] { reader->Run(); }) {}
 
-RowReader::~RowReader() = default;
+RowReader::~RowReader() {
+    if (mReader->Stop()) {
+        mThread.join();
+        return;
+    }
+    hasLeftOne = true;
+    mThread.detach();
+}
+
+bool RowReader::Wait(std::chrono::milliseconds longest) {
+    return mReader->Wait(longest);
+}
+
+bool RowReader::HasLeftOne() {
+    return hasLeftOne;
+}
 
 Rows RowReader::Next() {
     return mReader->Next();

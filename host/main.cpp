@@ -1,7 +1,10 @@
 #include "host/CommandLine.h"
 #include "host/PrintCommand.h"
 #include "host/ProgramPath.h"
+#include "host/RowReader.h"
+#include <cstdio>
 #include <platform/Platform.h>
+#include <unistd.h>
 
 namespace {
 
@@ -13,5 +16,10 @@ constexpr int kKeptBytes = 32 << 20;
 int main(int argc, char **argv) {
     PlatformKeepFreedMemory(kKeptBytes);
     SetProgramPath(argv[0]);
-    return RunCommandLine(argc, argv, PrintCommand);
+    const int status = RunCommandLine(argc, argv, PrintCommand);
+    if (!RowReader::HasLeftOne()) return status;
+    // Somebody cancelled while a library was at a long piece of work, and it is at it still. All is
+    // cleaned up but what it uses.
+    (void)fflush(nullptr);
+    _exit(status);
 }

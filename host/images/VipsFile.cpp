@@ -147,7 +147,7 @@ SourcePage VipsFile::Describe(int page) {
 
 PageImage VipsFile::OpenPage(int page, const PageGrid &grid, DocumentPixels target, bool turned) {
     VipsPage opened = OpenVipsPage(*this, page, Describe(page), grid, target, turned);
-    return {std::make_unique<VipsRows>(*this, page, std::move(opened.pixels),
+    return {std::make_unique<VipsRows>(mPath, page, std::move(opened.pixels),
                                        opened.placement.IsPixelByPixel()),
             opened.placement};
 }

@@ -32,10 +32,10 @@ int GiveFromSink(VipsRegion *region, VipsRect *area, void *argument) {
 
 } // namespace
 
-VipsRows::VipsRows(const VipsFile &file, int page, VipsImagePtr image, bool straight)
+VipsRows::VipsRows(std::string path, int page, VipsImagePtr image, bool straight)
     : PageRows(vips_image_get_width(image.get()), vips_image_get_height(image.get()),
                vips_image_get_bands(image.get())),
-      mFile(file), mPage(page), mImage(std::move(image)), mStraight(straight) {}
+      mPath(std::move(path)), mPage(page), mImage(std::move(image)), mStraight(straight) {}
 
 void VipsRows::Stop() {
     mStopped = true;
@@ -45,7 +45,7 @@ void VipsRows::Stop() {
 void VipsRows::Read(const Take &take) {
     const bool whole = mStraight ? ReadStraight(take) : ReadScaled(take);
     vips_thread_shutdown();
-    if (!whole && !mStopped) mFile.ThrowUnreadable(mPage);
+    if (!whole && !mStopped) ThrowUnreadable(mPath, mPage, TakeVipsError());
 }
 
 bool VipsRows::ReadStraight(const Take &take) {

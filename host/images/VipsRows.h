@@ -2,14 +2,15 @@
 #ifndef ZEL_HOST_IMAGES_VIPSROWS_H
 #define ZEL_HOST_IMAGES_VIPSROWS_H
 
-#include "host/images/VipsFile.h"
+#include "host/ImageFile.h"
+#include "host/images/VipsSupport.h"
 #include <atomic>
 
 class VipsRows : public PageRows {
 public:
-    /// Page `page` of `file` as `image`. `straight`: nothing is computed that a second processor
-    /// could help with. The file must outlive the rows.
-    VipsRows(const VipsFile &file, int page, VipsImagePtr image, bool straight);
+    /// Page `page` of the file `path` as `image`. `straight`: nothing is computed that a second
+    /// processor could help with.
+    VipsRows(std::string path, int page, VipsImagePtr image, bool straight);
     void Read(const Take &take) override;
     void Stop() override;
 
@@ -17,7 +18,7 @@ private:
     [[nodiscard]] bool ReadStraight(const Take &take);
     [[nodiscard]] bool ReadScaled(const Take &take);
 
-    const VipsFile &mFile;
+    std::string mPath;
     int mPage;
     VipsImagePtr mImage;
     bool mStraight;

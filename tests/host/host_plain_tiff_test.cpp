@@ -92,7 +92,7 @@ std::string WideProfile() {
 
 /// Everything that comes of a page, in the driver's pixels.
 std::vector<uint8_t> ReadAll(const PageImage &image, DocumentPixels target) {
-    RowReader reader(*image.rows, target, 0);
+    RowReader reader(image.rows, target, 0);
     std::vector<uint8_t> all;
     for (Rows rows = reader.Next(); rows.count > 0; rows = reader.Next())
         all.insert(all.end(), rows.pixels, rows.pixels + rows.count * rows.rowBytes);
@@ -421,7 +421,7 @@ TEST_F(PlainTIFF, ReaderThatIsStopped_Ends) {
     const std::unique_ptr<ImageFile> plain = OpenPlainTIFF(Save(spec));
     ASSERT_NE(plain, nullptr);
     const PageImage image = plain->OpenPage(0, kGrid, DocumentPixels::XRGB, false);
-    RowReader reader(*image.rows, DocumentPixels::XRGB, 1);
+    RowReader reader(image.rows, DocumentPixels::XRGB, 1);
     EXPECT_EQ(reader.Next().count, 1);
 }
 

@@ -278,6 +278,68 @@ INSTANTIATE_TEST_SUITE_P(Signals, Interrupted,
                          testing::Values(std::pair(SIGINT, 130), std::pair(SIGTERM, 143),
                                          std::pair(SIGHUP, 143)));
 
+/// A page that takes the reader ages in one piece, in a small file: forms that draw forms, ten
+/// times each.
+std::string EndlessPDF() {
+    constexpr int kLevels = 12;
+    std::string bytes = "%PDF-1.4\n";
+    std::vector<size_t> offsets;
+    const auto add = [&](const std::string &body) {
+        offsets.push_back(bytes.size());
+        bytes += std::to_string(offsets.size()) + " 0 obj\n" + body + "\nendobj\n";
+    };
+    const auto stream = [](const std::string &entries, const std::string &code) {
+        return "<< " + entries + " /Length " + std::to_string(code.size()) + " >>\nstream\n" +
+               code + "\nendstream";
+    };
+    const auto uses = [](int form) {
+        return "/Resources << /XObject << /F " + std::to_string(form) + " 0 R >> >>";
+    };
+    add("<< /Type /Catalog /Pages 2 0 R >>");
+    add("<< /Type /Pages /Kids [3 0 R] /Count 1 >>");
+    add("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 200 200] /Contents 4 0 R " + uses(5) + " >>");
+    add(stream("", "/F Do"));
+    const std::string form = "/Type /XObject /Subtype /Form /BBox [0 0 200 200] ";
+    for (int level = 0; level < kLevels; ++level)
+        add(stream(form + uses(6 + level),
+                   "/F Do /F Do /F Do /F Do /F Do /F Do /F Do /F Do /F Do"));
+    add(stream(form, "0 0 100 100 re f"));
+    const size_t table = bytes.size();
+    const std::string count = std::to_string(offsets.size() + 1);
+    bytes += "xref\n0 " + count + "\n0000000000 65535 f \n";
+    for (const size_t offset : offsets) {
+        char line[32];
+        (void)snprintf(line, sizeof line, "%010zu 00000 n \n", offset);
+        bytes += line;
+    }
+    return bytes + "trailer\n<< /Size " + count + " /Root 1 0 R >>\nstartxref\n" +
+           std::to_string(table) + "\n%%EOF\n";
+}
+
+class InterruptedBeforeTheFirstRow : public LongJob,
+                                     public testing::WithParamInterface<std::pair<int, int>> {};
+
+TEST_P(InterruptedBeforeTheFirstRow, LeavesNothingBehind) {
+    const auto [signal, status] = GetParam();
+    WriteFile(mPlace.Path("endless.pdf"), EndlessPDF());
+    for (const char *turn : {"--no-rotate", "--rotate"}) {
+        const pid_t child = mPlace.Start({"--hot-folder", mPlace.Hot(), "--colour-space", "rgb",
+                                          "--eps", turn, mPlace.Path("endless.pdf")});
+        for (int i = 0; i < 600 && mPlace.Leftovers().empty(); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        ASSERT_EQ(mPlace.Leftovers().size(), 1U);
+        // The document is open; no row of it will ever come.
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        ASSERT_EQ(kill(child, signal), 0);
+        EXPECT_EQ(Await(child), status);
+        EXPECT_EQ(mPlace.HotFiles(), Names{});
+        EXPECT_EQ(mPlace.Leftovers(), Names{});
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, InterruptedBeforeTheFirstRow,
+                         testing::Values(std::pair(SIGINT, 130), std::pair(SIGTERM, 143)));
+
 TEST_F(LongJob, WhoseFolderIsRemovedMeanwhile_FailsAndLeavesNothingBehind) {
     const pid_t child = StartAndAwaitGrowth("4");
     fs::remove_all(mPlace.Hot());
