@@ -9,6 +9,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <platform/Platform.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -59,12 +60,15 @@ std::string SplitExtension(std::string &name) {
 
 /// Gives `from` the name `to` unless it is taken. Returns 0 or an errno value.
 int MoveWithoutReplacing(const std::string &from, const std::string &to) {
+    const int moved = PlatformMoveWithoutReplacing(from, to);
+    if (moved == 0 || moved == EEXIST) return moved;
+    // Many a network's file system cannot, but knows hard links.
     if (link(from.c_str(), to.c_str()) == 0) {
         (void)unlink(from.c_str());
         return 0;
     }
     if (errno == EEXIST) return EEXIST;
-    // A file system without hard links: hold the name first, then move over it.
+    // Neither of both: hold the name first, then move over it.
     const int fd = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd < 0) return errno;
     (void)close(fd);

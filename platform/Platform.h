@@ -22,6 +22,11 @@ void PlatformDisableFileCache(int fd);
 /// back to the system, for a program that allocates the same large blocks again and again. A hint.
 void PlatformKeepFreedMemory(int bytes);
 
+/// Gives the file `from` the name `to`, in one step, unless something has it. Returns 0 or an errno
+/// value: EEXIST when the name is taken; when the system cannot do it on that file system, EINVAL,
+/// ENOSYS or another.
+[[nodiscard]] int PlatformMoveWithoutReplacing(const std::string &from, const std::string &to);
+
 /// Runs `program` (a path) with `arguments` (argument 0 not included) and waits for its end.
 /// Returns its exit status, or 1 when it could not be started or was ended by a signal.
 int PlatformRunTask(const char *program, const char *const *arguments, int count);
