@@ -24,6 +24,10 @@ int64_t ByteReader::Size() const {
 }
 
 bool ByteReader::Seek(int64_t position) {
+    if (position >= mPast && position <= mPast + static_cast<int64_t>(mEnd)) {
+        mAt = static_cast<size_t>(position - mPast);
+        return true;
+    }
     if (mDescriptor < 0 || lseek(mDescriptor, position, SEEK_SET) != position) return false;
     mPast = position;
     mAt = mEnd = 0;

@@ -32,9 +32,10 @@ void CropToPage(int page, int &position, int &size, int &cropStart, int &cropSiz
 } // namespace
 
 Placement PlaceImage(const PageGrid &page, const ImageSize &image) {
-    const bool known = IsUsable(image.dpiX) && IsUsable(image.dpiY);
-    double width = image.width * page.dpiX / (known ? image.dpiX : kAssumedDpi);
-    double height = image.height * page.dpiY / (known ? image.dpiY : kAssumedDpi);
+    const bool told = IsUsable(image.dpiX) && IsUsable(image.dpiY);
+    const bool known = told && !image.onlyShape;
+    double width = image.width * page.dpiX / (told ? image.dpiX : kAssumedDpi);
+    double height = image.height * page.dpiY / (told ? image.dpiY : kAssumedDpi);
     const bool fits = width <= page.width + kOverhang && height <= page.height + kOverhang;
     if (!known || !fits) {
         const double scale = std::min(page.width / width, page.height / height);

@@ -12,6 +12,7 @@ struct PageGrid {
 struct ImageSize {
     int width = 0, height = 0; ///< pixels
     double dpiX = 0, dpiY = 0; ///< pixels an inch; 0 when the file does not tell
+    bool onlyShape = false;    ///< these two tell the shape of a pixel, but not its size
 };
 
 struct Placement {

@@ -1,11 +1,11 @@
 #include "host/images/VipsFile.h"
 
 #include "host/ByteReader.h"
+#include "host/images/PNGUnit.h"
 #include "host/images/PlainBits.h"
 #include "host/images/VipsPage.h"
 #include "host/images/VipsRows.h"
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -23,11 +23,22 @@ PixelKind KindOfPixels(VipsImage *image) {
     }
 }
 
-/// libvips says 1 pixel a millimetre, without a unit, for a file that does not tell.
-bool HasResolution(VipsImage *image) {
+/// libvips gives every image a resolution, and tells by the unit whether the file has one; of PNG
+/// files it tells no unit.
+bool HasResolution(VipsImage *image, FileKind kind, const std::string &path) {
     return vips_image_get_typeof(image, VIPS_META_RESOLUTION_UNIT) != 0 ||
-           std::abs(vips_image_get_xres(image) - 1.0) > 1e-6 ||
-           std::abs(vips_image_get_yres(image) - 1.0) > 1e-6;
+           (kind == FileKind::PNG && TellsPixelsPerMetre(path));
+}
+
+/// Without a unit, the numbers tell the shape of a pixel. Not those of JPEG files, of which some
+/// come upside down.
+void TakeShape(VipsImage *image, ImageSize &size) {
+    constexpr double kLongestPixel = 10; // nothing that scans or faxes makes longer ones
+    const double shape = vips_image_get_yres(image) / vips_image_get_xres(image);
+    if (!(shape >= 1 / kLongestPixel && shape <= kLongestPixel)) return;
+    size.dpiX = 72;
+    size.dpiY = 72 * shape;
+    size.onlyShape = true;
 }
 
 int LoadPlainBits(const char *path, VipsAccess access, VipsImage **out) {
@@ -134,9 +145,11 @@ SourcePage VipsFile::Describe(int page) {
     result.size.height = vips_image_get_height(image.get());
     if (mKind == FileKind::PDF) {
         result.size.dpiX = result.size.dpiY = 72;
-    } else if (HasResolution(image.get())) {
+    } else if (HasResolution(image.get(), mKind, mPath)) {
         result.size.dpiX = vips_image_get_xres(image.get()) * kMMPerInch;
         result.size.dpiY = vips_image_get_yres(image.get()) * kMMPerInch;
+    } else if (mKind != FileKind::JPEG) {
+        TakeShape(image.get(), result.size);
     }
     if (result.orientation >= 5) {
         std::swap(result.size.width, result.size.height);

@@ -32,6 +32,14 @@ TEST(PlaceImage, TooLargeForThePage_IsScaledToFit) {
     EXPECT_EQ(place.left, 0);
 }
 
+TEST(PlaceImage, OnlyTheShapeOfPixels_FillsThePageInThatShape) {
+    const Placement place = PlaceImage(kPage, {100, 100, 72, 144, true});
+    EXPECT_EQ(place.width, 2350);
+    EXPECT_EQ(place.height, 1175);
+    // However the two numbers look, they are no size.
+    EXPECT_EQ(PlaceImage(kPage, {600, 300, 300, 300, true}).width, 2350);
+}
+
 TEST(PlaceImage, UnknownResolution_FillsThePage) {
     const Placement small = PlaceImage(kPage, {10, 10, 0, 0});
     EXPECT_EQ(small.width, 2350);
