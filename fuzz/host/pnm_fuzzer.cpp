@@ -1,0 +1,45 @@
+// Any bytes as a PNM file: it is refused, or has all its samples. A raw file that is whole, and not
+// one byte longer, is cut by a byte and must then be refused.
+#include "host/ExitStatus.h"
+#include "host/PNMCheck.h"
+#include "host/PNMHeader.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+bool IsWhole(const std::string &path) {
+    try {
+        CheckPNM(path);
+        return true;
+    } catch (const HostError &) {
+        return false;
+    }
+}
+
+/// Bytes of the file that the image takes.
+int64_t ImageBytes(const std::string &path) {
+    ByteReader file(path);
+    const PNMHeader header = ReadPNMHeader(file);
+    return file.Position() + (header.IsPlain() ? 0 : header.SampleBytes());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    const std::unique_ptr<FILE, int (*)(FILE *)> file(tmpfile(), fclose);
+    if (!file || (size > 0 && fwrite(data, size, 1, file.get()) != 1) || fflush(file.get()) != 0)
+        return 0;
+    const std::string path = "/dev/fd/" + std::to_string(fileno(file.get()));
+    const bool second = HasSecondPNMImage(path);
+    if (!IsWhole(path)) return 0;
+    const int64_t bytes = ImageBytes(path);
+    if (bytes > static_cast<int64_t>(size)) std::abort();
+    if (second && bytes + 3 > static_cast<int64_t>(size)) std::abort();
+    const bool plain = data[1] <= '3';
+    if (!plain && (ftruncate(fileno(file.get()), bytes - 1) != 0 || IsWhole(path))) std::abort();
+    return 0;
+}
