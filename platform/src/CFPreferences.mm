@@ -102,13 +102,26 @@ bool Merge(NSString *application) {
     return [defaults synchronize] && CanLock();
 }
 
+/// A process that gives back a lock which was taken from it for being old can remove the lock that
+/// we have just made instead, and GNUstep raises then. Nothing has been merged yet.
+bool MergePersistently(NSString *application) {
+    for (int tries = 0; tries < 10; ++tries) {
+        @try {
+            return Merge(application);
+        } @catch (NSException *exception) {
+            NSDebugLog(@"preferences of %@ could not be locked: %@", application, exception);
+        }
+    }
+    return Merge(application);
+}
+
 /// A merge locks, reads and parses the file twice, and a session asks for several: it is left out
 /// when neither side has changed.
 bool Synchronize(NSString *application) {
     const char *file = [File(application) fileSystemRepresentation];
     if (gMerged.IsUnchanged(file)) return CanLock();
     const FileStates::State state = FileStates::Look(file);
-    if (!Merge(application)) return false;
+    if (!MergePersistently(application)) return false;
     gMerged.Remember(file, state);
     return true;
 }
