@@ -90,6 +90,13 @@ TEST_F(EightColourTable, Check_RefusesWhatIsNoRegularFile) {
     EXPECT_EQ(LoadEightColourLUT(nullptr), nullptr);
 }
 
+TEST_F(EightColourTable, Check_RefusesAFileWhoseReadingFails) {
+    // A regular file that opens; nothing is mapped at its beginning, so that reading there fails.
+    fs::create_symlink("/proc/self/mem", mFolder.Path() / "failing");
+    EXPECT_FALSE(IsEightColourLUT(URL("failing").Get()));
+    EXPECT_EQ(LoadEightColourLUT(URL("failing").Get()), nullptr);
+}
+
 TEST_F(EightColourTable, Check_FollowsALinkToAProfile) {
     (void)Write("mft2", "target");
     fs::create_symlink("target", mFolder.Path() / "link");

@@ -127,4 +127,15 @@ TEST_F(DriverJobFlow, HotFolderOfAnEarlyVersion_IsOfferedAndKeptAsABookmark) {
     EXPECT_EQ(Int16FromBigEndian(Record().toPage_be), 3);
 }
 
+TEST_F(DriverJobFlow, FileNameOfAnEarlierDialog_IsForgottenBySave) {
+    SetPreference(CFSTR("HotFolder"), MakeString(mFolder).Get());
+    Record().fromPage_be = Int16ToBigEndian(1);
+    Record().toPage_be = Int16ToBigEndian(999);
+    mContext.hasOutputFileName = true;
+    mContext.outputFileName = MakeString("earlier.ps");
+    EXPECT_TRUE(Run([] {}, @"Save"));
+    EXPECT_FALSE(mContext.hasOutputFileName);
+    EXPECT_FALSE(mContext.outputFileName);
+}
+
 } // namespace

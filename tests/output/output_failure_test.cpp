@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <stdexcept>
 #include <sys/resource.h>
 
 namespace {
@@ -13,7 +14,15 @@ using Names = std::vector<std::string>;
 
 using OutputFailure = WriterTest;
 
+bool gLocaleThrows = false;
+
 } // namespace
+
+extern "C" CFLocaleRef __real_CFLocaleCopyCurrent();
+extern "C" CFLocaleRef __wrap_CFLocaleCopyCurrent() {
+    if (gLocaleThrows) throw std::logic_error("made by a test");
+    return __real_CFLocaleCopyCurrent();
+}
 
 TEST_F(OutputFailure, AGivenFileNameIsOverwrittenAndAMadeUpOneIsNot) {
     std::ofstream(mFolder.Path() / "a.ps") << std::string(100000, 'o');
@@ -71,6 +80,18 @@ TEST_F(OutputFailure, AWriterThreadThatCannotStartForAnEPSPageLeavesTheEarlierOn
     Output_Kill(mOutput);
     EXPECT_EQ(mFolder.Names(), Names{"a.eps"});
     EXPECT_NE(mFolder.Read("a.eps").find("%%EOF\n"), std::string::npos);
+}
+
+TEST_F(OutputFailure, AnUnexpectedExceptionIsACodeAndLeavesNoFile) {
+    gLocaleThrows = true;
+    EXPECT_EQ(Create("a"), 1000);
+    EXPECT_EQ(mOutput, nullptr);
+    mOptions.eps = 1;
+    ASSERT_EQ(Create("a"), 0);
+    EXPECT_EQ(Output_AddPage(mOutput), 1000);
+    Output_Kill(mOutput);
+    gLocaleThrows = false;
+    EXPECT_TRUE(mFolder.Names().empty());
 }
 
 TEST_F(OutputFailure, AnEPSPageThatCannotBeCreatedLeavesTheEarlierOnes) {
