@@ -1,9 +1,11 @@
 // Dates and locales.
 #include "CFBridge.h"
+#include <cmath>
 
 extern "C" {
 
 CFDateRef CFDateCreate(CFAllocatorRef, CFAbsoluteTime at) {
+    if (std::isnan(at)) return nullptr; // GNUstep raises, and leaks the date
     return (CFDateRef)Create([&] { return [NSDate dateWithTimeIntervalSinceReferenceDate:at]; });
 }
 

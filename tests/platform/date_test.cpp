@@ -1,5 +1,6 @@
 // Dates as the user's locale writes them.
 #include "tests/platform/CFTest.h"
+#include <cmath>
 #include <gtest/gtest.h>
 
 static std::string Format(CFDateFormatterStyle date, CFDateFormatterStyle time, CFAbsoluteTime at) {
@@ -10,6 +11,10 @@ static std::string Format(CFDateFormatterStyle date, CFDateFormatterStyle time, 
 
 // 2023-11-14 12:00:00 UTC: the same day everywhere but on the date line.
 static constexpr CFAbsoluteTime kNoon = 721656000;
+
+TEST(Date, NoNumberIsNoDate) {
+    EXPECT_FALSE(CFRef(CFDateCreate(nullptr, std::nan(""))));
+}
 
 TEST(DateFormatter, WritesDateAndTime) {
     const std::string text =
