@@ -1,7 +1,7 @@
 // Base-85 encoding: every kernel, and the encoder with its lines, beside the literal transcription.
-#include "Common/Src/ASCII85.h"
-#include "Common/Src/StreamEncoders.h"
-#include "Common/Src/Writebuffer.h"
+#include "Common/Src/stream/ASCII85.h"
+#include "Common/Src/stream/StreamEncoders.h"
+#include "Common/Src/stream/Writebuffer.h"
 #include "tests/output/LiteralASCII85.h"
 #include <benchmark/benchmark.h>
 #include <fcntl.h>

@@ -9,8 +9,8 @@
 //
 // The folder has to be on the file system to be measured. With a separation profile's name the
 // page is also separated through that profile.
-#include "Common/Src/CFRef.h"
 #include "Common/Src/PageOutput.h"
+#include "support/CFRef.h"
 #include <algorithm>
 #include <array>
 #include <chrono>

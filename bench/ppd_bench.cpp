@@ -2,8 +2,8 @@
 // many languages, the pages at the front and what the model asks for last at the end.
 #include "ppd/PostscriptPrinterInfo.h"
 
-#include "Common/Src/CFRef.h"
 #include "ppd/MiniParser.h"
+#include "support/CFRef.h"
 
 #include <unistd.h>
 

@@ -1,7 +1,7 @@
 /// Keeps descriptors that are left open on purpose, a few at most.
 #pragma once
 
-#include "colour/RegularFile.h"
+#include "support/RegularFile.h"
 #include <array>
 #include <cstddef>
 #include <mutex>

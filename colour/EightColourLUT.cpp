@@ -2,7 +2,7 @@
 #include "colour/DescriptorKeeper.h"
 #include "colour/EightColourProfile.h"
 #include "colour/EightColourSeparation.h"
-#include "colour/RegularFile.h"
+#include "support/RegularFile.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,7 +1,7 @@
 /// The folder in which the user keeps separation profiles. Nothing of the driver writes there.
 #pragma once
 
-#include "Common/Src/CFRef.h"
+#include "support/CFRef.h"
 #include <string>
 
 /// Its path, whether it exists or not; empty when the user's folders cannot be told.

@@ -1,5 +1,5 @@
 #include "colour/TableCache.h"
-#include "colour/RegularFile.h"
+#include "support/RegularFile.h"
 
 #include <algorithm>
 #include <sys/stat.h>

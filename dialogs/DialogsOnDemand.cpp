@@ -3,7 +3,7 @@
 // first call.
 #include "dialogs/DialogsModule.h"
 
-#include "Common/Src/CFRef.h"
+#include "support/CFRef.h"
 
 #include <cstdio>
 

@@ -1,7 +1,7 @@
 /// The page-setup dialog's window.
 #pragma once
 
-#include "Common/Src/PageSetup.h"
+#include "Common/Src/record/PageSetup.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,7 +1,7 @@
-#include "host/CommandLine.h"
-#include "host/PrintCommand.h"
-#include "host/ProgramPath.h"
-#include "host/RowReader.h"
+#include "host/command/CommandLine.h"
+#include "host/command/PrintCommand.h"
+#include "host/driver/ProgramPath.h"
+#include "host/readers/RowReader.h"
 #include <cstdio>
 #include <platform/Platform.h>
 #include <unistd.h>

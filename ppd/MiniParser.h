@@ -2,9 +2,9 @@
 /// Specification 4.3).
 #pragma once
 
-#include "Common/Src/CFRef.h"
 #include "ppd/InputFile.h"
 #include "ppd/Statement.h"
+#include "support/CFRef.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <map>

@@ -1,7 +1,7 @@
 /// The page sizes that a printer offers, and its custom page sizes.
 #pragma once
 
-#include "Common/Src/PostscriptDocument.h"
+#include "Common/Src/postscript/PostscriptDocument.h"
 #include "ppd/PostscriptPage.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "ppd/PostscriptPrinterInfo.h"
 
-#include "Common/Src/CFRef.h"
 #include "ppd/MiniParser.h"
+#include "support/CFRef.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 /// The resolutions that a printer offers.
 #pragma once
 
-#include "Common/Src/PostscriptDocument.h"
+#include "Common/Src/postscript/PostscriptDocument.h"
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
 /// The printer model as a property list, for hosts.
 #pragma once
 
-#include "Common/Src/CFRef.h"
 #include "ppd/PostscriptPrinterInfo.h"
+#include "support/CFRef.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

@@ -2,9 +2,9 @@
 
 #include "Common/Src/DriverContext.h"
 #include "Common/Src/PageOutput.h"
-#include "Common/Src/PostscriptDocument.h"
-#include "Common/Src/PrintRecord.h"
-#include "Common/Src/Settings.h"
+#include "Common/Src/postscript/PostscriptDocument.h"
+#include "Common/Src/record/PrintRecord.h"
+#include "Common/Src/record/Settings.h"
 #include "dialogs/Alerts.h"
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"
@@ -21,22 +21,6 @@ struct Box {
 [[noreturn]] void Fail(const std::string &message) {
     DisplayError(message.c_str());
     throw int16_t{kZELBadParameter};
-}
-
-CFRef<CFURLRef> ChosenPPD(CFStringRef bundleIdentifier) {
-    CFRef<CFDataRef> bookmark = CopyPPDFileLocation(bundleIdentifier);
-    if (!bookmark) {
-        DisplayError("No PPD file has been selected - using defaults");
-        throw int16_t{kZELFileNotFound};
-    }
-    CFRef<CFURLRef> url(CFURLCreateByResolvingBookmarkData(kCFAllocatorDefault, bookmark.Get(),
-                                                           kCFURLBookmarkResolutionWithoutUIMask,
-                                                           nullptr, nullptr, nullptr, nullptr));
-    if (!url) {
-        DisplayError("Can't find the PPD file - using defaults");
-        throw int16_t{kZELFileNotFound};
-    }
-    return url;
 }
 
 uint16_t PixelFormat(int32_t colourSpace, uint16_t hostDepth) {
@@ -123,29 +107,6 @@ int16_t OpenFromRecord(DriverContext *context, const PSHPrint &record) {
 }
 
 } // namespace
-
-std::unique_ptr<PostscriptPrinterInfo> LoadPrinterInfo(CFStringRef bundleIdentifier) {
-    try {
-        // Another process may have chosen a PPD since this one looked.
-        CFPreferencesAppSynchronize(bundleIdentifier);
-        return LoadPrinterInfo(ChosenPPD(bundleIdentifier).Get());
-    } catch (int16_t) {
-        return std::make_unique<PostscriptPrinterInfo>();
-    }
-}
-
-std::unique_ptr<PostscriptPrinterInfo> LoadPrinterInfo(CFURLRef ppd) {
-    try {
-        return std::make_unique<PostscriptPrinterInfo>(ppd);
-    } catch (const PPD::ParserError &error) {
-        DisplayError(
-            (" PPD File error:" + error.ErrorMessage() + "\rUsing default settings instead")
-                .c_str());
-    } catch (...) {
-        // Anything but a fault of the file is nothing that the user could mend.
-    }
-    return std::make_unique<PostscriptPrinterInfo>();
-}
 
 int16_t DoOpenDocument(DriverContext *context) {
     if (GetHandleSize(context->record) < static_cast<Size>(sizeof(PSHPrint)))

@@ -3,9 +3,10 @@
 #undef NDEBUG
 #include "Common/Src/DocumentOpening.h"
 #include "Common/Src/DriverContext.h"
-#include "Common/Src/JobSettings.h"
 #include "Common/Src/PageOutput.h"
-#include "Common/Src/PrintRecord.h"
+#include "Common/Src/record/JobSettings.h"
+#include "Common/Src/record/PrintRecord.h"
+#include "Common/Src/record/PrinterLoading.h"
 #include "ZELPrint.h"
 #include "colour/Separations.h"
 #include "dialogs/Beep.h"

@@ -1,9 +1,9 @@
 /// The record behind one open driver.
 #pragma once
 
-#include "Common/Src/CFRef.h"
 #include "Common/Src/PageInfo.h"
 #include "ZELTypes.h"
+#include "support/CFRef.h"
 #include <CoreServices/CoreServices.h>
 
 #include <optional>

@@ -1,9 +1,9 @@
 #include "Common/Src/DriverDialogs.h"
 
 #include "Common/Src/DriverContext.h"
-#include "Common/Src/PageSetup.h"
-#include "Common/Src/PrintRecord.h"
-#include "Common/Src/Settings.h"
+#include "Common/Src/record/PageSetup.h"
+#include "Common/Src/record/PrintRecord.h"
+#include "Common/Src/record/Settings.h"
 #include "ZELPrint.h"
 #include "dialogs/JobDialog.h"
 #include "dialogs/StyleDialog.h"

@@ -3,7 +3,7 @@
 #include "Common/Src/PageOutput.h"
 
 #include "Common/Src/BandScaler.h"
-#include "Common/Src/RowConversion.h"
+#include "Common/Src/postscript/RowConversion.h"
 #include <cassert>
 #include <cstdio>
 #include <memory>

@@ -1,7 +1,7 @@
 // Bytes as a separation profile. What loads must separate every corner of the colours, by the
 // plain and by the fast form alike.
-#include "Common/Src/CFRef.h"
 #include "colour/EightColourSeparation.h"
+#include "support/CFRef.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // A handle of any bytes as an envelope: what can be decoded is encoded to something that decodes to
 // the same.
-#include "Common/Src/PrintRecordEnvelope.h"
+#include "Common/Src/record/PrintRecordEnvelope.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -1,10 +1,10 @@
 // A print record of any bytes, with printers of every kind: checked, described, fitted, opened as
 // EPS.
-#include "Common/Src/DocumentOpening.h"
 #include "Common/Src/DriverContext.h"
-#include "Common/Src/JobSettings.h"
 #include "Common/Src/PageOutput.h"
-#include "Common/Src/PrintRecord.h"
+#include "Common/Src/record/JobSettings.h"
+#include "Common/Src/record/PrintRecord.h"
+#include "Common/Src/record/PrinterLoading.h"
 #include "colour/Separations.h"
 #include "ppd/PostscriptPrinterInfo.h"
 #include "tests/driver/TestPPD.h"

@@ -1,9 +1,9 @@
 // Every base-85 kernel, behind the stream encoder, against the literal transcription, and every
 // kernel that packs rows against the plain one. The input: a byte that says in what pieces the
 // data are written, then the data.
-#include "Common/Src/PackRGB.h"
-#include "Common/Src/StreamEncoders.h"
-#include "Common/Src/Writebuffer.h"
+#include "Common/Src/postscript/PackRGB.h"
+#include "Common/Src/stream/StreamEncoders.h"
+#include "Common/Src/stream/Writebuffer.h"
 #include "tests/output/LiteralASCII85.h"
 #include <cstdlib>
 #include <fcntl.h>

@@ -1,5 +1,5 @@
 // Property lists of any origin, in both formats; what has been read is looked at and written again.
-#include "Common/Src/CFRef.h"
+#include "support/CFRef.h"
 #include <CoreFoundation/CoreFoundation.h>
 #include <cstdlib>
 

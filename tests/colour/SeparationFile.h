@@ -2,7 +2,7 @@
 #pragma once
 
 #include "colour/EightColourLUT.h"
-#include "host/MakeSeparation.h"
+#include "host/separations/MakeSeparation.h"
 #include "tests/colour/ICCTransforms.h"
 #include "tests/output/TempFolder.h"
 #include <memory>

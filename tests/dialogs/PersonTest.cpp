@@ -1,7 +1,7 @@
 #include "tests/dialogs/PersonTest.h"
 
-#include "Common/Src/BigEndian.h"
-#include "Common/Src/PrintRecord.h"
+#include "Common/Src/record/PrintRecord.h"
+#include "support/BigEndian.h"
 #include "tests/dialogs/TestBundle.h"
 #include "tests/dialogs/WindowManager.h"
 

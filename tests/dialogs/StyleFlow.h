@@ -5,7 +5,7 @@
 #import "tests/dialogs/DialogScript.h"
 #include "tests/dialogs/TestPPD.h"
 
-#include "Common/Src/PrintRecord.h"
+#include "Common/Src/record/PrintRecord.h"
 
 #include <gtest/gtest.h>
 #include <string>

@@ -3,9 +3,9 @@
 //
 // dialog_host style|job|job-copies: the record is read from the file in ZEL_RECORD and written
 // back; the result goes to ZEL_RESULT.
-#include "Common/Src/CFRef.h"
 #include "ZELPrint.h"
 #include "dialogs/JobDialog.h"
+#include "support/CFRef.h"
 #include "tests/dialogs/TestBundle.h"
 
 #import <Foundation/Foundation.h>

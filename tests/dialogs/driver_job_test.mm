@@ -4,7 +4,7 @@
 #include "tests/dialogs/TestBundle.h"
 
 #include "Common/Src/DriverContext.h"
-#include "Common/Src/PrintRecord.h"
+#include "Common/Src/record/PrintRecord.h"
 #include "ZELPrint.h"
 
 #include <filesystem>

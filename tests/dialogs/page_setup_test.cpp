@@ -1,7 +1,7 @@
 // The rules of the page-setup dialog, without a window.
-#include "Common/Src/PageSetup.h"
+#include "Common/Src/record/PageSetup.h"
 
-#include "Common/Src/PrintRecord.h"
+#include "Common/Src/record/PrintRecord.h"
 #include "colour/Separations.h"
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"

@@ -1,7 +1,7 @@
 // Both dialogs as a person uses them: a window manager, real pointer and key events, and what the
 // screen shows.
-#include "Common/Src/BigEndian.h"
-#include "Common/Src/PrintRecord.h"
+#include "Common/Src/record/PrintRecord.h"
+#include "support/BigEndian.h"
 #include "tests/dialogs/PersonTest.h"
 #include "tests/dialogs/TestBundle.h"
 

@@ -1,7 +1,7 @@
 // What people type and what they find: wrong numbers in every field and unit, other locales, odd
 // printers, preferences that cannot be written. With real pointer and key events.
-#include "Common/Src/BigEndian.h"
-#include "Common/Src/PrintRecord.h"
+#include "Common/Src/record/PrintRecord.h"
+#include "support/BigEndian.h"
 #include "tests/dialogs/PersonTest.h"
 
 #include <cstdlib>

@@ -1,9 +1,9 @@
 /// What the driver's tests share: the bundle loaded as a host loads it, and a host's belongings.
 #pragma once
 
-#include "Common/Src/CFRef.h"
 #include "ZELExtensions.h"
 #include "ZELPrint.h"
+#include "support/CFRef.h"
 
 #include <filesystem>
 #include <string>

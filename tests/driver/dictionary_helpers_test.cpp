@@ -1,4 +1,4 @@
-#include "Common/Src/DictionaryHelpers.h"
+#include "support/DictionaryHelpers.h"
 #include "tests/driver/BundleHost.h"
 
 #include <gtest/gtest.h>

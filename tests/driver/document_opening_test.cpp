@@ -1,5 +1,5 @@
 // From a record to an open document: what is asked of the printer, and every refusal.
-#include "Common/Src/BigEndian.h"
+#include "support/BigEndian.h"
 #include "tests/driver/BundleHost.h"
 #include "tests/driver/TestPPD.h"
 

@@ -1,5 +1,5 @@
 // Settings that travel with a job, through ZELPrCopyJobSettings and ZELPrSetJobSettings.
-#include "Common/Src/BigEndian.h"
+#include "support/BigEndian.h"
 #include "tests/driver/BundleHost.h"
 
 #include <gmock/gmock.h>

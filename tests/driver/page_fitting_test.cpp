@@ -1,7 +1,7 @@
 // Fitting of resolution and page to the host's page.
-#include "Common/Src/BigEndian.h"
-#include "Common/Src/PageFitting.h"
+#include "Common/Src/record/PageFitting.h"
 #include "ppd/PostscriptPrinterInfo.h"
+#include "support/BigEndian.h"
 #include "tests/driver/BundleHost.h"
 #include "tests/driver/TestPPD.h"
 

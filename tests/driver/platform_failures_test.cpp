@@ -1,9 +1,9 @@
 // What the driver does when a system service fails: memory for the host's handle, and the place of
 // the user's folders. The two functions below stand before those of the platform's library, in the
 // loaded bundle as well, and refuse on demand.
-#include "Common/Src/BigEndian.h"
-#include "Common/Src/PrintRecordEnvelope.h"
+#include "Common/Src/record/PrintRecordEnvelope.h"
 #include "platform/Platform.h"
+#include "support/BigEndian.h"
 #include "tests/GuardedBytes.h"
 #include "tests/driver/BundleHost.h"
 #include "tests/driver/TestPPD.h"

@@ -1,5 +1,5 @@
 // The user's preferences as the entry points read them, of every type under every key.
-#include "Common/Src/BigEndian.h"
+#include "support/BigEndian.h"
 #include "tests/driver/BundleHost.h"
 #include "tests/driver/TestPPD.h"
 

@@ -1,4 +1,4 @@
-#include "Common/Src/PrintRecordEnvelope.h"
+#include "Common/Src/record/PrintRecordEnvelope.h"
 #include "tests/driver/BundleHost.h"
 
 #include <gtest/gtest.h>

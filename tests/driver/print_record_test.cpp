@@ -1,5 +1,5 @@
 // The print record's validity and defaults, through ZELPrValidate and ZELPrDefaults.
-#include "Common/Src/BigEndian.h"
+#include "support/BigEndian.h"
 #include "tests/driver/BundleHost.h"
 #include "tests/driver/TestPPD.h"
 

@@ -1,7 +1,7 @@
 // One thousand random sequences of calls, right and wrong, with failures injected: every call's
 // result is compared with a model of the session, and at the end nothing is left that should not
 // be.
-#include "Common/Src/BigEndian.h"
+#include "support/BigEndian.h"
 #include "tests/driver/BundleHost.h"
 
 #include <gmock/gmock.h>

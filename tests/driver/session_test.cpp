@@ -1,5 +1,5 @@
 // A session's life and its latched state, through the entry points of the loaded bundle.
-#include "Common/Src/BigEndian.h"
+#include "support/BigEndian.h"
 #include "tests/driver/BundleHost.h"
 #include "tests/driver/TestPPD.h"
 

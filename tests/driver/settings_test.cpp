@@ -1,8 +1,8 @@
 // The preferences that only the dialogs read and write, and the user's saved defaults.
-#include "Common/Src/BigEndian.h"
 #include "Common/Src/DriverContext.h"
-#include "Common/Src/Settings.h"
+#include "Common/Src/record/Settings.h"
 #include "ppd/PostscriptPrinterInfo.h"
+#include "support/BigEndian.h"
 #include "tests/driver/BundleHost.h"
 
 #include <gtest/gtest.h>

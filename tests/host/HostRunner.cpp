@@ -1,6 +1,6 @@
 #include "tests/host/HostRunner.h"
 
-#include "host/images/VipsSupport.h"
+#include "host/readers/images/VipsSupport.h"
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "host/JobTitle.h"
+#include "host/job/JobTitle.h"
 
 #include <gtest/gtest.h>
 

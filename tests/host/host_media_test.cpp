@@ -1,6 +1,6 @@
-#include "host/Media.h"
+#include "host/job/Media.h"
 
-#include "host/ExitStatus.h"
+#include "host/command/ExitStatus.h"
 #include <functional>
 #include <gtest/gtest.h>
 

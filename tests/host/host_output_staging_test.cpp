@@ -1,6 +1,6 @@
-#include "host/OutputStaging.h"
+#include "host/job/OutputStaging.h"
 
-#include "host/ExitStatus.h"
+#include "host/command/ExitStatus.h"
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>

@@ -1,4 +1,4 @@
-#include "host/PageLayout.h"
+#include "host/job/PageLayout.h"
 
 #include <cstdint>
 #include <cstdlib>

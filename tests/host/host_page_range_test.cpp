@@ -1,6 +1,6 @@
-#include "host/PageRange.h"
+#include "host/job/PageRange.h"
 
-#include "host/ExitStatus.h"
+#include "host/command/ExitStatus.h"
 #include <gtest/gtest.h>
 
 namespace {

@@ -1,4 +1,4 @@
-#include "host/PackPixels.h"
+#include "host/readers/PackPixels.h"
 
 #include <gtest/gtest.h>
 #include <vector>

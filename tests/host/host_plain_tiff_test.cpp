@@ -1,7 +1,7 @@
-#include "host/ExitStatus.h"
-#include "host/PlainTIFF.h"
-#include "host/RowReader.h"
-#include "host/images/VipsFile.h"
+#include "host/command/ExitStatus.h"
+#include "host/readers/PlainTIFF.h"
+#include "host/readers/RowReader.h"
+#include "host/readers/images/VipsFile.h"
 #include "tests/output/TempFolder.h"
 #include <fstream>
 #include <functional>

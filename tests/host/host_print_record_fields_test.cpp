@@ -1,5 +1,5 @@
-#include "host/Driver.h"
-#include "host/Record.h"
+#include "host/driver/Driver.h"
+#include "host/driver/Record.h"
 
 #include <cstring>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "host/RowReader.h"
+#include "host/readers/RowReader.h"
 
-#include "host/ExitStatus.h"
+#include "host/command/ExitStatus.h"
 #include <condition_variable>
 #include <gtest/gtest.h>
 #include <mutex>

@@ -1,8 +1,8 @@
 // Prints real files with the real program, and compares what Ghostscript renders with the source.
 #include "tests/host/HostRunner.h"
 
-#include "host/JobPlan.h"
-#include "host/images/VipsSupport.h"
+#include "host/job/JobPlan.h"
+#include "host/readers/images/VipsSupport.h"
 #include <algorithm>
 #include <cmath>
 #include <functional>

@@ -1,5 +1,5 @@
 // The hot folder in the user's preferences, also as early versions of the driver kept it.
-#include "host/CFOwner.h"
+#include "host/driver/CFOwner.h"
 #include "tests/host/CommandFixture.h"
 
 #include <CoreFoundation/CoreFoundation.h>

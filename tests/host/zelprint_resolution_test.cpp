@@ -1,7 +1,7 @@
 // The size on paper of images whose files tell a resolution, in each way that they can.
 #include "tests/host/HostRunner.h"
 
-#include "host/images/VipsSupport.h"
+#include "host/readers/images/VipsSupport.h"
 #include <gtest/gtest.h>
 #include <tiffio.h>
 

@@ -1,7 +1,7 @@
 /// Parameters for tests that run with every base-85 kernel of this processor.
 #pragma once
 
-#include "Common/Src/ASCII85.h"
+#include "Common/Src/stream/ASCII85.h"
 
 #include <cctype>
 #include <gtest/gtest.h>

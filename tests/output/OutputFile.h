@@ -1,7 +1,7 @@
 /// A temporary file without a name, as the target of a Writebuffer.
 #pragma once
 
-#include "Common/Src/Writebuffer.h"
+#include "Common/Src/stream/Writebuffer.h"
 #include <cstdio>
 #include <memory>
 #include <string>

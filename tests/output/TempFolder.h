@@ -1,7 +1,7 @@
 /// A folder of a test's own, and a look into it.
 #pragma once
 
-#include "Common/Src/CFRef.h"
+#include "support/CFRef.h"
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>

@@ -1,5 +1,5 @@
 // The base-85 kernels: every one of them gives the text of the literal transcription.
-#include "Common/Src/ASCII85.h"
+#include "Common/Src/stream/ASCII85.h"
 #include "tests/output/ASCII85KernelNames.h"
 #include "tests/output/LiteralASCII85.h"
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 /// The worked example of docs/output-format.md is what the writer writes.
-#include "Common/Src/PostscriptDocument.h"
+#include "Common/Src/postscript/PostscriptDocument.h"
 #include "tests/output/WriterFixture.h"
 
 namespace {

@@ -1,6 +1,6 @@
-#include "Common/Src/OutputFiles.h"
+#include "Common/Src/postscript/OutputFiles.h"
 
-#include "Common/Src/CFText.h"
+#include "support/CFText.h"
 #include "tests/output/TempFolder.h"
 
 #include <cerrno>

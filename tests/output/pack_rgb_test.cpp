@@ -1,5 +1,5 @@
 // Packing of RGB rows: every kernel gives the plain loop's bytes and stays inside its rows.
-#include "Common/Src/PackRGB.h"
+#include "Common/Src/postscript/PackRGB.h"
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>

@@ -1,4 +1,4 @@
-#include "Common/Src/PostscriptDocument.h"
+#include "Common/Src/postscript/PostscriptDocument.h"
 
 #include <gtest/gtest.h>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "Common/Src/PostscriptText.h"
+#include "Common/Src/postscript/PostscriptText.h"
 
 #include "tests/output/TempFolder.h"
 

@@ -1,4 +1,4 @@
-#include "Common/Src/PostscriptDocument.h"
+#include "Common/Src/postscript/PostscriptDocument.h"
 #include "colour/Separations.h"
 #include "tests/output/ASCII85Reference.h"
 #include "tests/output/WriterFixture.h"

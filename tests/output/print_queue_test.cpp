@@ -1,4 +1,4 @@
-#include "Common/Src/PrintQueue.h"
+#include "Common/Src/postscript/PrintQueue.h"
 
 #include "platform/Platform.h"
 #include "tests/output/WriterFixture.h"

@@ -1,7 +1,7 @@
 // The hand-off to the print queue. The test's runner says what it has set up in ZEL_TEST_QUEUE:
 // "up", a print server of our own whose jobs arrive as files in $ZEL_QUEUE; "down", a server that
 // does not answer; "no lpr", a system without a print command.
-#include "Common/Src/PrintQueue.h"
+#include "Common/Src/postscript/PrintQueue.h"
 #include "tests/output/TempFolder.h"
 #include <chrono>
 #include <cstdlib>

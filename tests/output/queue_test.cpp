@@ -1,5 +1,5 @@
 // The blocking queue: order, null items, growth, waking up.
-#include "Common/Src/Queue.h"
+#include "Common/Src/stream/Queue.h"
 #include <gtest/gtest.h>
 #include <thread>
 

@@ -1,6 +1,6 @@
 // The stream encoders: lines, blocks, the end of the data, and what an error leaves behind.
-#include "Common/Src/StreamEncoders.h"
-#include "Common/Src/Writebuffer.h"
+#include "Common/Src/stream/StreamEncoders.h"
+#include "Common/Src/stream/Writebuffer.h"
 #include "tests/output/ASCII85KernelNames.h"
 #include "tests/output/LiteralASCII85.h"
 #include "tests/output/OutputFile.h"

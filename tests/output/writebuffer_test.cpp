@@ -1,5 +1,5 @@
 // The write buffer: hand-over, order, latched errors, and failures while it is made.
-#include "Common/Src/Writebuffer.h"
+#include "Common/Src/stream/Writebuffer.h"
 #include "tests/output/Faults.h"
 #include "tests/output/OutputFile.h"
 #include <algorithm>

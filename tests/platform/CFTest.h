@@ -1,7 +1,7 @@
 /// What the tests of the CoreFoundation facade share.
 #pragma once
 
-#include "Common/Src/CFRef.h"
+#include "support/CFRef.h"
 #include "tests/output/TempFolder.h"
 #include <CoreFoundation/CoreFoundation.h>
 #include <filesystem>

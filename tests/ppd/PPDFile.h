@@ -1,7 +1,7 @@
 /// A printer description of the test's own, in a file that goes with the object.
 #pragma once
 
-#include "Common/Src/CFRef.h"
+#include "support/CFRef.h"
 
 #include <unistd.h>
 

@@ -1,0 +1,353 @@
+#include "Common/Src/record/PageSetup.h"
+
+#include "Common/Src/record/PageFitting.h"
+#include "Common/Src/record/PrintRecord.h"
+#include "Common/Src/record/PrinterLoading.h"
+#include "Common/Src/record/Settings.h"
+#include "colour/Separations.h"
+#include "ppd/MiniParser.h"
+#include "ppd/ParserError.h"
+#include "ppd/PostscriptPrinterInfo.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <sys/stat.h>
+#include <utility>
+
+namespace {
+
+/// Sizes of EPS files, which no printer limits.
+constexpr NumberRange kEPSLimits = {0.01, 1000000.0};
+
+struct PageSize {
+    double width, height;
+};
+
+PageSize SizeOf(const PostscriptPage &page, bool rotated) {
+    PageSize size = {page.Geturx() - page.Getllx(), page.Getury() - page.Getlly()};
+    if (rotated) std::swap(size.width, size.height);
+    return size;
+}
+
+uint32_t Flag(bool flag) {
+    return SwapBigEndian(uint32_t{flag});
+}
+
+double Clamped(double value, NumberRange range) {
+    return std::max(range.low, std::min(range.high, value));
+}
+
+CustomDimensions PrinterLimits(const PostscriptPages &pages) {
+    CustomDimensions limits = {};
+    try {
+        pages.GetCustomPageLimits(limits.width.low, limits.width.high, limits.height.low,
+                                  limits.height.high);
+    } catch (...) {
+        return {kEPSLimits, kEPSLimits};
+    }
+    return limits;
+}
+
+PageInfo_tag DocumentPage(const PSStyleParams &params) {
+    PageInfo_tag page;
+    page.widthPixels = params.widthPixels;
+    page.heightPixels = params.heightPixels;
+    page.widthMM = params.widthMM;
+    page.heightMM = params.heightMM;
+    return page;
+}
+
+} // namespace
+
+std::vector<std::string> TitlesOrError(const std::function<std::vector<std::string>()> &list,
+                                       std::string *error) {
+    try {
+        return list();
+    } catch (const PPD::ParserError &e) {
+        *error = "PPD Error: " + e.ErrorMessage();
+    } catch (...) {
+        *error = "PPD Error: unexpected failure";
+    }
+    return {};
+}
+
+void PageSetup::Use(const PSHPrint &record, PSStyleParams *params) {
+    mRecord = record;
+    mParams = params;
+}
+
+const std::string &PageSetup::PrinterName() const {
+    return Printer().GetName();
+}
+bool PageSetup::PrinterHasColour() const {
+    return Printer().HasColour();
+}
+
+double PageSetup::PaperWidth() const {
+    return DoubleFromBigEndian(mRecord.mPageWidth_be);
+}
+double PageSetup::PaperHeight() const {
+    return DoubleFromBigEndian(mRecord.mPageHeight_be);
+}
+double PageSetup::XDpi() const {
+    return DoubleFromBigEndian(mRecord.mXDpi_be);
+}
+double PageSetup::YDpi() const {
+    return DoubleFromBigEndian(mRecord.mYDpi_be);
+}
+
+void PageSetup::SetPaperSize(double width, double height) {
+    mRecord.mPageWidth_be = DoubleToBigEndian(width);
+    mRecord.mPageHeight_be = DoubleToBigEndian(height);
+}
+
+int PageSetup::ColourSpace() const {
+    return static_cast<int>(SwapBigEndian(mRecord.mColourSpace_be));
+}
+void PageSetup::SetColourSpace(int colourSpace) {
+    mRecord.mColourSpace_be = SwapBigEndian(static_cast<uint32_t>(colourSpace));
+}
+void PageSetup::SetRotated(bool flag) {
+    mRecord.mRotated_be = Flag(flag);
+}
+void PageSetup::SetFlippedHorizontally(bool flag) {
+    mRecord.mFlipH_be = Flag(flag);
+}
+void PageSetup::SetFlippedVertically(bool flag) {
+    mRecord.mFlipV_be = Flag(flag);
+}
+void PageSetup::SetEPS(bool flag) {
+    mRecord.mEPSFormat_be = Flag(flag);
+}
+
+bool PageSetup::CanUseCustomPageSizes() const {
+    return IsEPS() || Printer().Pages().HasCustomPageSetup();
+}
+
+CustomDimensions PageSetup::CustomLimits() const {
+    CustomDimensions limits = {kEPSLimits, kEPSLimits};
+    if (!IsEPS()) limits = PrinterLimits(Printer().Pages());
+    if (IsRotated()) std::swap(limits.width, limits.height);
+    return limits;
+}
+
+void PageSetup::UsePage(int index, bool turned) {
+    const PostscriptPage &page = Printer().Pages().GetPage(index);
+    const PageSize size = SizeOf(page, turned);
+    SetRecordName(mRecord.mPageName, page.GetName());
+    mRecord.mPageIsCustom_be = Flag(false);
+    SetPaperSize(size.width, size.height);
+}
+
+void PageSetup::UseCustomSize(double width, double height) {
+    const CustomDimensions limits = CustomLimits();
+    mRecord.mPageIsCustom_be = Flag(true);
+    SetPaperSize(Clamped(width, limits.width), Clamped(height, limits.height));
+}
+
+int PageSetup::SyncPage() {
+    if (CanUseCustomPageSizes() && IsCustomPaper()) {
+        UseCustomSize(PaperWidth(), PaperHeight());
+        return kCustomPageTag;
+    }
+    const PostscriptPages &pages = Printer().Pages();
+    if (pages.NumPages() == 0) return kNoPageTag;
+    int index = pages.FindPageByName(RecordName(mRecord.mPageName));
+    if (index < 0) index = pages.DefaultPageIndex();
+    UsePage(index, IsRotated());
+    return index;
+}
+
+int PageSetup::SyncResolution() {
+    const PostscriptResolutions &resolutions = Printer().Resolutions();
+    if (resolutions.NumResolutions() == 0) return -1;
+    int index = resolutions.FindResolutionByName(RecordName(mRecord.mResolutionName));
+    if (index >= 0) return index;
+    // What the pop-up shows is what is printed: a name that this printer lacks would fail the job.
+    index = resolutions.DefaultResolutionIndex();
+    ChooseResolution(index);
+    return index;
+}
+
+void PageSetup::ChooseCustomPage() {
+    UseCustomSize(PaperWidth(), PaperHeight());
+}
+
+void PageSetup::ChoosePage(int index) {
+    const PostscriptPages &pages = Printer().Pages();
+    if (index < 0 || index >= pages.NumPages()) return;
+    // Not turned on a rotated record, unlike elsewhere: the user asks for this paper as it is.
+    UsePage(index, false);
+}
+
+void PageSetup::ChooseResolution(int index) {
+    const PostscriptResolutions &resolutions = Printer().Resolutions();
+    if (index < 0 || index >= resolutions.NumResolutions()) return;
+    SetRecordName(mRecord.mResolutionName, resolutions.GetResolution(index).GetName());
+}
+
+bool PageSetup::HasDocumentSize() const {
+    return mParams->widthPixels >= 1 && mParams->heightPixels >= 1 && mParams->widthMM > 0 &&
+           mParams->heightMM > 0;
+}
+
+bool PageSetup::DocumentFitsOnCustomPaper() const {
+    const PageInfo_tag page = DocumentPage(*mParams);
+    return PageFitsOnCustomPaper(&Printer(), &page, &mRecord);
+}
+
+void PageSetup::SetSizeFromDocument() {
+    if (!HasDocumentSize()) return;
+    const PageInfo_tag page = DocumentPage(*mParams);
+    try {
+        SetBestHardwareResolution(&Printer(), &page, &mRecord);
+        SetBestPageSize(&Printer(), &page, &mRecord);
+    } catch (...) {
+        return; // the record keeps what was written, as when a record is validated
+    }
+}
+
+int PageSetup::PageWithSizeText(const std::string &width, const std::string &height, int unit,
+                                double widthPoints, double heightPoints) const {
+    // Equal texts mean sizes less than two units apart: the rest need not be formatted, which would
+    // take longer than a key press with hundreds of pages.
+    const double nearX = PointsFromDisplayed(2, unit, XDpi());
+    const double nearY = PointsFromDisplayed(2, unit, YDpi());
+    const PostscriptPages &pages = Printer().Pages();
+    for (int32_t i = 0; i < pages.NumPages(); ++i) {
+        const PageSize size = SizeOf(pages.GetPage(i), IsRotated());
+        if (std::fabs(size.width - widthPoints) > nearX) continue;
+        if (std::fabs(size.height - heightPoints) > nearY) continue;
+        if (FormatPoints(size.width, unit, XDpi()) == width &&
+            FormatPoints(size.height, unit, YDpi()) == height)
+            return i;
+    }
+    return -1;
+}
+
+bool PageSetup::TypeSize(const std::string &width, const std::string &height, int unit, int *tag) {
+    const CustomDimensions limits = CustomLimits();
+    double widthPoints = 0;
+    double heightPoints = 0;
+    if (!ReadDimension(width, unit, XDpi(), limits.width, widthPoints)) return false;
+    if (!ReadDimension(height, unit, YDpi(), limits.height, heightPoints)) return false;
+    const int page = PageWithSizeText(width, height, unit, widthPoints, heightPoints);
+    *tag = page >= 0 ? page : kCustomPageTag;
+    if (page >= 0) {
+        // With the page's own size: with the rounded one that was typed, validation can refuse it.
+        UsePage(page, IsRotated());
+    } else {
+        mRecord.mPageIsCustom_be = Flag(true);
+        SetRecordName(mRecord.mPageName, "");
+        SetPaperSize(widthPoints, heightPoints);
+    }
+    return true;
+}
+
+bool PageSetup::TypeResolution(const std::string &text) {
+    double dpi = 0;
+    if (FetchDoubleFromText(text, dpi, {mParams->minResolution, mParams->maxResolution}) !=
+        kFetchNumber)
+        return false;
+    mRecord.mXDpi_be = DoubleToBigEndian(dpi);
+    mRecord.mYDpi_be = DoubleToBigEndian(dpi);
+    return true;
+}
+
+std::vector<std::string> PageSetup::PageTitles(std::string *error) const {
+    const PostscriptPages &pages = Printer().Pages();
+    return TitlesOrError(
+        [&pages] {
+            std::vector<std::string> titles;
+            titles.reserve(static_cast<size_t>(pages.NumPages()));
+            for (int32_t i = 0; i < pages.NumPages(); ++i)
+                titles.push_back(pages.GetPage(i).GetUIName());
+            return titles;
+        },
+        error);
+}
+
+std::vector<std::string> PageSetup::ResolutionTitles(std::string *error) const {
+    const PostscriptResolutions &resolutions = Printer().Resolutions();
+    return TitlesOrError(
+        [&resolutions] {
+            std::vector<std::string> titles;
+            titles.reserve(static_cast<size_t>(resolutions.NumResolutions()));
+            for (int32_t i = 0; i < resolutions.NumResolutions(); ++i)
+                titles.push_back(resolutions.GetResolution(i).GetUIName());
+            return titles;
+        },
+        error);
+}
+
+CFRef<CFStringRef> PageSetup::SeparationName() {
+    CFRef<CFStringRef> name(CFStringCreateWithPascalString(
+        kCFAllocatorDefault, mRecord.cmykSeparationName, kCFStringEncodingUTF8));
+    if (name) return name;
+    SetSeparationName(CFSTR(""));
+    return CFRef<CFStringRef>::Retain(CFSTR(""));
+}
+
+void PageSetup::SetSeparationName(CFStringRef name) {
+    uint8_t pascal[256] = {};
+    if (!CFStringGetPascalString(name, pascal, sizeof pascal, kCFStringEncodingUTF8)) return;
+    // Nothing of an earlier, longer name stays behind.
+    std::fill(pascal + pascal[0] + 1, pascal + sizeof pascal, uint8_t{0});
+    std::memcpy(mRecord.cmykSeparationName, pascal, sizeof pascal);
+}
+
+int PageSetup::SeparationCount() const {
+    return mParams->separations ? CountCMYKSeparation(mParams->separations) : 1;
+}
+
+CFStringRef PageSetup::SeparationNameAt(int index) const {
+    return mParams->separations ? GetCMYKSeparationName(mParams->separations, index)
+                                : CFSTR("Standard");
+}
+
+int PageSetup::SeparationIndex(CFStringRef name) const {
+    for (int i = 0; i < SeparationCount(); ++i)
+        if (CFEqual(SeparationNameAt(i), name)) return i;
+    return 0;
+}
+
+bool PageSetup::IsGoodSeparation(CFStringRef name) const {
+    try {
+        return ValidateCMYKSeparation(mParams->separations, name);
+    } catch (...) {
+        return false;
+    }
+}
+
+void PageSetup::LoadPrinter(CFURLRef ppd, CFStringRef preferencesDomain) {
+    PostscriptPrinterInfo *loaded = LoadPrinterInfo(ppd).release();
+    delete *mParams->printerInfo;
+    *mParams->printerInfo = loaded;
+    const CFRef<CFDataRef> bookmark(CFURLCreateBookmarkData(
+        kCFAllocatorDefault, ppd, kCFURLBookmarkCreationSuitableForBookmarkFile, nullptr, nullptr,
+        nullptr));
+    if (!mSavedPrinterIsReplaced) mSavedPrinter = CopySavedPPDFile(preferencesDomain);
+    mSavedPrinterIsReplaced = true;
+    SavePPDFileLocation(preferencesDomain, bookmark.Get());
+}
+
+void PageSetup::RestoreSavedPrinter(CFStringRef preferencesDomain) {
+    if (mSavedPrinterIsReplaced) RestoreSavedPPDFile(preferencesDomain, mSavedPrinter.Get());
+}
+
+bool PageSetup::IsPPDFile(const std::string &path) const {
+    // The panel asks about everything in a folder: nothing but a regular file may be opened.
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    try {
+        const CFRef<CFURLRef> url(CFURLCreateFromFileSystemRepresentation(
+            kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(path.data()),
+            static_cast<CFIndex>(path.size()), 0));
+        if (!url) return false;
+        const PPD::MiniParser parser(url.Get());
+        return true;
+    } catch (...) {
+        return false;
+    }
+}

@@ -1,0 +1,36 @@
+/// The user's choices, kept between runs in the preferences of the bundle's own identifier.
+///
+/// Reading tolerates missing keys and values of the wrong type: the default then holds. Locations
+/// are kept as bookmarks, so that renamed and moved items are found again; the older forms, a
+/// string path and an alias record, are still read.
+#pragma once
+
+#include "support/CFRef.h"
+#include <CoreServices/CoreServices.h>
+
+struct DriverContext;
+
+/// The bookmark stored under `bookmarkKey`; when that key is missing, a bookmark made from what is
+/// stored under `legacyKey`, which is not written back. Null: none.
+[[nodiscard]] CFRef<CFDataRef> CopyFileLocationPreference(CFStringRef applicationID,
+                                                          CFStringRef bookmarkKey,
+                                                          CFStringRef legacyKey);
+/// Stores a bookmark unless it is null. Does not synchronise.
+void SetFileLocationPreference(CFStringRef applicationID, CFStringRef key, CFDataRef bookmark);
+
+[[nodiscard]] CFRef<CFDataRef> CopyPPDFileLocation(CFStringRef applicationID);
+void SavePPDFileLocation(CFStringRef applicationID, CFDataRef bookmark);
+/// The saved value as it is, whatever its type, to be put back after a choice that was cancelled.
+[[nodiscard]] CFRef<CFPropertyListRef> CopySavedPPDFile(CFStringRef applicationID);
+void RestoreSavedPPDFile(CFStringRef applicationID, CFPropertyListRef value); ///< null: none
+
+/// "MeasurementsUnit": 2, 3 or 4; 3 when missing or anything else. The page-setup dialog keeps a
+/// setting of its own under "MeasurementUnit"; both spellings are in users' preferences.
+[[nodiscard]] int32_t GetMeasurementUnits(CFStringRef applicationID);
+void SaveMeasurementUnits(CFStringRef applicationID, int32_t units);
+
+/// "SendToDefaultPrintQueue", false when missing.
+[[nodiscard]] bool GetSendToDefaultPrintQueue(CFStringRef applicationID);
+
+/// Saves the record's page options, file format and colour space as the user's defaults.
+void SaveDefaults(const DriverContext *context, Handle record);

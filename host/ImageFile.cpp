@@ -1,9 +1,0 @@
-#include "host/ImageFile.h"
-
-#include "host/ExitStatus.h"
-
-void ThrowUnreadable(const std::string &path, int page, const std::string &why) {
-    throw HostError(ExitStatus::Input, path + ": page " + std::to_string(page + 1) +
-                                           " cannot be read (" + why +
-                                           "); the file is damaged or not supported");
-}

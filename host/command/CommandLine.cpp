@@ -1,0 +1,153 @@
+#include "host/command/CommandLine.h"
+
+#include "PSHPrint.h"
+#include "host/command/Console.h"
+#include "host/job/JobTitle.h"
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <strings.h>
+
+namespace {
+
+/// A script's variable that is empty by mistake must not print to another printer or folder than
+/// was meant.
+CLI::Validator Filled() {
+    return CLI::Validator(
+        [](std::string &text) { return std::string(text.empty() ? "its value is empty" : ""); },
+        std::string());
+}
+
+template <typename T>
+CLI::Option *Choice(CLI::App &app, const char *names, T &value, const char *what,
+                    const char *help) {
+    return app.add_option(names, value, help)->type_name(what)->check(Filled());
+}
+
+/// CLI11 would give a flag that is not there the value false.
+void Switch(CLI::App &app, const char *names, std::optional<bool> &value, const char *help) {
+    app.add_flag_function(
+        names, [&value](std::int64_t count) { value = count > 0; }, help);
+}
+
+void AddJobOptions(CLI::App &app, JobOptions &options) {
+    // As everywhere, the last of several says what holds.
+    app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    Choice(app, "FILE", options.files, "", "TIFF, PNG, JPEG and PNM images and PDF files")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    app.option_defaults()->group("What to print");
+    app.add_option("-n,--copies", options.copies, "number of copies, 1 to 999")
+        ->type_name("N")
+        ->check(CLI::Range(1, 999).description(""));
+    Choice(app, "-P,--pages", options.pageRange, "LIST", "pages to print, such as 1-4,7,9-");
+    app.add_option("-t,--title", options.title, "title of the document, and base of its file name");
+
+    app.option_defaults()->group("Where to");
+    Choice(app, "--hot-folder", options.hotFolder, "DIR",
+           "folder that receives the finished document");
+    Choice(app, "-o,--output", options.output, "NAME",
+           "name of the file to write, replacing what is there");
+    Switch(app, "--eps,!--ps", options.eps, "one EPS file a page, or one PostScript file (--ps)");
+    Switch(app, "--queue,!--no-queue", options.queue, "hand the document to the print queue");
+
+    app.option_defaults()->group("How");
+    Choice(app, "--ppd", options.ppd, "FILE", "PPD file of the printer");
+    Choice(app, "--media", options.media, "NAME|WxH{pt,mm,in}",
+           "page by its name, or its size as WxH with pt, mm or in");
+    Choice(app, "--resolution", options.resolution, "NAME|DPI",
+           "resolution by its name, or in dpi");
+    app.add_option("--colour-space,--color-space", options.colourSpace, "cmyk, gray or rgb")
+        ->transform(CLI::Validator(OneOf({"cmyk", "gray", "rgb"}), ""))
+        ->type_name("cmyk|gray|rgb");
+    Choice(app, "--separation", options.separation, "NAME",
+           "CMYK separation; see zelprint separations");
+    Switch(app, "--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
+    Switch(app, "--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
+    Switch(app, "--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
+    Choice(app, "--settings", options.settings, "FILE",
+           "repeat a job with the settings saved in a file");
+    Choice(app, "--save-settings", options.saveSettings, "FILE",
+           "save this job's settings to a file");
+    app.add_flag("--page-setup", options.pageSetup, "run the driver's page setup dialog first");
+    app.add_flag("--print-dialog", options.printDialog, "run the driver's print dialog first");
+
+    app.option_defaults()->group("Program");
+    app.add_flag("--dry-run", options.dryRun, "tell what would be printed, and print nothing");
+    app.add_flag("-q,--quiet", options.quiet, "say nothing on success");
+    app.add_flag("--json", options.json, "report as JSON on standard output");
+    app.add_option("--band-height", options.bandHeight, "rows handed to the driver at a time")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000000).description(""));
+    Choice(app, "--bundle", options.bundle, "FOLDER",
+           "the driver's bundle, if not beside zelprint");
+}
+
+/// The system's libraries know text and names as UTF-8 only; other arguments stop them early.
+void CheckArguments(int argc, char **argv) {
+    for (int i = 1; i < argc; ++i)
+        if (!IsUTF8(argv[i]))
+            throw HostError(ExitStatus::Usage, "\"" + CleanTitle(argv[i]) +
+                                                   "\" is not UTF-8; correct the title, or rename "
+                                                   "the file");
+}
+
+static_assert(kZELColourSpaceCMYK == 0 && kZELColourSpaceGray == 1 && kZELColourSpaceRGB == 2,
+              "the order of the words");
+
+} // namespace
+
+std::function<std::string(std::string &)> OneOf(std::vector<std::string> words) {
+    return [words = std::move(words)](std::string &text) {
+        std::string list;
+        for (size_t i = 0; i < words.size(); ++i) {
+            if (strcasecmp(text.c_str(), words[i].c_str()) == 0) {
+                text = std::to_string(i);
+                return std::string();
+            }
+            list += (i == 0 ? "" : ", ") + words[i];
+        }
+        return "\"" + text + "\" is none of " + list;
+    };
+}
+
+int RunCommandLine(int argc, char **argv,
+                   const std::function<ExitStatus(const JobOptions &)> &print) {
+    CLI::App app("Prints images and PDFs as PostScript through the ZEL PostScript Printer Driver.",
+                 "zelprint");
+    JobOptions options;
+    CommandAction action = [&] { return print(options); };
+    AddJobOptions(app, options);
+    app.set_version_flag("--version", "zelprint " ZEL_VERSION);
+    app.option_defaults()->group("Options");
+    AddPrinterInfoCommand(app, action, options.bundle);
+    AddSeparationsCommand(app, action, options.bundle);
+    AddMakeSeparationCommand(app, action, options.bundle);
+    app.require_subcommand(0, 1);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        if (error.get_exit_code() == 0) {
+            // Help, or the version.
+            (void)app.exit(error);
+            if (std::cout.flush()) return static_cast<int>(ExitStatus::Success);
+            Complain("cannot write to standard output");
+            return static_cast<int>(ExitStatus::Output);
+        }
+        Complain(std::string(error.what()) + "; see zelprint --help");
+        return static_cast<int>(ExitStatus::Usage);
+    }
+    try {
+        CheckArguments(argc, argv);
+        // A command answers in its terminal: without a display the driver's messages are lines
+        // there, and no alert waits for a click.
+        if (!options.pageSetup && !options.printDialog) (void)unsetenv("DISPLAY");
+        return static_cast<int>(action());
+    } catch (const HostError &error) {
+        Complain(error.what());
+        return static_cast<int>(error.Status());
+    } catch (const std::exception &error) {
+        Complain(std::string("unexpected failure: ") + error.what());
+        return static_cast<int>(ExitStatus::Driver);
+    }
+}

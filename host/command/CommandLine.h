@@ -1,0 +1,30 @@
+/// The command line of zelprint: its options and its subcommands.
+#ifndef ZEL_HOST_COMMANDLINE_H
+#define ZEL_HOST_COMMANDLINE_H
+
+#include "host/command/ExitStatus.h"
+#include "host/command/JobOptions.h"
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+/// What to run once the whole command line has been read; set by the subcommand that was named.
+using CommandAction = std::function<ExitStatus()>;
+
+/// Runs zelprint. Every failure is one line on standard error. `print` prints a job.
+[[nodiscard]] int RunCommandLine(int argc, char **argv,
+                                 const std::function<ExitStatus(const JobOptions &)> &print);
+
+/// Each adds one subcommand to `app`. Its callback stores what it does in `action`; failures are
+/// thrown as HostError. `bundle` is the value of --bundle, valid when the action runs.
+void AddPrinterInfoCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
+void AddSeparationsCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
+void AddMakeSeparationCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
+
+/// For the validators of CLI11: replaces one of `words`, in any case, by its index; says what is
+/// wrong with any other text.
+[[nodiscard]] std::function<std::string(std::string &)> OneOf(std::vector<std::string> words);
+
+#endif

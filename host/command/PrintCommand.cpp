@@ -1,0 +1,80 @@
+#include "host/command/PrintCommand.h"
+
+#include "host/command/Console.h"
+#include "host/command/Report.h"
+#include "host/job/PrintJob.h"
+#include "host/readers/ImageModule.h"
+#include "host/readers/PNMCheck.h"
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+void CheckOptions(const JobOptions &options) {
+    if (options.files.empty())
+        throw HostError(ExitStatus::Usage, "no file to print; see zelprint --help");
+    const bool placed = options.output && options.hotFolder;
+    if (placed && options.output->find('/') != std::string::npos)
+        throw HostError(ExitStatus::Usage,
+                        "-o and --hot-folder both name a folder; give one of them");
+    if (options.printDialog && (options.output || options.hotFolder))
+        throw HostError(ExitStatus::Usage, "the print dialog asks where the document goes; leave "
+                                           "out -o and --hot-folder");
+}
+
+void CheckPNMFiles(const std::vector<SourceFile> &files) {
+    for (const SourceFile &file : files) {
+        if (file.Kind() != FileKind::PNM) continue;
+        CheckPNM(file.Path());
+        // Other programs print every image of such a file.
+        if (HasSecondPNMImage(file.Path()))
+            Complain(file.Path() +
+                     ": it holds several images, and only the first is printed; split it with "
+                     "pamsplit to print them all");
+    }
+}
+
+/// Loading the image module takes as long as opening the driver: both are done at the same time.
+void StartModule(const std::vector<SourceFile> &files) {
+    const auto needsModule = [](const SourceFile &file) { return file.NeedsModule(); };
+    const auto isPDF = [](const SourceFile &file) { return file.Kind() == FileKind::PDF; };
+    if (std::any_of(files.begin(), files.end(), needsModule))
+        StartImageModule(std::any_of(files.begin(), files.end(), isPDF));
+}
+
+/// Says what is good to know, where anybody listens: the document is there all the same.
+void Mention(const std::string &text) {
+    (void)fputs(text.c_str(), stdout);
+    (void)fflush(stdout);
+}
+
+ExitStatus Print(const JobOptions &options) {
+    CheckOptions(options);
+    const std::vector<SourceFile> files(options.files.begin(), options.files.end());
+    const DriverBundle bundle(options.bundle);
+    StartModule(files);
+    CheckPNMFiles(files);
+    const JobSetup setup(bundle, options, files);
+    const JobPlan &plan = setup.Plan();
+    if (options.dryRun) {
+        Answer(options.json ? DryRunAsJSON(plan) : DryRunAsText(plan));
+        return ExitStatus::Success;
+    }
+    const JobResult result = PrintJob(setup, options.bandHeight, options.quiet);
+    if (options.json)
+        Answer(ReportAsJSON(plan, result));
+    else if (!options.quiet)
+        Mention(ReportAsText(plan, result));
+    return ExitStatus::Success;
+}
+
+} // namespace
+
+ExitStatus PrintCommand(const JobOptions &options) {
+    try {
+        return Print(options);
+    } catch (const HostError &error) {
+        if (options.json) Mention(ErrorAsJSON(error));
+        throw;
+    }
+}

@@ -1,0 +1,11 @@
+/// zelprint FILE...: prints a job from its options to its report.
+#ifndef ZEL_HOST_PRINTCOMMAND_H
+#define ZEL_HOST_PRINTCOMMAND_H
+
+#include "host/command/ExitStatus.h"
+#include "host/command/JobOptions.h"
+
+/// Throws HostError.
+[[nodiscard]] ExitStatus PrintCommand(const JobOptions &options);
+
+#endif

@@ -1,0 +1,112 @@
+#include "host/command/Report.h"
+
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using nlohmann::json;
+
+std::string Dump(const json &value) {
+    return value.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+}
+
+std::string Count(int number, const char *what) {
+    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+}
+
+std::string Shown(const char *format, double a, double b) {
+    char text[64];
+    (void)snprintf(text, sizeof text, format, a, b);
+    return text;
+}
+
+std::string Megabytes(uint64_t bytes) {
+    char text[32];
+    (void)snprintf(text, sizeof text, "%.1f MB", static_cast<double>(bytes) / 1e6);
+    return text;
+}
+
+/// Pages, page and colours, as far as they are the same for every file.
+std::string Details(const JobPlan &plan) {
+    std::string text = Count(static_cast<int>(plan.pages.size()), "page");
+    if (plan.copies > 1) text += ", " + Count(plan.copies, "copie");
+    text += ", " + (plan.media.custom ? std::string() : plan.media.name + " ");
+    text += Shown("%.4g x %.4g points", plan.media.width, plan.media.height);
+    text += Shown(" at %.4g x %.4g dpi", plan.grid.dpiX, plan.grid.dpiY);
+    text += std::string(", ") + NameOfColourSpace(plan.colourSpace);
+    if (plan.colourSpace == kZELColourSpaceCMYK && plan.pixels != DocumentPixels::CMYK)
+        text += " by " + (plan.separation.empty() ? "Standard" : plan.separation);
+    return text;
+}
+
+json JobAsJSON(const JobPlan &plan) {
+    json job;
+    job["title"] = plan.title;
+    job["format"] = plan.eps ? "eps" : "ps";
+    job["colour_space"] = NameOfColourSpace(plan.colourSpace);
+    if (plan.colourSpace == kZELColourSpaceCMYK)
+        job["separation"] = plan.pixels == DocumentPixels::CMYK ? json(nullptr)
+                            : plan.separation.empty()           ? json("Standard")
+                                                                : json(plan.separation);
+    job["pages"] = plan.pages.size();
+    job["copies"] = plan.copies;
+    job["media"] = {{"name", plan.media.custom ? json(nullptr) : json(plan.media.name)},
+                    {"width_pt", plan.media.width},
+                    {"height_pt", plan.media.height},
+                    {"rotated", plan.rotated}};
+    job["resolution"] = {
+        {"name", plan.resolution.name}, {"x_dpi", plan.grid.dpiX}, {"y_dpi", plan.grid.dpiY}};
+    job["width_pixels"] = plan.grid.width;
+    job["height_pixels"] = plan.grid.height;
+    return job;
+}
+
+/// Five characters for four samples, in lines of 80.
+uint64_t ExpectedBytes(const JobPlan &plan) {
+    const uint64_t characters = (plan.PageBytes() + 3) / 4 * 5;
+    return static_cast<uint64_t>(plan.TotalPages()) * (characters + characters / 80);
+}
+
+} // namespace
+
+std::string ReportAsText(const JobPlan &plan, const JobResult &result) {
+    if (result.queued) return "handed to the print queue (" + Details(plan) + ")\n";
+    if (result.files.size() == 1)
+        return "wrote " + result.files[0].path + " (" + Details(plan) + ", " +
+               Megabytes(result.files[0].bytes) + ")\n";
+    std::string text;
+    for (const FinishedFile &file : result.files)
+        text += "wrote " + file.path + " (" + Megabytes(file.bytes) + ")\n";
+    return text + "in all " + Details(plan) + "\n";
+}
+
+std::string ReportAsJSON(const JobPlan &plan, const JobResult &result) {
+    json job = JobAsJSON(plan);
+    job["queued"] = result.queued;
+    job["files"] = json::array();
+    for (const FinishedFile &file : result.files)
+        job["files"].push_back({{"path", file.path}, {"bytes", file.bytes}});
+    return Dump(job);
+}
+
+std::string DryRunAsText(const JobPlan &plan) {
+    return "would print " + Details(plan) + ", " + std::to_string(plan.grid.width) + " x " +
+           std::to_string(plan.grid.height) + " pixels a page, about " +
+           Megabytes(ExpectedBytes(plan)) + (plan.queue ? ", to the print queue" : ", in ") +
+           (plan.queue ? "" : plan.folder) + "\n";
+}
+
+std::string DryRunAsJSON(const JobPlan &plan) {
+    json job = JobAsJSON(plan);
+    job["dry_run"] = true;
+    job["queue"] = plan.queue;
+    job["folder"] = plan.folder;
+    job["expected_bytes"] = ExpectedBytes(plan);
+    return Dump(job);
+}
+
+std::string ErrorAsJSON(const HostError &error) {
+    return Dump(
+        {{"error", {{"status", static_cast<int>(error.Status())}, {"message", error.what()}}}});
+}

@@ -1,0 +1,18 @@
+/// What zelprint says about a job: a line for people, JSON for programs.
+#ifndef ZEL_HOST_REPORT_H
+#define ZEL_HOST_REPORT_H
+
+#include "host/command/ExitStatus.h"
+#include "host/job/PrintJob.h"
+
+[[nodiscard]] std::string ReportAsText(const JobPlan &plan, const JobResult &result);
+[[nodiscard]] std::string ReportAsJSON(const JobPlan &plan, const JobResult &result);
+
+/// The same for a job that is not printed.
+[[nodiscard]] std::string DryRunAsText(const JobPlan &plan);
+[[nodiscard]] std::string DryRunAsJSON(const JobPlan &plan);
+
+/// {"error":{"status":n,"message":s}}
+[[nodiscard]] std::string ErrorAsJSON(const HostError &error);
+
+#endif

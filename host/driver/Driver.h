@@ -1,0 +1,109 @@
+/// The driver as zelprint sees it: a bundle found at run time, its functions, an open context.
+#ifndef ZEL_HOST_DRIVER_H
+#define ZEL_HOST_DRIVER_H
+
+#include "ZELExtensions.h"
+#include "ZELPrint.h"
+#include "host/driver/CFOwner.h"
+#include <string>
+
+/// Every function that zelprint calls, by its exported name.
+#define ZEL_HOST_FUNCTIONS(X)                                                                      \
+    X(ZELPrOpen)                                                                                   \
+    X(ZELPrClose)                                                                                  \
+    X(ZELPrSuggestPage)                                                                            \
+    X(ZELPrValidate)                                                                               \
+    X(ZELPrDefaults)                                                                               \
+    X(ZELPrGetInfo)                                                                                \
+    X(ZELPrSetJobName)                                                                             \
+    X(ZELPrOpenDoc)                                                                                \
+    X(ZELPrOpenPage)                                                                               \
+    X(ZELPrPrintBitmap)                                                                            \
+    X(ZELPrClosePage)                                                                              \
+    X(ZELPrCloseDoc)                                                                               \
+    X(ZELPrSetError)                                                                               \
+    X(ZELPrErrorString)                                                                            \
+    X(ZELPrCopyPrinterInfo)                                                                        \
+    X(ZELPrCopySeparationNames)                                                                    \
+    X(ZELPrCopySeparationsFolder)                                                                  \
+    X(ZELPrSetPrinter)                                                                             \
+    X(ZELPrSetSendToPrintQueue)
+
+/// The bundle's functions under their own names. A function that this bundle lacks is null.
+struct DriverFunctions {
+// A name after :: takes no parentheses.
+#define ZEL_HOST_DECLARE(name)                                                                     \
+    decltype(&::name) name = nullptr; // NOLINT(bugprone-macro-parentheses)
+    ZEL_HOST_FUNCTIONS(ZEL_HOST_DECLARE)
+#undef ZEL_HOST_DECLARE
+    Boolean (*ZELPrStyle)(DriverContext *, Handle) = nullptr;
+    Boolean (*ZELPrJob)(DriverContext *, Handle) = nullptr;
+    CFDictionaryRef (*ZELPrCopyJobSettings)(DriverContext *, Handle) = nullptr;
+    Boolean (*ZELPrSetJobSettings)(DriverContext *, Handle, CFDictionaryRef) = nullptr;
+};
+
+/// The path of the driver's bundle: `option` (--bundle) if not empty, else $ZEL_BUNDLE, else
+/// beside the program or where an installation puts it. Throws HostError when there is none.
+[[nodiscard]] std::string FindBundle(const std::string &option);
+
+/// A loaded bundle. Bundles are never unloaded.
+class DriverBundle {
+public:
+    /// Loads the bundle that `option` names (see FindBundle). Throws HostError.
+    explicit DriverBundle(const std::string &option);
+
+    [[nodiscard]] CFBundleRef Bundle() const { return mBundle.Get(); }
+    [[nodiscard]] CFStringRef Identifier() const { return CFBundleGetIdentifier(mBundle.Get()); }
+    /// The functions; calling one that is null is the caller's fault: see Require.
+    [[nodiscard]] const DriverFunctions &Functions() const { return mFunctions; }
+
+    /// `function` itself. Throws HostError when the bundle lacks it; `name` is for the message.
+    template <typename F>
+    [[nodiscard]] F Require(F function, const char *name) const {
+        if (!function) ThrowMissing(name);
+        return function;
+    }
+
+private:
+    [[noreturn]] void ThrowMissing(const char *name) const;
+
+    std::string mPath;
+    CFOwner<CFBundleRef> mBundle;
+    DriverFunctions mFunctions;
+};
+
+/// Calls `bundle.Functions().name(...)` or fails with a clear message when it is not there.
+#define ZEL_CALL(bundle, name) (bundle).Require((bundle).Functions().name, #name)
+
+/// A memory handle of the host's own.
+class RecordHandle {
+public:
+    explicit RecordHandle(Size size);
+    ~RecordHandle();
+    RecordHandle(const RecordHandle &) = delete;
+    RecordHandle &operator=(const RecordHandle &) = delete;
+    [[nodiscard]] Handle Get() const { return mHandle; }
+
+private:
+    Handle mHandle;
+};
+
+/// An open driver; closed with its owner.
+class DriverSession {
+public:
+    explicit DriverSession(const DriverBundle &bundle);
+    ~DriverSession();
+    DriverSession(const DriverSession &) = delete;
+    DriverSession &operator=(const DriverSession &) = delete;
+
+    [[nodiscard]] const DriverBundle &Bundle() const { return mBundle; }
+    [[nodiscard]] DriverContext *Context() const { return mContext; }
+    /// The driver's own words for a result code.
+    [[nodiscard]] std::string ErrorText(int32_t code) const;
+
+private:
+    const DriverBundle &mBundle;
+    DriverContext *mContext = nullptr;
+};
+
+#endif

@@ -1,0 +1,48 @@
+#include "host/driver/ProgramPath.h"
+
+#include <climits>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace {
+
+std::string &ProgramPath() {
+    static std::string path;
+    return path;
+}
+
+/// Searches $PATH as the shell did.
+std::string SearchPath(const std::string &name) {
+    const char *path = getenv("PATH");
+    std::string rest = path ? path : "";
+    while (!rest.empty()) {
+        const size_t colon = rest.find(':');
+        const std::string folder = rest.substr(0, colon);
+        rest = colon == std::string::npos ? "" : rest.substr(colon + 1);
+        const std::string candidate = (folder.empty() ? "." : folder) + "/" + name;
+        if (access(candidate.c_str(), X_OK) == 0) return RealPath(candidate);
+    }
+    return {};
+}
+
+} // namespace
+
+std::string RealPath(const std::string &path) {
+    char real[PATH_MAX];
+    return realpath(path.c_str(), real) ? real : std::string();
+}
+
+void SetProgramPath(const char *argv0) {
+    const std::string name = argv0 ? argv0 : "";
+    ProgramPath() = name.find('/') == std::string::npos ? SearchPath(name) : RealPath(name);
+}
+
+std::string FindBesideProgram(const std::string &name) {
+    const std::string &program = ProgramPath();
+    const std::string folder = program.substr(0, program.rfind('/'));
+    for (const char *place : {"/", "/../", "/../resources/", "/../lib/zel/", "/../lib/"}) {
+        std::string path = RealPath(std::string(folder).append(place).append(name));
+        if (!path.empty()) return path;
+    }
+    return {};
+}

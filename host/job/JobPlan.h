@@ -1,0 +1,47 @@
+/// Everything that is decided about a job before its first page is printed.
+#ifndef ZEL_HOST_JOBPLAN_H
+#define ZEL_HOST_JOBPLAN_H
+
+#include "host/driver/Record.h"
+#include "host/readers/SourceFile.h"
+#include <string>
+#include <vector>
+
+/// One page to print.
+struct PageReference {
+    const SourceFile *file = nullptr;
+    int page = 0; ///< within the file, from 0
+};
+
+struct JobPlan {
+    std::string title;
+    uint32_t colourSpace = kZELColourSpaceCMYK;
+    std::string separation; ///< empty: "Standard", or no CMYK document
+    bool eps = false;
+    bool rotated = false; ///< the page lies turned on the paper
+    bool turned = false;  ///< it is turned by zelprint, not by the driver
+    RecordPage media;
+    RecordResolution resolution;
+    PageGrid grid; ///< the page as the driver takes it
+    double widthMM = 0, heightMM = 0;
+    DocumentPixels pixels = DocumentPixels::XRGB;
+    std::vector<PageReference> pages; ///< of one copy
+    int copies = 1;
+    bool queue = false;
+    std::string folder; ///< where the document goes
+    std::string name;   ///< what the first file is called there; empty: after the title
+
+    [[nodiscard]] int TotalPages() const { return static_cast<int>(pages.size()) * copies; }
+    /// Bytes of one page's samples in the document.
+    [[nodiscard]] uint64_t PageBytes() const;
+    /// Bounds of the size of a file with `count` pages.
+    [[nodiscard]] uint64_t LeastFileSize(int count) const;
+    [[nodiscard]] uint64_t MostFileSize(int count) const;
+};
+
+/// Samples a pixel of a document in this colour space.
+[[nodiscard]] int ComponentsOf(uint32_t colourSpace);
+/// "cmyk", "gray" or "rgb".
+[[nodiscard]] const char *NameOfColourSpace(uint32_t colourSpace);
+
+#endif

@@ -1,0 +1,198 @@
+#include "host/job/OutputStaging.h"
+
+#include "host/command/ExitStatus.h"
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <platform/Platform.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace {
+
+/// The driver's limit for a path with its terminator.
+constexpr size_t kLongestPath = 1024;
+/// Room for a title of 200 bytes and what the driver appends to it.
+constexpr size_t kLongestName = 216;
+
+[[noreturn]] void Refuse(const std::string &path, const std::string &why) {
+    throw HostError(ExitStatus::Output, path + ": " + why);
+}
+
+std::string RealFolder(const std::string &folder) {
+    char real[PATH_MAX];
+    struct stat info {};
+    if (!realpath(folder.c_str(), real) || stat(real, &info) != 0)
+        Refuse(folder.size() > 80 ? folder.substr(0, 80) + "..." : folder,
+               std::string(strerror(errno)) + "; choose another folder for the document");
+    if (!S_ISDIR(info.st_mode))
+        Refuse(folder, "not a folder; choose the folder that is to receive the document");
+    if (access(real, W_OK | X_OK) != 0)
+        Refuse(folder, std::string(strerror(errno)) + "; allow writing or choose another folder");
+    return real;
+}
+
+bool OnSameFileSystem(const std::string &a, const std::string &b) {
+    struct stat first {};
+    struct stat second {};
+    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev;
+}
+
+std::string MakeHiddenFolder(const std::string &parent) {
+    std::string name = (parent == "/" ? "" : parent) + "/.zelprint-XXXXXX";
+    return mkdtemp(name.data()) ? name : std::string();
+}
+
+std::string SplitExtension(std::string &name) {
+    const size_t dot = name.rfind('.');
+    if (dot == std::string::npos || dot == 0) return {};
+    std::string extension = name.substr(dot);
+    name.resize(dot);
+    return extension;
+}
+
+/// Gives `from` the name `to` unless it is taken. Returns 0 or an errno value.
+int MoveWithoutReplacing(const std::string &from, const std::string &to) {
+    const int moved = PlatformMoveWithoutReplacing(from, to);
+    if (moved == 0 || moved == EEXIST) return moved;
+    // Many a network's file system cannot, but knows hard links.
+    if (link(from.c_str(), to.c_str()) == 0) {
+        (void)unlink(from.c_str());
+        return 0;
+    }
+    if (errno == EEXIST) return EEXIST;
+    // Neither of both: hold the name first, then move over it.
+    const int fd = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd < 0) return errno;
+    (void)close(fd);
+    if (rename(from.c_str(), to.c_str()) == 0) return 0;
+    const int code = errno;
+    (void)unlink(to.c_str());
+    return code;
+}
+
+} // namespace
+
+OutputStaging::OutputStaging(const std::string &folder) : mFolder(RealFolder(folder)) {
+    if (mFolder.size() + kLongestName > kLongestPath)
+        Refuse(mFolder.substr(0, 80) + "...", "the path is too long; choose another folder");
+    const size_t slash = mFolder.rfind('/');
+    const std::string parent = slash == 0 ? "/" : mFolder.substr(0, slash);
+    if (OnSameFileSystem(parent, mFolder)) mStaging = MakeHiddenFolder(parent);
+    if (mStaging.empty()) mStaging = MakeHiddenFolder(mFolder);
+    if (mStaging.empty()) Refuse(folder, strerror(errno));
+}
+
+OutputStaging::~OutputStaging() {
+    for (const std::string &name : Files())
+        (void)unlink((mStaging + "/" + name).c_str());
+    (void)rmdir(mStaging.c_str());
+}
+
+std::vector<std::string> OutputStaging::Files() const {
+    std::vector<std::string> names;
+    DIR *folder = opendir(mStaging.c_str());
+    if (!folder) return names;
+    while (const dirent *entry = readdir(folder)) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") names.push_back(name);
+    }
+    (void)closedir(folder);
+    // base.eps, base_p02.eps, ..., base_p99.eps, base_p100.eps
+    std::sort(names.begin(), names.end(), [](const std::string &a, const std::string &b) {
+        return a.size() != b.size() ? a.size() < b.size() : a < b;
+    });
+    return names;
+}
+
+std::string OutputStaging::MoveUnique(const std::string &name) const {
+    std::string base = name;
+    const std::string extension = SplitExtension(base);
+    for (int number = 0; number < 100; ++number) {
+        char suffix[8] = "";
+        if (number > 0) (void)snprintf(suffix, sizeof suffix, "_%02d", number);
+        std::string target = mFolder + "/" + base;
+        target.append(suffix).append(extension);
+        const int code = MoveWithoutReplacing(mStaging + "/" + name, target);
+        if (code == 0) return target;
+        if (code != EEXIST) Refuse(target, strerror(code));
+    }
+    Refuse(mFolder + "/" + name, "this name and its 99 numbered forms are taken; remove some of "
+                                 "these files, or choose another title with -t");
+}
+
+std::string OutputStaging::MoveOver(const std::string &file, const std::string &name) const {
+    std::string target = mFolder + "/" + name;
+    CheckReplaceable(target);
+    if (rename((mStaging + "/" + file).c_str(), target.c_str()) != 0)
+        Refuse(target, std::string(strerror(errno)) + "; choose another name with -o");
+    return target;
+}
+
+std::vector<FinishedFile> OutputStaging::Publish(const std::string &name) {
+    const std::vector<std::string> files = Files();
+    std::vector<FinishedFile> published(files.size());
+    // A file that replaces another goes last: that step cannot be undone.
+    const size_t first = name.empty() ? 0 : 1;
+    try {
+        for (size_t i = 0; i < files.size(); ++i) {
+            const size_t page = (i + first) % files.size();
+            struct stat info {};
+            (void)stat((mStaging + "/" + files[page]).c_str(), &info);
+            published[page].bytes = static_cast<uint64_t>(info.st_size);
+            published[page].path =
+                page == 0 && !name.empty() ? MoveOver(files[page], name) : MoveUnique(files[page]);
+        }
+    } catch (const HostError &) {
+        for (const FinishedFile &file : published)
+            if (!file.path.empty()) (void)unlink(file.path.c_str());
+        throw;
+    }
+    return published;
+}
+
+void CheckReplaceable(const std::string &path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode))
+        Refuse(path, "not a regular file, and cannot be replaced by one; choose another name");
+}
+
+void CheckRoom(const std::string &folder, uint64_t least) {
+    struct statvfs info {};
+    // A file system that tells no size may have any.
+    if (statvfs(folder.c_str(), &info) != 0 || info.f_blocks == 0) return;
+    const auto room = static_cast<double>(info.f_bavail) * static_cast<double>(info.f_frsize);
+    if (room >= static_cast<double>(least)) return;
+    const auto gigabytes = [](double bytes) {
+        char text[32];
+        (void)snprintf(text, sizeof text, "%.3g GB", bytes / 1e9);
+        return std::string(text);
+    };
+    Refuse(folder, "there is room for " + gigabytes(room) + ", and the document takes at least " +
+                       gigabytes(static_cast<double>(least)) +
+                       "; make room, or print less at a time");
+}
+
+std::string CheckFinishedFile(int fd, uint64_t least, uint64_t most) {
+    static const char kEnd[] = "%%EOF\n";
+    constexpr size_t kEndSize = sizeof kEnd - 1;
+    struct stat info {};
+    char tail[kEndSize];
+    if (fd < 0 || fstat(fd, &info) != 0) return strerror(errno);
+    const auto size = static_cast<uint64_t>(info.st_size);
+    if (size < kEndSize ||
+        pread(fd, tail, kEndSize, static_cast<off_t>(size - kEndSize)) != kEndSize ||
+        memcmp(tail, kEnd, kEndSize) != 0)
+        return "its end is missing";
+    if (size < least || size > most)
+        return "it has " + std::to_string(size) + " bytes instead of " + std::to_string(least) +
+               " to " + std::to_string(most);
+    return {};
+}

@@ -1,0 +1,19 @@
+/// Prints a planned job: the driver's call sequence, band by band.
+#ifndef ZEL_HOST_PRINTJOB_H
+#define ZEL_HOST_PRINTJOB_H
+
+#include "host/job/JobSetup.h"
+#include "host/job/OutputStaging.h"
+#include <functional>
+
+/// What became of a job.
+struct JobResult {
+    std::vector<FinishedFile> files; ///< none when the print queue took the document
+    bool queued = false;
+};
+
+/// Prints every page of the plan and puts the finished document in its place. On failure nothing is
+/// left there and HostError tells why, except that a document that the queue refused is kept.
+[[nodiscard]] JobResult PrintJob(const JobSetup &setup, int bandHeight, bool quiet);
+
+#endif

@@ -1,0 +1,76 @@
+/// What zelprint wants of a file of images: how its pages look, and their pixels from top to
+/// bottom.
+#ifndef ZEL_HOST_IMAGEFILE_H
+#define ZEL_HOST_IMAGEFILE_H
+
+#include "host/job/PageLayout.h"
+#include "host/readers/PackPixels.h"
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+enum class FileKind { TIFF, PNG, JPEG, PNM, PDF };
+
+enum class PixelKind { Gray, RGB, CMYK };
+
+struct SourcePage {
+    ImageSize size; ///< upright, as it is to be looked at
+    PixelKind kind = PixelKind::RGB;
+    int orientation = 1; ///< EXIF orientation that makes it upright
+};
+
+/// The pixels of one page: upright, cropped, in their final size and colours, 8 bits a sample.
+class PageRows {
+public:
+    /// Takes `count` rows that lie `rowBytes` apart; false when nobody wants more.
+    using Take = std::function<bool(const uint8_t *rows, size_t rowBytes, int count)>;
+
+    PageRows(int width, int height, int bands) : mWidth(width), mHeight(height), mBands(bands) {}
+    virtual ~PageRows() = default;
+    PageRows(const PageRows &) = delete;
+    PageRows &operator=(const PageRows &) = delete;
+
+    [[nodiscard]] int Width() const { return mWidth; }
+    [[nodiscard]] int Height() const { return mHeight; }
+    /// 1: gray, 3: RGB, 4: CMYK.
+    [[nodiscard]] int Bands() const { return mBands; }
+
+    /// Gives all rows, in their order, from the calling thread or others, one call at a time.
+    /// May be called once. Throws HostError (Input) when the file is damaged.
+    virtual void Read(const Take &take) = 0;
+    /// Makes Read, which runs in another thread, end soon.
+    virtual void Stop() = 0;
+
+private:
+    int mWidth, mHeight, mBands;
+};
+
+struct PageImage {
+    std::shared_ptr<PageRows> rows;
+    Placement placement; ///< where they go on the page; the size is theirs
+};
+
+/// An open file. Failures are HostErrors (Input) that name the file.
+class ImageFile {
+public:
+    ImageFile() = default;
+    virtual ~ImageFile() = default;
+    ImageFile(const ImageFile &) = delete;
+    ImageFile &operator=(const ImageFile &) = delete;
+
+    /// Number of pages, at least 1.
+    [[nodiscard]] virtual int PageCount() = 0;
+    /// Page `page`, counted from 0.
+    [[nodiscard]] virtual SourcePage Describe(int page) = 0;
+    /// Page `page` for a page of the driver's; `turned` lays it on its left side. Nothing is read
+    /// yet but the header. No rows: this reader cannot prepare the page so, another must.
+    [[nodiscard]] virtual PageImage OpenPage(int page, const PageGrid &grid, DocumentPixels target,
+                                             bool turned) = 0;
+};
+
+/// Says that page `page` of a file cannot be read, and why. Throws HostError (Input).
+[[noreturn]] void ThrowUnreadable(const std::string &path, int page, const std::string &why);
+
+#endif

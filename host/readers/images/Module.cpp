@@ -1,0 +1,12 @@
+#include "host/readers/ImageModule.h"
+#include "host/readers/images/VipsFile.h"
+
+#define ZEL_MODULE_EXPORT extern "C" __attribute__((visibility("default")))
+
+ZEL_MODULE_EXPORT void ZELStartImageModule() {
+    StartVips();
+}
+
+ZEL_MODULE_EXPORT ImageFile *ZELOpenImageFile(const std::string &path, FileKind kind) {
+    return new VipsFile(path, kind);
+}

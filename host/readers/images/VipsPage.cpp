@@ -1,0 +1,195 @@
+#include "host/readers/images/VipsPage.h"
+
+#include "host/command/ExitStatus.h"
+#include "host/separations/ProfileCheck.h"
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// A chain of libvips operations on one page; the first that fails ends it.
+class Chain {
+public:
+    Chain(const VipsFile &file, int page, VipsImagePtr image)
+        : mFile(file), mPage(page), mImage(std::move(image)) {}
+
+    [[nodiscard]] VipsImage *Get() const { return mImage.get(); }
+    [[nodiscard]] VipsImagePtr Take() { return std::move(mImage); }
+
+    /// operation(in, &out) is a call of libvips.
+    template <typename Operation>
+    void Apply(const Operation &operation) {
+        VipsImage *out = nullptr;
+        if (operation(mImage.get(), &out) != 0) {
+            if (out) g_object_unref(out);
+            mFile.ThrowUnreadable(mPage);
+        }
+        mImage.reset(out);
+    }
+
+    /// The same, but goes on with what it has when the operation is refused.
+    template <typename Operation>
+    bool TryApply(const Operation &operation) {
+        VipsImage *out = nullptr;
+        if (operation(mImage.get(), &out) != 0) {
+            if (out) g_object_unref(out);
+            vips_error_clear();
+            return false;
+        }
+        mImage.reset(out);
+        return true;
+    }
+
+private:
+    const VipsFile &mFile;
+    int mPage;
+    VipsImagePtr mImage;
+};
+
+void MakeUpright(Chain &chain, int orientation, bool turned) {
+    if (orientation != 1)
+        chain.Apply([](VipsImage *in, VipsImage **out) { return vips_autorot(in, out, nullptr); });
+    if (turned)
+        chain.Apply([](VipsImage *in, VipsImage **out) {
+            return vips_rot(in, out, VIPS_ANGLE_D270, nullptr);
+        });
+}
+
+/// Puts the image on white paper, which is full light or no ink.
+void Flatten(Chain &chain) {
+    if (!vips_image_hasalpha(chain.Get())) return;
+    const bool ink = vips_image_guess_interpretation(chain.Get()) == VIPS_INTERPRETATION_CMYK;
+    const VipsBandFormat format = vips_image_get_format(chain.Get());
+    const double white = ink ? 0 : format == VIPS_FORMAT_USHORT ? 65535 : 255;
+    VipsArrayDouble *background = vips_array_double_newv(1, white);
+    chain.Apply([background](VipsImage *in, VipsImage **out) {
+        return vips_flatten(in, out, "background", background, nullptr);
+    });
+    vips_area_unref(VIPS_AREA(background));
+}
+
+void Scale(Chain &chain, const Placement &placement) {
+    if (!placement.IsPixelByPixel()) {
+        const double across = static_cast<double>(placement.width) / placement.cropWidth;
+        const double down = static_cast<double>(placement.height) / placement.cropHeight;
+        chain.Apply([across, down](VipsImage *in, VipsImage **out) {
+            return vips_resize(in, out, across, "vscale", down, nullptr);
+        });
+    } else if (placement.cropWidth != vips_image_get_width(chain.Get()) ||
+               placement.cropHeight != vips_image_get_height(chain.Get())) {
+        chain.Apply([&placement](VipsImage *in, VipsImage **out) {
+            return vips_extract_area(in, out, placement.cropLeft, placement.cropTop,
+                                     placement.cropWidth, placement.cropHeight, nullptr);
+        });
+    }
+}
+
+bool HasForeignProfile(VipsImage *image) {
+    const void *data = nullptr;
+    size_t size = 0;
+    if (vips_image_get_typeof(image, VIPS_META_ICC_NAME) == 0 ||
+        vips_image_get_blob(image, VIPS_META_ICC_NAME, &data, &size) != 0)
+        return false;
+    return !IsNearlySRGB(data, size);
+}
+
+int ToSRGBByProfile(VipsImage *in, VipsImage **out) {
+    // The input profile is what counts when none is embedded, or when the embedded one is unfit.
+    if (vips_image_guess_interpretation(in) == VIPS_INTERPRETATION_CMYK)
+        return vips_icc_transform(in, out, "srgb", "embedded", TRUE, "input_profile", "cmyk",
+                                  "intent", VIPS_INTENT_RELATIVE, nullptr);
+    return vips_icc_transform(in, out, "srgb", "embedded", TRUE, "intent", VIPS_INTENT_RELATIVE,
+                              nullptr);
+}
+
+void ToLight(Chain &chain, PixelKind kind) {
+    const bool byProfile = kind == PixelKind::CMYK || HasForeignProfile(chain.Get());
+    if (byProfile && chain.TryApply(ToSRGBByProfile)) return;
+    const VipsInterpretation wanted =
+        kind == PixelKind::Gray ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB;
+    if (vips_image_guess_interpretation(chain.Get()) == wanted) return;
+    chain.Apply([wanted](VipsImage *in, VipsImage **out) {
+        return vips_colourspace(in, out, wanted, nullptr);
+    });
+}
+
+void ToBytes(Chain &chain) {
+    const VipsBandFormat format = vips_image_get_format(chain.Get());
+    if (format == VIPS_FORMAT_UCHAR) return;
+    if (format == VIPS_FORMAT_USHORT)
+        chain.Apply([](VipsImage *in, VipsImage **out) { return vips_msb(in, out, nullptr); });
+    else
+        chain.Apply([](VipsImage *in, VipsImage **out) {
+            return vips_cast(in, out, VIPS_FORMAT_UCHAR, nullptr);
+        });
+}
+
+/// Drops samples beyond the colours, such as spot inks.
+void KeepBands(Chain &chain, int bands) {
+    if (vips_image_get_bands(chain.Get()) == bands) return;
+    chain.Apply([bands](VipsImage *in, VipsImage **out) {
+        return vips_extract_band(in, out, 0, "n", bands, nullptr);
+    });
+}
+
+void ConvertColours(Chain &chain, PixelKind kind, DocumentPixels target) {
+    if (target == DocumentPixels::CMYK) {
+        ToBytes(chain);
+        KeepBands(chain, 4);
+        return;
+    }
+    ToLight(chain, kind);
+    ToBytes(chain);
+    KeepBands(chain, vips_image_get_bands(chain.Get()) < 3 ? 1 : 3);
+}
+
+/// PDF pages are drawn in the size that they have on the page.
+VipsPage OpenPDFPage(const VipsFile &file, int page, const SourcePage &source, const PageGrid &grid,
+                     bool turned) {
+    ImageSize size = source.size;
+    if (turned) std::swap(size.width, size.height);
+    const Placement wanted = PlaceImage(grid, size);
+    const double scale = std::max(static_cast<double>(wanted.width) / size.width,
+                                  static_cast<double>(wanted.height) / size.height);
+    Chain chain(file, page, file.Load(page, scale, !turned));
+    MakeUpright(chain, 1, turned);
+    Flatten(chain);
+    const int width = vips_image_get_width(chain.Get());
+    const int height = vips_image_get_height(chain.Get());
+    ImageSize drawn = {width, height, grid.dpiX, grid.dpiY};
+    // A row more or less by rounding is no reason to resample.
+    const bool near = std::abs(width - wanted.width) <= 2 && std::abs(height - wanted.height) <= 2;
+    Placement placement = near ? PlaceImage(grid, drawn) : wanted;
+    if (!near) {
+        placement.cropWidth = width;
+        placement.cropHeight = height;
+    }
+    Scale(chain, placement);
+    return {chain.Take(), placement};
+}
+
+} // namespace
+
+VipsPage OpenVipsPage(const VipsFile &file, int page, SourcePage source, const PageGrid &grid,
+                      DocumentPixels target, bool turned) {
+    VipsPage result;
+    if (file.Kind() == FileKind::PDF) {
+        result = OpenPDFPage(file, page, source, grid, turned);
+    } else {
+        if (turned) {
+            std::swap(source.size.width, source.size.height);
+            std::swap(source.size.dpiX, source.size.dpiY);
+        }
+        result.placement = PlaceImage(grid, source.size);
+        const bool inOrder = source.orientation <= 2 && !turned;
+        Chain chain(file, page, file.Load(page, 1.0, inOrder));
+        MakeUpright(chain, source.orientation, turned);
+        Flatten(chain);
+        Scale(chain, result.placement);
+        result.pixels = chain.Take();
+    }
+    Chain chain(file, page, std::move(result.pixels));
+    ConvertColours(chain, source.kind, target);
+    result.pixels = chain.Take();
+    return result;
+}

@@ -1,0 +1,17 @@
+/// One page as a libvips image that the driver's pixels can be packed from.
+#ifndef ZEL_HOST_IMAGES_VIPSPAGE_H
+#define ZEL_HOST_IMAGES_VIPSPAGE_H
+
+#include "host/readers/images/VipsFile.h"
+
+struct VipsPage {
+    VipsImagePtr pixels; ///< upright, in its final size; 8 bits; 1 or 3 bands of light, 4 of ink
+    Placement placement;
+};
+
+/// Page `page` of `file`, which looks like `source`, for a page of the driver's; see
+/// ImageFile::OpenPage. Throws HostError.
+[[nodiscard]] VipsPage OpenVipsPage(const VipsFile &file, int page, SourcePage source,
+                                    const PageGrid &grid, DocumentPixels target, bool turned);
+
+#endif

@@ -1,0 +1,65 @@
+#include "host/readers/images/VipsRows.h"
+
+#include <algorithm>
+#include <mutex>
+
+namespace {
+
+/// Rows read at once: what is packed next is still in the processor's cache.
+constexpr int kStripRows = 32;
+
+struct RegionUnref {
+    void operator()(VipsRegion *region) const { g_object_unref(region); }
+};
+using RegionPtr = std::unique_ptr<VipsRegion, RegionUnref>;
+
+bool Give(VipsRegion *region, const VipsRect &area, const PageRows::Take &take) {
+    return take(VIPS_REGION_ADDR(region, 0, area.top), VIPS_REGION_LSKIP(region), area.height);
+}
+
+/// Who takes what libvips gives. libvips calls from one of its threads after the other, never from
+/// two at once; the lock, which is always free, lets the thread sanitizer know the order too.
+struct Sink {
+    const PageRows::Take &take;
+    std::mutex mutex;
+};
+
+int GiveFromSink(VipsRegion *region, VipsRect *area, void *argument) {
+    auto *sink = static_cast<Sink *>(argument);
+    const std::lock_guard lock(sink->mutex);
+    return Give(region, *area, sink->take) ? 0 : -1;
+}
+
+} // namespace
+
+VipsRows::VipsRows(std::string path, int page, VipsImagePtr image, bool straight)
+    : PageRows(vips_image_get_width(image.get()), vips_image_get_height(image.get()),
+               vips_image_get_bands(image.get())),
+      mPath(std::move(path)), mPage(page), mImage(std::move(image)), mStraight(straight) {}
+
+void VipsRows::Stop() {
+    mStopped = true;
+    vips_image_set_kill(mImage.get(), TRUE);
+}
+
+void VipsRows::Read(const Take &take) {
+    const bool whole = mStraight ? ReadStraight(take) : ReadScaled(take);
+    vips_thread_shutdown();
+    if (!whole && !mStopped) ThrowUnreadable(mPath, mPage, TakeVipsError());
+}
+
+bool VipsRows::ReadStraight(const Take &take) {
+    const RegionPtr region(vips_region_new(mImage.get()));
+    for (int top = 0; top < Height(); top += kStripRows) {
+        const VipsRect area = {0, top, Width(), std::min(kStripRows, Height() - top)};
+        if (vips_region_prepare(region.get(), &area) != 0) return false;
+        if (!Give(region.get(), area, take)) return true;
+    }
+    return true;
+}
+
+/// libvips computes the strips with all processors, and gives them in their order.
+bool VipsRows::ReadScaled(const Take &take) {
+    Sink sink{take, {}};
+    return vips_sink_disc(mImage.get(), GiveFromSink, &sink) == 0;
+}

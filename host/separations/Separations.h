@@ -1,0 +1,18 @@
+/// CMYK separations by name.
+#ifndef ZEL_HOST_SEPARATIONS_H
+#define ZEL_HOST_SEPARATIONS_H
+
+#include "host/driver/Driver.h"
+#include <string>
+#include <vector>
+
+/// What the driver offers, "Standard" first.
+[[nodiscard]] std::vector<std::string> SeparationNames(const DriverBundle &bundle);
+
+/// Throws HostError (Input) that lists the choices when the driver does not offer `name`.
+void CheckSeparation(const DriverBundle &bundle, const std::string &name);
+
+/// Why the driver could not load the separation profile `name`, as far as the file tells.
+[[nodiscard]] std::string SeparationProblem(const std::string &name);
+
+#endif

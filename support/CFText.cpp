@@ -1,0 +1,13 @@
+#include "support/CFText.h"
+
+#include <cstring>
+
+std::optional<std::string> UTF8Text(CFStringRef string) {
+    if (!string) return std::nullopt;
+    const CFIndex size =
+        CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
+    std::string text(static_cast<size_t>(size), '\0');
+    if (!CFStringGetCString(string, text.data(), size, kCFStringEncodingUTF8)) return std::nullopt;
+    text.resize(strlen(text.c_str()));
+    return text;
+}
