@@ -1,13 +1,14 @@
-#!/bin/sh
-# test.sh [PRESET]: builds everything and runs every test. Presets: ci (the default: release with warnings
-# as errors and clang-tidy), release, debug, asan, tsan. Needs no display and no print server: the tests
+#!/bin/bash
+# test.sh [PRESET [CTEST_OPTION...]]: builds everything and runs every test. Presets: ci (the default: release
+# with warnings as errors and clang-tidy), debug, asan, tsan. Needs no display and no print server: the tests
 # start their own. Pictures and files that tests leave to look at are in build/PRESET/test-output.
-set -eu
-cd "$(dirname "$0")/.."
+source "$(dirname "$0")/common.sh"
 preset=${1:-ci}
+[ $# -eq 0 ] || shift
+need_build_folder build
 scripts/install-packages.sh build test
+ctest --list-presets | grep -qF "\"$preset\"" || fail "there are no tests in the preset '$preset', but in these: $(ctest --list-presets | grep -oE '"[^"]+"' | tr -d '"\n' ' ')"
 if [ "$preset" = ci ]; then scripts/check-format.sh; fi
 scripts/build.sh "$preset"
 echo "== Testing"
-exec ctest --test-dir "build/$preset" --output-on-failure --parallel "$(nproc)" \
-    --no-tests=error --no-label-summary
+exec ctest --preset "$preset" --parallel "$(nproc)" "$@"
