@@ -32,4 +32,10 @@ ZEL_EXPORT int32_t ZELPrSetPrinter(DriverContext *context, CFURLRef ppd, CFStrin
 /// chosen.
 ZEL_EXPORT void ZELPrSetSendToPrintQueue(DriverContext *context, Boolean send);
 
+/// How many bytes the driver has made of the document that was closed last, in all its files
+/// together; 0 before there was one. ZELPrCloseDoc reports success even when the system took less
+/// than it was given: files that are shorter than this have lost something, the last bytes or some
+/// in the middle.
+ZEL_EXPORT uint64_t ZELPrDocumentLength(DriverContext *context);
+
 #endif

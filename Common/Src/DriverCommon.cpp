@@ -180,9 +180,10 @@ int32_t ZELPrClosePage(DriverContext *context) {
 }
 
 int32_t ZELPrCloseDoc(DriverContext *context) {
+    context->documentLength = 0;
     CallWithDocument(context, [context](PageOutputSession *session) {
         context->mPageOutputSession = nullptr; // freed by the call, whatever its result
-        return CloseDocument(session);
+        return CloseDocument(session, &context->documentLength);
     });
     KillOpenDocument(context);
     return context->error;

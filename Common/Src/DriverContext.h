@@ -46,6 +46,7 @@ struct DriverContext {
     Handle record = nullptr;
     /// Set by ZELPrSetSendToPrintQueue; otherwise the user's preference holds.
     std::optional<bool> sendToPrintQueue;
+    uint64_t documentLength = 0; ///< of the document closed last: see ZELPrDocumentLength
 };
 
 /// Latches a result other than 0 unless the session has ended already; returns the latched error.

@@ -49,3 +49,7 @@ int32_t ZELPrSetPrinter(DriverContext *context, CFURLRef ppd, CFStringRef *messa
 void ZELPrSetSendToPrintQueue(DriverContext *context, Boolean send) {
     context->sendToPrintQueue = send != 0;
 }
+
+uint64_t ZELPrDocumentLength(DriverContext *context) {
+    return context->documentLength;
+}

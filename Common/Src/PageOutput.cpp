@@ -3,6 +3,7 @@
 #include "Common/Src/PageOutput.h"
 
 #include "Common/Src/BandScaler.h"
+#include "Common/Src/postscript/PostscriptWriter.h"
 #include "Common/Src/postscript/RowConversion.h"
 #include <cassert>
 #include <cstdio>
@@ -166,9 +167,11 @@ int16_t ClosePage(PageOutputSession *self) {
 
 void KillPage(PageOutputSession *) {}
 
-int16_t CloseDocument(PageOutputSession *self) {
+int16_t CloseDocument(PageOutputSession *self, uint64_t *length) {
     // Hosts judge a finished file by looking at it, so there is nobody to tell the result.
-    (void)Output_Close(std::exchange(self->output, nullptr));
+    uint64_t made = 0;
+    (void)Output_CloseAndMeasure(std::exchange(self->output, nullptr), made);
+    if (length) *length = made;
     delete self;
     return kZELNoError;
 }

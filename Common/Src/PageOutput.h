@@ -25,8 +25,9 @@ int16_t PrintBits(PageOutputSession *self, const ZELBand *band, const ZELRect *s
 int16_t ClosePage(PageOutputSession *self);
 void KillPage(PageOutputSession *self);
 
-/// Ends the document and frees the session. Always 0: hosts find a failed file by looking at it.
-int16_t CloseDocument(PageOutputSession *self);
+/// Ends the document and frees the session; `*length`, if asked for, becomes how long its files are
+/// together when nothing was lost. Always 0: hosts find a failed file by looking at it.
+int16_t CloseDocument(PageOutputSession *self, uint64_t *length = nullptr);
 
 /// Throws the document away and frees the session.
 void KillDocument(PageOutputSession *self);

@@ -27,7 +27,8 @@
     X(ZELPrCopySeparationNames)                                                                    \
     X(ZELPrCopySeparationsFolder)                                                                  \
     X(ZELPrSetPrinter)                                                                             \
-    X(ZELPrSetSendToPrintQueue)
+    X(ZELPrSetSendToPrintQueue)                                                                    \
+    X(ZELPrDocumentLength)
 
 /// The bundle's functions under their own names. A function that this bundle lacks is null.
 struct DriverFunctions {

@@ -315,7 +315,8 @@ void JobSetup::PlanDestination() {
     if (mPlan.queue && mPlan.eps)
         throw HostError(ExitStatus::Usage,
                         "an EPS file is no print job; leave out --queue or --eps");
-    ZEL_CALL(mBundle, ZELPrSetSendToPrintQueue)(mSession.Context(), mPlan.queue);
+    // Only a document that has been checked goes to the queue, so the driver must not send it.
+    ZEL_CALL(mBundle, ZELPrSetSendToPrintQueue)(mSession.Context(), false);
     if (mPlan.folder.empty() && mPlan.queue) mPlan.folder = FolderForQueue();
     if (mPlan.folder.empty())
         throw HostError(ExitStatus::Usage, "there is no saved hot folder; say where the document "

@@ -2,6 +2,7 @@
 
 #include "host/command/Progress.h"
 #include "host/job/Cancellation.h"
+#include "host/job/PrintQueue.h"
 #include "host/readers/RowReader.h"
 #include "host/separations/Separations.h"
 #include <algorithm>
@@ -56,6 +57,11 @@ public:
             throw;
         }
         Check(mDriver.ZELPrCloseDoc(mContext));
+    }
+
+    /// Bytes that the driver has made of the document.
+    [[nodiscard]] uint64_t Length() const {
+        return ZEL_CALL(mSetup.Session().Bundle(), ZELPrDocumentLength)(mContext);
     }
 
 private:
@@ -124,7 +130,6 @@ private:
     Progress mProgress;
 };
 
-/// A file that stays readable when the print queue has taken its name away.
 class OpenFile {
 public:
     explicit OpenFile(const std::string &path)
@@ -140,17 +145,25 @@ private:
     int mDescriptor;
 };
 
-void CheckDocument(const JobPlan &plan, int fd, int pages) {
+void ThrowNotWhole(const JobPlan &plan, const std::string &problem) {
+    throw HostError(ExitStatus::Output, "the document in " + plan.folder +
+                                            " was not written whole (" + problem +
+                                            "); make room there and print again");
+}
+
+/// Returns the size of the file.
+uint64_t CheckDocument(const JobPlan &plan, int fd, int pages) {
     // The driver reports success even when its last write failed.
     const std::string problem =
         CheckFinishedFile(fd, plan.LeastFileSize(pages), plan.MostFileSize(pages));
-    if (!problem.empty())
-        throw HostError(ExitStatus::Output, "the document in " + plan.folder +
-                                                " was not written whole (" + problem +
-                                                "); make room there and print again");
+    if (!problem.empty()) ThrowNotWhole(plan, problem);
+    return static_cast<uint64_t>(lseek(fd, 0, SEEK_END));
 }
 
-void CheckFiles(const JobPlan &plan, const OutputStaging &staging) {
+/// Every file has to be there, to end as it must, and to be as long as what the driver made: when
+/// the system takes only a part of a write, which the driver does not notice, bytes are missing in
+/// the middle.
+void CheckFiles(const JobPlan &plan, const OutputStaging &staging, uint64_t made) {
     const std::vector<std::string> files = staging.Files();
     const size_t wanted = plan.eps ? static_cast<size_t>(plan.TotalPages()) : 1;
     // A file whose last writes failed is deleted by the driver, which still reports success.
@@ -159,9 +172,13 @@ void CheckFiles(const JobPlan &plan, const OutputStaging &staging) {
                                                 std::to_string(wanted) +
                                                 " files could be written whole in " + plan.folder +
                                                 "; make room there and print again");
+    uint64_t size = 0;
     for (const std::string &name : files)
-        CheckDocument(plan, OpenFile(staging.Folder() + "/" + name).Get(),
-                      plan.eps ? 1 : plan.TotalPages());
+        size += CheckDocument(plan, OpenFile(staging.Folder() + "/" + name).Get(),
+                              plan.eps ? 1 : plan.TotalPages());
+    if (size != made)
+        ThrowNotWhole(plan,
+                      std::to_string(size) + " of " + std::to_string(made) + " bytes arrived");
 }
 
 } // namespace
@@ -174,16 +191,11 @@ JobResult PrintJob(const JobSetup &setup, int bandHeight, bool quiet) {
     SetOutputFolder(setup.Session(), setup.RecordInHandle(), staging.Folder());
     DocumentWriter writer(setup, bandHeight, quiet);
     writer.Open();
-    const std::vector<std::string> opened = staging.Files();
-    const OpenFile document(opened.empty() ? "" : staging.Folder() + "/" + opened[0]);
     writer.PrintPages();
+    CheckFiles(plan, staging, writer.Length());
     JobResult result;
-    result.queued = plan.queue && staging.Files().empty();
-    if (result.queued) {
-        CheckDocument(plan, document.Get(), plan.TotalPages());
-        return result;
-    }
-    CheckFiles(plan, staging);
+    result.queued = plan.queue && HandToPrintQueue(staging.Folder() + "/" + staging.Files()[0]);
+    if (result.queued) return result;
     // A name that is not made from the title was chosen in the print dialog's save panel, which has
     // asked whether it may replace a file.
     const std::string staged = staging.Files()[0];

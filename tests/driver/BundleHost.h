@@ -17,6 +17,7 @@ struct DriverFunctions {
     X(ZELPrClosePage)                                                                              \
     X(ZELPrCopyJobSettings)                                                                        \
     X(ZELPrDefaults)                                                                               \
+    X(ZELPrDocumentLength)                                                                         \
     X(ZELPrErrorString)                                                                            \
     X(ZELPrGetInfo)                                                                                \
     X(ZELPrJob)                                                                                    \

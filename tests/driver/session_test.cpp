@@ -73,6 +73,32 @@ TEST_F(SessionTest, Print_BuiltInPrinter_WritesOneDocument) {
     EXPECT_EQ(document.substr(document.size() - 6), "%%EOF\n");
 }
 
+TEST_F(SessionTest, DocumentLength_IsThatOfTheFiles) {
+    EXPECT_EQ(Driver().ZELPrDocumentLength(session.Get()), 0U);
+    PrintDocument();
+    EXPECT_EQ(Driver().ZELPrDocumentLength(session.Get()),
+              std::filesystem::file_size(folder.Path() / "Untitled.ps"));
+}
+
+TEST_F(SessionTest, DocumentLength_CountsAllFilesOfAnEPSDocument) {
+    record.Record().mEPSFormat_be = SwapBigEndian(uint32_t{1});
+    ASSERT_EQ(OpenDoc(), 0);
+    for (const uint8_t sample : {uint8_t{0}, uint8_t{128}})
+        ASSERT_EQ(session.PrintPage(kWidth, kHeight, 32, sample), 0);
+    ASSERT_EQ(Driver().ZELPrCloseDoc(session.Get()), 0);
+    EXPECT_EQ(Driver().ZELPrDocumentLength(session.Get()),
+              std::filesystem::file_size(folder.Path() / "Untitled.eps") +
+                  std::filesystem::file_size(folder.Path() / "Untitled_p02.eps"));
+}
+
+TEST_F(SessionTest, DocumentLength_OfADocumentThrownAwayIsZero) {
+    PrintDocument();
+    ASSERT_EQ(OpenDoc(), 0);
+    Driver().ZELPrSetError(session.Get(), 1);
+    (void)Driver().ZELPrCloseDoc(session.Get());
+    EXPECT_EQ(Driver().ZELPrDocumentLength(session.Get()), 0U);
+}
+
 TEST_F(SessionTest, Open_NoName_DocumentIsUntitled) {
     PrintDocument();
     EXPECT_THAT(folder.Names(), ElementsAre("Untitled.ps"));

@@ -1,6 +1,6 @@
 #!/bin/sh
-# print-queue.sh up|down|no-lpr ZELPRINT PICTURE: prints through the default print queue, and what becomes
-# of the document when there is none. "up" runs under run-cups.sh.
+# print-queue.sh up|down|no-lpr ZELPRINT PICTURE [FAULTS]: prints through the default print queue, and what becomes
+# of the document when there is none. "up" runs under run-cups.sh; FAULTS is what FaultyFiles.cpp builds.
 set -eu
 state=$1 zelprint=$2 picture=$3
 fail() {
@@ -50,6 +50,17 @@ for job in 1 2; do
     done
     sed 's/^%%CreationDate: .*/%%CreationDate:/' hot/Document.ps >expected
     sed 's/^%%CreationDate: .*/%%CreationDate:/' "$ZEL_QUEUE/$job" | cmp - expected || fail "the printed bytes differ"
+done
+
+# A document that lost bytes on its way to the disk, its end or some in the middle, is no job for a printer.
+size=$(wc -c <hot/Document.ps)
+for at in 100000 $((size - 3)); do
+    status=0
+    LD_PRELOAD=$4 ZEL_FAULT=short-write ZEL_FAULT_PATH=/Document.ps ZEL_FAULT_AT=$at ASAN_OPTIONS=verify_asan_link_order=0 \
+        "$zelprint" --quiet --hot-folder queued -t Document --queue "$picture" >messages 2>&1 || status=$?
+    [ "$status" -eq 3 ] || fail "exit status $status instead of 3 for a document without byte $at"
+    [ -z "$(ls -A queued)" ] || fail "files are left: $(ls -A queued)"
+    [ "$(lpstat -W all -o | wc -l)" -eq 2 ] || fail "the queue got a document without byte $at"
 done
 
 # The scheduler goes down between two jobs.

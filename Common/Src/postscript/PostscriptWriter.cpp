@@ -84,7 +84,9 @@ int16_t StartStream(OutputPrivate &output) {
 /// Ends the stream. A file whose data did not arrive stays open, for Output_Kill to delete.
 int16_t CloseFile(OutputPrivate &output) {
     output.encoder.reset();
-    const int16_t error = DisposeWbuffer(std::exchange(output.writeBuffer, nullptr));
+    int64_t end = 0;
+    const int16_t error = DisposeWbuffer(std::exchange(output.writeBuffer, nullptr), &end);
+    output.length += static_cast<uint64_t>(end);
     if (error != kZELNoError) return error;
     close(std::exchange(output.fd, -1));
     return kZELNoError;
@@ -242,6 +244,12 @@ int16_t Output_WriteBlankLine(OutputPrivate *output) {
 }
 
 int16_t Output_Close(OutputPrivate *output) {
+    uint64_t length = 0;
+    return Output_CloseAndMeasure(output, length);
+}
+
+int16_t Output_CloseAndMeasure(OutputPrivate *output, uint64_t &length) {
+    length = 0;
     if (!output) return kZELBadParameter;
     if (output->pageCount < 1) {
         // Nothing was printed, so nothing is left behind; what was written only ends the stream.
@@ -250,6 +258,7 @@ int16_t Output_Close(OutputPrivate *output) {
         return error;
     }
     int16_t error = Guarded([&] { return EndDocument(*output); });
+    length = output->length;
     if (error != kZELNoError) {
         Output_Kill(output);
         return error;

@@ -24,6 +24,7 @@ struct OutputPrivate {
     DocumentLayout layout;
     bool sendToPrinter = false;
     uint64_t rowBytes = 0; ///< bytes of image data in a row
+    uint64_t length = 0;   ///< bytes of the files that were closed
     Writebuffer *writeBuffer = nullptr;
     std::unique_ptr<OutputStreamEncoder> encoder;
     std::string textBuffer; ///< text on its way to the Writebuffer; grows as needed
@@ -36,3 +37,7 @@ struct OutputPrivate {
     CFRef<CFStringRef> baseName; ///< of the EPS files
     CFRef<CFStringRef> title;
 };
+
+/// Output_Close that tells how long the files of the document, closed or failed, are together when
+/// no write was short.
+[[nodiscard]] int16_t Output_CloseAndMeasure(OutputPrivate *output, uint64_t &length);

@@ -165,12 +165,13 @@ int16_t WBAccept(Writebuffer *wb, uint64_t count) {
     return LatchedError(wb);
 }
 
-int16_t DisposeWbuffer(Writebuffer *wb) {
+int16_t DisposeWbuffer(Writebuffer *wb, int64_t *position) {
     const std::unique_ptr<Writebuffer> owner(wb);
     (void)WBFlushCurrent(wb); // the error is read once the thread has ended
     QueuePush(&wb->fullQueue, nullptr);
     FreeBuffers(wb, wb->bufferCount);
     (void)pthread_join(wb->thread, nullptr);
+    if (position != nullptr) *position = wb->position;
     QueueDestroy(&wb->freeQueue);
     QueueDestroy(&wb->fullQueue);
     return LatchedError(wb);

@@ -65,9 +65,9 @@ struct WBRoom {
 /// take another one from `freeQueue`. Returns the latched error.
 [[nodiscard]] int16_t WBFlushCurrent(Writebuffer *wb);
 
-/// Writes what is left, ends the thread and frees everything but the descriptor. Returns the
-/// latched error.
-[[nodiscard]] int16_t DisposeWbuffer(Writebuffer *wb);
+/// Writes what is left, ends the thread and frees everything but the descriptor. `*position`, if
+/// asked for, becomes where the file ends when no write was short. Returns the latched error.
+[[nodiscard]] int16_t DisposeWbuffer(Writebuffer *wb, int64_t *position = nullptr);
 
 /// The body of the writer thread; `argument` is the Writebuffer. Ends at a null item.
 void *WBWriterThread(void *argument);
