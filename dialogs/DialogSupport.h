@@ -28,11 +28,8 @@ void ReleaseLoadedWindow(NSWindow *window);
 /// Ends the running modal session, also when called outside event handling.
 void StopModalAndWake(void);
 
-/// Inserts an item without removing an existing one of the same title (NSPopUpButton would). Call
-/// FitPopUp when the last one is in.
+/// Inserts an item without removing an existing one of the same title (NSPopUpButton would).
 NSMenuItem *InsertPopUpItem(NSPopUpButton *popup, NSString *title, NSInteger tag, NSInteger index);
-
-void FitPopUp(NSPopUpButton *popup);
 
 /// Shows a text that may be too long for its field: its middle gives way, and a tool tip has it
 /// all.

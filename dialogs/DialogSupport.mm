@@ -100,8 +100,6 @@ NSMenuItem *InsertPopUpItem(NSPopUpButton *popup, NSString *title, NSInteger tag
     return item;
 }
 
-void FitPopUp(NSPopUpButton *popup) { FitToolkitMenu([popup menu]); }
-
 /// `text` with its middle `cut` characters replaced by an ellipsis.
 static NSString *WithoutMiddle(NSString *text, NSUInteger cut) {
     const NSUInteger kept = [text length] - cut, head = kept / 2;

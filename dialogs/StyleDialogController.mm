@@ -205,7 +205,6 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     for (int i = 1; i < _setup->SeparationCount(); ++i)
         InsertPopUpItem(_cmykMenu, (NSString *)_setup->SeparationNameAt(i), i,
                         [_cmykMenu numberOfItems]);
-    FitPopUp(_cmykMenu);
 }
 
 - (void)selectCMYKByName:(NSString *)name {
@@ -262,7 +261,6 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
         InsertPopUpItem(_pagesMenu, TextFromPPD(title), index, index);
         ++index;
     }
-    FitPopUp(_pagesMenu);
     [_pagesMenu synchronizeTitleAndSelectedItem];
     const NSInteger custom = [_pagesMenu indexOfItemWithTag:PageSetup::kCustomPageTag];
     if (custom >= 0) [[_pagesMenu itemAtIndex:custom] setEnabled:[self canUseCustomPageSizes]];
@@ -286,7 +284,6 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
         [self addResolution:title tag:index++];
     [_resolutionMenu selectItemWithTag:_setup->SyncResolution()];
     [_resolutionMenu synchronizeTitleAndSelectedItem];
-    FitPopUp(_resolutionMenu);
     ReportPPDError(error);
 }
 

@@ -1,9 +1,9 @@
 #import "dialogs/Toolkit.h"
 
 #import "dialogs/DialogSupport.h"
+#import "dialogs/gnustep/PopUpMenu.h"
 
 #include <cstdlib>
-#include <objc/runtime.h>
 
 #import <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
@@ -195,23 +195,6 @@ BOOL EnsureApplication(void) {
 
 enum { kHeadingTag = 1 };
 
-/// The theme draws a long title across the arrow and beyond the button. No instance variables:
-/// cells that an interface file has made become cells of this class.
-@interface ZELPopUpCell : NSPopUpButtonCell
-@end
-
-@implementation ZELPopUpCell
-- (void)drawTitleWithFrame:(NSRect)frame inView:(NSView *)view {
-    constexpr CGFloat kArrow = 22;
-    const NSRect bounds = [view bounds];
-    [NSGraphicsContext saveGraphicsState];
-    NSRectClip(
-        NSMakeRect(NSMinX(bounds), NSMinY(bounds), NSWidth(bounds) - kArrow, NSHeight(bounds)));
-    [super drawTitleWithFrame:frame inView:view];
-    [NSGraphicsContext restoreGraphicsState];
-}
-@end
-
 typedef void (*MarkDrawing)(BOOL isOn);
 
 /// The theme tells a selected radio button by shades of grey that a light palette does not have.
@@ -286,19 +269,8 @@ static void PrepareButton(NSButton *button) {
         PreparePushButton(button);
 }
 
-void FitToolkitMenu(NSMenu *menu) {
-    // Items from an interface file leave room for a check mark, others do not: all alike.
-    NSMenuView *list = [menu menuRepresentation];
-    for (NSInteger i = 0; i < [menu numberOfItems]; ++i) {
-        [[menu itemAtIndex:i] setChangesState:NO];
-        [[list menuItemCellForItemAtIndex:i] setNeedsSizing:YES];
-    }
-    [list sizeToFit];
-}
-
 static void PreparePopUp(NSPopUpButton *popup) {
-    if ([[popup cell] isMemberOfClass:[NSPopUpButtonCell class]])
-        object_setClass([popup cell], [ZELPopUpCell class]);
+    UseMenuList(popup);
     // The cell keeps an unretained selected item and changes its state while it is deallocated,
     // after the menu has gone; without state changes that cannot happen, and no check mark is
     // drawn.
@@ -307,7 +279,6 @@ static void PreparePopUp(NSPopUpButton *popup) {
     [popup setFrame:NSInsetRect([popup frame], 3, 1)];
     for (NSMenuItem *item in [popup itemArray])
         [item setState:NSOffState];
-    FitToolkitMenu([popup menu]);
 }
 
 /// Labels come out editable, and an interface file's bold system font is read as the plain one:

@@ -9,6 +9,4 @@ BOOL EnsureApplication(void) {
 
 void PrepareToolkitView(NSView *) {}
 
-void FitToolkitMenu(NSMenu *) {}
-
 void SoundToolkitBeep(void) { NSBeep(); }

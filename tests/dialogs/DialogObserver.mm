@@ -155,14 +155,26 @@
     return outlets;
 }
 
+// handle, place on the screen from the top left, size, height in points.
+- (void)writeMenuWindow:(NSWindow *)window height:(CGFloat)height {
+    const NSRect frame = [window frame], screen = [[window screen] frame];
+    fprintf(_file, "menu\t%lu\t%d\t%d\t%d\t%d %d\n", [self handleOf:window], (int)NSMinX(frame),
+            (int)(NSMaxY(screen) - NSMaxY(frame)), (int)height, (int)NSWidth(frame),
+            (int)NSHeight(frame));
+}
+
 - (void)writeOpenMenuOf:(NSView *)view {
     for (NSView *sub in [view subviews]) {
         [self writeOpenMenuOf:sub];
         if (![sub isKindOfClass:[NSPopUpButton class]]) continue;
         NSMenuView *list = [[(NSPopUpButton *)sub menu] menuRepresentation];
         if (![[list window] isVisible]) continue;
-        fprintf(_file, "menu\t%lu\t0\t0\t1\t\n", [self handleOf:[list window]]);
-        for (NSInteger i = 0; i < [[(NSPopUpButton *)sub menu] numberOfItems]; ++i) {
+        [self writeMenuWindow:[list window] height:NSHeight([list bounds])];
+        const NSInteger count = [[(NSPopUpButton *)sub menu] numberOfItems];
+        for (NSInteger i = 0; i < count; ++i) {
+            // All of them would be more than can be read twenty times a second.
+            if (count > 1000 && !NSIntersectsRect([list rectOfItemAtIndex:i], [list bounds]))
+                continue;
             NSMenuItem *item = [[(NSPopUpButton *)sub menu] itemAtIndex:i];
             [self write:"item"
                    name:[NSString stringWithFormat:@"%ld", (long)[item tag]]

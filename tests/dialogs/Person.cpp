@@ -52,6 +52,14 @@ std::vector<std::string> Fields(const std::string &line) {
     return fields;
 }
 
+void AddMenu(Screen &screen, const std::vector<std::string> &f) {
+    screen.menuHandle = f[1];
+    screen.menuX = std::atoi(f[2].c_str());
+    screen.menuY = std::atoi(f[3].c_str());
+    screen.menuRoom = std::atoi(f[4].c_str());
+    std::istringstream(f[5]) >> screen.menuWidth >> screen.menuHeight;
+}
+
 void AddLine(Screen &screen, const std::vector<std::string> &f) {
     const Screen::Control control = {std::atoi(f[2].c_str()), std::atoi(f[3].c_str()), f[4] == "1",
                                      f[5]};
@@ -67,7 +75,7 @@ void AddLine(Screen &screen, const std::vector<std::string> &f) {
     }
     if (f[0] == "responder") screen.focus = f[1];
     if (f[0] == "item") screen.items[f[1]] = control;
-    if (f[0] == "menu") screen.menuHandle = f[1];
+    if (f[0] == "menu") AddMenu(screen, f);
     if (f[0] == "text") screen.texts += f[5] + "\n";
     if (f[0] == "focus") {
         screen.focus = f[1];
@@ -87,6 +95,17 @@ std::string HighlightedItem(const Screen &screen) {
     const auto found = std::find_if(screen.items.begin(), screen.items.end(),
                                     [](const auto &item) { return item.second.value == "1"; });
     return found == screen.items.end() ? "" : found->first;
+}
+
+int YOfItem(const Screen &screen, const std::string &tag) {
+    const auto found = screen.items.find(tag);
+    return found == screen.items.end() ? -1 : found->second.y;
+}
+
+bool IsWholeMenuSeen(const Screen &screen) {
+    return std::all_of(screen.items.begin(), screen.items.end(), [&](const auto &item) {
+        return 0 < item.second.y && item.second.y < screen.menuRoom;
+    });
 }
 
 } // namespace
@@ -219,24 +238,45 @@ void Person::Toggle(const std::string &checkBox) {
           [&](const Screen &screen) { return screen.controls.at(checkBox).value != before; });
 }
 
-void Person::MoveToItem(const std::string &tag) const {
-    // By what is highlighted, as the eye does it: the menu may not follow the pointer yet when it
-    // has just come up, and one that is longer than the screen scrolls with the pointer at the
-    // edge.
-    const auto end = Clock::now() + kPatience / 2;
-    for (bool isFirst = true; Clock::now() < end; isFirst = false) {
+void Person::Hold(const std::string &control, std::chrono::milliseconds time) {
+    const Screen screen = WaitFor(control, [&](const Screen &s) { return Has(s, control); });
+    MoveTo(screen.handle, screen.controls.at(control));
+    Run({"xdotool", "mousedown", "1"});
+    std::this_thread::sleep_for(time);
+    Run({"xdotool", "mouseup", "1"});
+}
+
+void Person::OpenMenu(const std::string &popup) {
+    Click(popup, [](const Screen &screen) { return !screen.menuHandle.empty(); });
+}
+
+void Person::Wheel(int notches) {
+    for (int i = 0; i < std::abs(notches); ++i)
+        Run({"xdotool", "click", notches > 0 ? "5" : "4"});
+}
+
+void Person::WheelTo(const std::string &tag) {
+    constexpr int kStrip = 30; // at both ends of a menu that is longer than the screen
+    const auto end = Clock::now() + kPatience;
+    while (Clock::now() < end) {
         const Screen screen = Look();
         const auto wanted = screen.items.find(tag);
-        const std::string current = HighlightedItem(screen);
-        if (wanted == screen.items.end() || current == tag) return;
-        if (isFirst || current.empty())
-            MoveTo(screen.menuHandle, wanted->second);
-        else
-            Run({"xdotool", "mousemove_relative", "--", "1",
-                 std::to_string(wanted->second.y - screen.items.at(current).y)});
-        // A slow program must have followed before the eye can judge again.
-        ComesTrue([&](const Screen &s) { return HighlightedItem(s) != current; }, 1s);
+        if (wanted == screen.items.end() || IsWholeMenuSeen(screen)) return;
+        const int y = wanted->second.y;
+        if (kStrip < y && y < screen.menuRoom - kStrip) return;
+        Wheel(y <= kStrip ? -1 : 1);
+        const bool hasScrolled =
+            ComesTrue([&](const Screen &s) { return YOfItem(s, tag) != y; }, 1s);
+        if (!hasScrolled) return; // an end of the menu
     }
+}
+
+void Person::MoveToItem(const std::string &tag) {
+    const Screen screen = Look();
+    const auto wanted = screen.items.find(tag);
+    if (wanted == screen.items.end()) return;
+    MoveTo(screen.menuHandle, wanted->second);
+    ComesTrue([&](const Screen &s) { return HighlightedItem(s) == tag; }, kEffect);
 }
 
 void Person::Choose(const std::string &popup, int tag) {
@@ -250,15 +290,23 @@ void Person::Choose(const std::string &popup, int tag) {
     Repeat(
         "choose " + wanted + " in " + popup,
         [&] {
-            Screen screen = Look();
-            MoveTo(screen.handle, screen.controls[popup]);
+            if (Look().menuHandle.empty()) OpenMenu(popup);
+            WheelTo(wanted);
+            MoveToItem(wanted);
             Run({"xdotool", "mousedown", "1"});
-            const bool isOpen =
-                ComesTrue([&](const Screen &s) { return s.items.count(wanted) != 0; }, kEffect);
-            if (isOpen) MoveToItem(wanted);
             Run({"xdotool", "mouseup", "1"});
         },
         chosen);
+}
+
+void Person::Drag(const std::string &popup, int tag) {
+    const Screen screen = WaitFor(popup, [&](const Screen &s) { return Has(s, popup); });
+    MoveTo(screen.handle, screen.controls.at(popup));
+    Run({"xdotool", "mousedown", "1"});
+    WaitFor("an open menu", [](const Screen &s) { return !s.menuHandle.empty(); });
+    MoveToItem(std::to_string(tag));
+    Run({"xdotool", "mouseup", "1"});
+    WaitFor("a closed menu", [](const Screen &s) { return s.menuHandle.empty(); });
 }
 
 void Person::Type(const std::string &field, const std::string &text) {

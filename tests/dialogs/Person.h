@@ -20,7 +20,9 @@ struct Screen {
     };
     std::string kind; ///< "dialog", "alert", "panel" or empty: no window
     std::string handle, title, texts, menuHandle;
-    bool isKey = false;                      ///< has the keyboard
+    int menuX = 0, menuY = 0, menuWidth = 0, menuHeight = 0; ///< of the open menu, on the screen
+    int menuRoom = 0;   ///< its height as its items are measured: those beyond are not seen
+    bool isKey = false; ///< has the keyboard
     std::map<std::string, Control> controls; ///< by outlet, or by title
     std::map<std::string, Control> items;    ///< of the open pop-up menu, by tag
     std::string focus;                       ///< the control that keys go to
@@ -60,8 +62,16 @@ public:
     /// Clicks a control that closes or opens a window of another kind ("" for the end of the host).
     void ClickTo(const std::string &control, const std::string &kind);
     void Toggle(const std::string &checkBox);
-    /// Opens a pop-up menu, moves to the item of that tag and lets go.
+    /// Presses the mouse button on a control and lets it go after that time, without moving.
+    void Hold(const std::string &control, std::chrono::milliseconds time);
+    /// Clicks a pop-up, so that its menu is open.
+    void OpenMenu(const std::string &popup);
+    /// Clicks a pop-up, turns the wheel until the item of that tag is seen, and clicks that.
     void Choose(const std::string &popup, int tag);
+    /// Presses the button on a pop-up, moves to the item of that tag and lets go there.
+    void Drag(const std::string &popup, int tag);
+    /// Turns the wheel by notches; down when positive.
+    void Wheel(int notches);
     /// Clicks into a field, takes its text away and types another.
     void Type(const std::string &field, const std::string &text);
     void Press(const std::string &key);
@@ -75,7 +85,8 @@ public:
 
 private:
     void MoveTo(const std::string &handle, const Screen::Control &control) const;
-    void MoveToItem(const std::string &tag) const;
+    void MoveToItem(const std::string &tag);
+    void WheelTo(const std::string &tag);
     bool ComesTrue(const std::function<bool(const Screen &)> &effect,
                    std::chrono::milliseconds patience) const;
     void Repeat(const std::string &what, const std::function<void()> &action,

@@ -37,6 +37,16 @@ std::string PPDText(const PPDOptions &options) {
     return text + options.extra;
 }
 
+std::string ManyPages(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        const std::string n = std::to_string(1000 + i);
+        text.append("*PageSize P").append(n).append("/Page number ").append(n);
+        text.append(": \"\"\n*ImageableArea P").append(n).append(": \"0 0 200 500\"\n");
+    }
+    return text;
+}
+
 std::string WriteFile(const std::string &folder, const std::string &name, const std::string &text) {
     const std::string path = folder + "/" + name;
     std::ofstream(path, std::ios::binary) << text;

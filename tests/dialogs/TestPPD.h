@@ -16,5 +16,10 @@ struct PPDOptions {
 /// default one; resolutions "1200x600dpi", "300dpi" (the default) and "600dpi" ("600 DPI fine").
 std::string PPDText(const PPDOptions &options = {});
 
+/// Lines of `count` more pages, P1000/Page number 1000 and so on: each has an index as an entry in
+/// the menu, after those of PPDText, which come in the order of their names (A4, Letter, P1000
+/// ...).
+std::string ManyPages(int count);
+
 /// Writes the text to folder/name; returns the path.
 std::string WriteFile(const std::string &folder, const std::string &name, const std::string &text);

@@ -79,11 +79,7 @@ TEST_F(PersonTest, Tab_GoesThroughEveryControlOfThePageSetup) {
 
 TEST_F(PersonTest, PPD_500Pages_OneBeyondTheScreenCanBeChosen) {
     PPDOptions options;
-    for (int i = 0; i < 500; ++i) {
-        const std::string n = std::to_string(1000 + i);
-        options.extra.append("*PageSize P").append(n).append("/Page number ").append(n);
-        options.extra.append(": \"\"\n*ImageableArea P").append(n).append(": \"0 0 200 500\"\n");
-    }
+    options.extra = ManyPages(500);
     UsePrinter(options);
     OpenStyle(GoodRecord());
     mPerson.Choose("pagesMenu", 101);
