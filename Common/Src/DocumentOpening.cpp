@@ -95,12 +95,16 @@ int16_t OpenFromRecord(DriverContext *context, const PSHPrint &record) {
     if (depth != kZELFormatXRGB32 && depth != kZELFormatCMYK32 && depth != kZELFormatGray8)
         throw int16_t{kZELBadParameter};
     options.pixelFormat = PixelFormat(options.colourMode, depth);
+    const bool separates =
+        options.colourMode == kZELColourSpaceCMYK && options.pixelFormat == kZELFormatXRGB32;
     const Box box = FillDocument(*context->printerInfo, record, document);
     options.document = &document;
     options.llx = box.llx;
     options.lly = box.lly;
     options.urx = box.urx;
     options.ury = box.ury;
+    // A name that is no text names no profile. The writer would take no name for "Standard".
+    if (separates && !separation) throw int16_t{kZELFileNotFound};
     return OpenDocument(context->jobName.Get(), context->outputFileName.Get(), &geometry,
                         static_cast<int16_t>(depth), static_cast<int16_t>(options.pixelFormat),
                         &options, context->hotFolder.Get(), &context->mPageOutputSession);

@@ -350,9 +350,16 @@ TEST_F(DocumentOpeningTest, Separation_UnknownName_IsFileNotFound) {
     EXPECT_THAT(output.Names(), IsEmpty());
 }
 
-TEST_F(DocumentOpeningTest, Separation_NotUTF8_IsStandard) {
+TEST_F(DocumentOpeningTest, Separation_NotUTF8_IsFileNotFound) {
     std::memcpy(record.Record().cmykSeparationName, "\x02\xff\xfe", 3);
-    EXPECT_THAT(Print(), HasSubstr("/DeviceCMYK setcolorspace\n"));
+    EXPECT_EQ(OpenDoc(), kZELFileNotFound);
+    EXPECT_THAT(output.Names(), IsEmpty());
+}
+
+TEST_F(DocumentOpeningTest, Separation_NotUTF8_DoesNotMatterWhereNothingIsSeparated) {
+    std::memcpy(record.Record().cmykSeparationName, "\x02\xff\xfe", 3);
+    record.Record().mColourSpace_be = SwapBigEndian(uint32_t{kZELColourSpaceRGB});
+    EXPECT_THAT(Print(), HasSubstr("/DeviceRGB setcolorspace\n"));
 }
 
 // ---- refusals
