@@ -53,6 +53,7 @@ bool InputFile::Fill() {
         } while (got < 0 && errno == EINTR);
     }
     if (got <= 0) {
+        mFailed = mFailed || wanted > 0;
         mReachedEnd = true;
         return false;
     }

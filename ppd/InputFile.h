@@ -10,8 +10,8 @@
 namespace PPD {
 
 /// The bytes of a regular file, read forwards through one buffer of fixed size. Anything else (a
-/// FIFO or a device, which could keep us waiting; a folder; a file that cannot be opened) and a
-/// file that cannot be read any further look like the end of the file.
+/// FIFO or a device, which could keep us waiting; a folder; a file that cannot be opened) looks
+/// empty. A file that cannot be read to its end looks as if it ended before, and Failed tells.
 class InputFile {
 public:
     static constexpr int kEnd = -1;
@@ -42,6 +42,8 @@ public:
 
     /// Whether a read has met the end since the last Rewind.
     bool ReachedEnd() const { return mReachedEnd; }
+    /// Whether the file has ever ended too early: it could not be read, or was cut short meanwhile.
+    bool Failed() const { return mFailed; }
     /// Back to the first byte. The file ends where it ends now: one that is being appended to is
     /// not followed.
     void Rewind();
@@ -56,6 +58,7 @@ private:
     off_t mOffset = 0;                ///< in the file, of the byte after mLimit
     off_t mSize = 0;
     bool mReachedEnd = false;
+    bool mFailed = false;
 };
 
 } // namespace PPD

@@ -13,6 +13,7 @@ namespace PPD {
 namespace {
 
 constexpr const char *kSignature = "*PPD-Adobe";
+constexpr const char *kNotAPPDFile = "Not a PPD file";
 constexpr std::string_view kJobControlPrefix = "*JCL";
 constexpr int kTokenReads = 256; ///< reads per keyword token; the last one never adds a character
 
@@ -74,8 +75,12 @@ MiniParser::MiniParser(const MiniParser &other) : mURL(other.mURL), mFile(PathOf
 void MiniParser::Init() {
     std::string token;
     ReadToken(token);
-    if (token != kSignature) throw ParserError("Not a PPD file");
+    if (token != kSignature) throw ParserError(kNotAPPDFile);
     Rewind();
+}
+
+void MiniParser::CheckWasReadWhole() const {
+    if (mFile.Failed()) throw ParserError(kNotAPPDFile);
 }
 
 void MiniParser::ReadToken(std::string &token) {

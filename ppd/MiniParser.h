@@ -27,6 +27,10 @@ public:
 
     void Rewind() { mFile.Rewind(); }
 
+    /// Throws "Not a PPD file" when some of the file could not be read. The queries below take what
+    /// they have then for the whole, so it has to be asked after them.
+    void CheckWasReadWhole() const;
+
     /// The file's first statement with that main keyword. Throws the keyword followed by
     /// " not found", or by what is wrong with the statement.
     Statement GetStatement(const std::string &mainKeyword);

@@ -1,6 +1,7 @@
 #include "ppd/PostscriptPrinterInfo.h"
 
 #include "ppd/MiniParser.h"
+#include "ppd/ParserError.h"
 #include "support/CFRef.h"
 
 #include <vector>
@@ -60,8 +61,14 @@ void PostscriptPrinterInfo::SetNoPPDInfo() {
 }
 
 void PostscriptPrinterInfo::ExtractInfo() {
-    mPages = PostscriptPages(*mParser);
-    mResolutions = PostscriptResolutions(*mParser);
+    try {
+        mPages = PostscriptPages(*mParser);
+        mResolutions = PostscriptResolutions(*mParser);
+    } catch (const PPD::ParserError &) {
+        mParser->CheckWasReadWhole(); // what is missing may only not have been read
+        throw;
+    }
     mHasColour = mParser->BooleanKeyword("*ColorDevice", false);
     mHasPostscriptLevel2 = mParser->IntKeyword("*LanguageLevel", 0) > 1;
+    mParser->CheckWasReadWhole();
 }

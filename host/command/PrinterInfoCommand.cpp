@@ -5,6 +5,7 @@
 #include "host/command/Console.h"
 #include "host/command/TextTable.h"
 #include "host/driver/Driver.h"
+#include "host/driver/PrinterModel.h"
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>
@@ -173,7 +174,7 @@ ExitStatus ShowPrinter(const std::string &bundlePath, const std::string &path, b
     CFOwner<CFStringRef> message;
     const CFOwner<CFDictionaryRef> info(
         ZEL_CALL(bundle, ZELPrCopyPrinterInfo)(url.Get(), message.Out()));
-    if (!info) throw HostError(ExitStatus::Input, path + ": " + TextOfCFString(message.Get()));
+    if (!info) throw HostError(ExitStatus::Input, path + ": " + WhyRefused(path, message.Get()));
     const ordered_json json = PrinterInfoJSON(info.Get());
     Answer(asJSON ? json.dump() + "\n" : PrinterInfoText(json));
     return ExitStatus::Success;

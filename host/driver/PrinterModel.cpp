@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <strings.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -125,6 +127,19 @@ const PrinterResolution *PrinterModel::BestResolution(double x, double y) const 
     return defaultResolution < resolutions.size() ? &resolutions[defaultResolution] : nullptr;
 }
 
+std::string WhyRefused(const std::string &ppd, CFStringRef message) {
+    const int fd = open(ppd.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    struct stat info {};
+    char bytes[4096];
+    ssize_t count = fd >= 0 && fstat(fd, &info) == 0 && S_ISREG(info.st_mode) ? 1 : 0;
+    while (count > 0)
+        count = read(fd, bytes, sizeof bytes);
+    const int code = errno;
+    if (fd >= 0) (void)close(fd);
+    return count < 0 ? std::string("it cannot be read: ") + strerror(code)
+                     : TextOfCFString(message);
+}
+
 PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd) {
     if (!ppd.empty() && access(ppd.c_str(), R_OK) != 0)
         throw HostError(ExitStatus::Input,
@@ -135,7 +150,7 @@ PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd
         ZEL_CALL(bundle, ZELPrCopyPrinterInfo)(url.Get(), message.Out()));
     if (!info)
         throw HostError(ExitStatus::Input,
-                        ppd + ": refused as a PPD file: " + TextOfCFString(message.Get()));
+                        ppd + ": refused as a PPD file: " + WhyRefused(ppd, message.Get()));
     PrinterModel model = ModelOf(info.Get());
     model.builtIn = ppd.empty();
     return model;

@@ -46,6 +46,10 @@ struct PrinterModel {
 /// when the file is refused.
 [[nodiscard]] PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd);
 
+/// Why the driver has refused the PPD file `ppd`: that it cannot be read, or else `message`, the
+/// driver's words, to which any failure to read is a file that is no PPD file.
+[[nodiscard]] std::string WhyRefused(const std::string &ppd, CFStringRef message);
+
 /// The PPD file that the user has chosen for this driver; empty when there is none or it is gone.
 [[nodiscard]] std::string UsersPPD(const DriverBundle &bundle);
 

@@ -56,4 +56,15 @@ TEST_F(FaultyFiles, BytesLostOfAPostScriptDocument_NothingIsPublished) {
         ExpectRefused(RunWithFault("short-write", "/document", at, job), 3, "not written whole");
 }
 
+TEST_F(FaultyFiles, PPDThatCannotBeReadToItsEnd_IsRefused) {
+    const std::string ppd = "*PPD-Adobe: \"4.3\"\n*LanguageLevel: \"2\"\n*ColorDevice: True\n"
+                            "*DefaultResolution: 72dpi\n*DefaultPageSize: A4\n"
+                            "*PageSize A4: \"a4\"\n*ImageableArea A4: \"0 0 595 842\"\n";
+    WriteFile(mPlace.Path("p.ppd"), ppd + "*PageSize Letter: \"l\"\n");
+    for (const Names &job : {Job({"--ppd", mPlace.Path("p.ppd"), "--media", "A4", Source()}),
+                             Names{"printer-info", mPlace.Path("p.ppd")}})
+        ExpectRefused(RunWithFault("read-error", "/p.ppd", ppd.size(), job), 1,
+                      "cannot be read: Input/output error");
+}
+
 } // namespace
