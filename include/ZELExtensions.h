@@ -9,7 +9,8 @@
 /// is refused; then `*message`, if asked for, says why. The caller releases both. Keys:
 /// "name" string, "colour" and "level2" booleans, "pages" array, "default_page" number, "custom"
 /// dictionary (absent without custom page sizes), "resolutions" array, "default_resolution" number.
-/// A page has "name", "ui_name", "postscript" and "area" (four numbers llx, lly, urx, ury, points);
+/// A page has "name", "ui_name", "postscript" and "area" (four numbers llx, lly, urx, ury, points),
+/// and "sheet" (two numbers, width and height of the paper, points) where the file tells it;
 /// "custom" has "code", "min_width", "max_width", "min_height", "max_height" (points) and "params",
 /// an array of "name", "units", "index", "min", "max"; a resolution has "name", "ui_name",
 /// "postscript", "x_dpi" and "y_dpi". Text that is not UTF-8 is taken byte for byte as Latin-1.

@@ -1,6 +1,7 @@
 #include "ppd/PrinterInfoDictionary.h"
 
 #include "ZELExtensions.h"
+#include "ppd/MiniParser.h"
 #include "ppd/ParserError.h"
 
 #include <initializer_list>
@@ -65,15 +66,24 @@ Dictionary NamedChoice(const Choice &choice) {
     return dictionary;
 }
 
-Array PagesOf(const PostscriptPages &pages) {
+Array ListOf(std::initializer_list<double> numbers) {
+    Array array;
+    for (const double number : numbers)
+        array.Append(NumberOf(number).Get());
+    return array;
+}
+
+Array PagesOf(const PostscriptPages &pages, const PPD::SheetSizes &sheets) {
     Array array;
     for (int32_t i = 0; i < pages.NumPages(); ++i) {
         const PostscriptPage &page = pages.GetPage(i);
-        Array area;
-        for (const double edge : {page.Getllx(), page.Getlly(), page.Geturx(), page.Getury()})
-            area.Append(NumberOf(edge).Get());
         Dictionary dictionary = NamedChoice(page);
-        dictionary.Set(CFSTR("area"), area.Get());
+        dictionary.Set(CFSTR("area"),
+                       ListOf({page.Getllx(), page.Getlly(), page.Geturx(), page.Getury()}).Get());
+        const auto sheet = sheets.find(page.GetName());
+        if (sheet != sheets.end())
+            dictionary.Set(CFSTR("sheet"),
+                           ListOf({sheet->second.width, sheet->second.height}).Get());
         array.Append(dictionary.Get());
     }
     return array;
@@ -122,9 +132,17 @@ Dictionary CustomPageOf(const PostscriptPages &pages) {
     return dictionary;
 }
 
+/// The printer description keeps no sheets: they are no business of the driver's.
+PPD::SheetSizes SheetSizesOf(CFURLRef ppd) {
+    if (!ppd) return PPD::BuiltInSheetSizes();
+    PPD::MiniParser parser(ppd);
+    return PPD::ReadSheetSizes(parser);
+}
+
 } // namespace
 
-CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info) {
+CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info,
+                                                   const PPD::SheetSizes &sheets) {
     // Asking for the limits changes the pages; the caller's stay as they are.
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const PostscriptPages pages = info.Pages();
@@ -132,7 +150,7 @@ CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &
     dictionary.Set(CFSTR("name"), info.GetName());
     dictionary.Set(CFSTR("colour"), info.HasColour());
     dictionary.Set(CFSTR("level2"), info.HasPostscriptLevel2());
-    dictionary.Set(CFSTR("pages"), PagesOf(pages).Get());
+    dictionary.Set(CFSTR("pages"), PagesOf(pages, sheets).Get());
     dictionary.Set(CFSTR("default_page"), pages.DefaultPageIndex());
     if (pages.HasCustomPageSetup()) dictionary.Set(CFSTR("custom"), CustomPageOf(pages).Get());
     dictionary.Set(CFSTR("resolutions"), ResolutionsOf(info.Resolutions()).Get());
@@ -146,7 +164,7 @@ CFDictionaryRef ZELPrCopyPrinterInfo(CFURLRef ppd, CFStringRef *message) {
     try {
         const PostscriptPrinterInfo info =
             ppd ? PostscriptPrinterInfo(ppd) : PostscriptPrinterInfo();
-        return CreatePrinterInfoDictionary(info).Detach();
+        return CreatePrinterInfoDictionary(info, SheetSizesOf(ppd)).Detach();
     } catch (const PPD::ParserError &error) {
         refusal = error.ErrorMessage();
     } catch (...) {

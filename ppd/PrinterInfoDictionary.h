@@ -2,9 +2,12 @@
 #pragma once
 
 #include "ppd/PostscriptPrinterInfo.h"
+#include "ppd/SheetSizes.h"
 #include "support/CFRef.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
-/// The dictionary that ZELPrCopyPrinterInfo describes.
-CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info);
+/// The dictionary that ZELPrCopyPrinterInfo describes; pages that `sheets` does not name have no
+/// sheet in it.
+CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info,
+                                                   const PPD::SheetSizes &sheets);

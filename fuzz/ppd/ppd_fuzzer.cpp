@@ -78,7 +78,7 @@ void CheckCustomPages(const PostscriptPages &pages) {
     }
 }
 
-void CheckModel(const PostscriptPrinterInfo &info) {
+void CheckModel(const PostscriptPrinterInfo &info, PPD::MiniParser &parser) {
     const PostscriptPages &pages = info.Pages();
     for (int32_t i = 0; i < pages.NumPages(); ++i)
         Require(pages.FindPageByName(pages.GetPage(i).GetName()) == i);
@@ -90,7 +90,7 @@ void CheckModel(const PostscriptPrinterInfo &info) {
         Require(std::isfinite(resolution.GetXDpi()) && resolution.GetXDpi() >= 0);
         Require(std::isfinite(resolution.GetYDpi()) && resolution.GetYDpi() >= 0);
     }
-    Require(bool(CreatePrinterInfoDictionary(info)));
+    Require(bool(CreatePrinterInfoDictionary(info, PPD::ReadSheetSizes(parser))));
     CheckCustomPages(PostscriptPrinterInfo(info).Pages());
 }
 
@@ -105,7 +105,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     try {
         PPD::MiniParser parser(file.URL());
         CheckQueries(parser);
-        CheckModel(PostscriptPrinterInfo(file.URL()));
+        CheckModel(PostscriptPrinterInfo(file.URL()), parser);
     } catch (const PPD::ParserError &error) {
         Require(!error.ErrorMessage().empty());
     }

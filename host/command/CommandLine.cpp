@@ -2,6 +2,7 @@
 
 #include "PSHPrint.h"
 #include "host/command/Console.h"
+#include "host/command/PlacementOptions.h"
 #include "host/job/JobTitle.h"
 #include <CLI/CLI.hpp>
 #include <cstdlib>
@@ -31,6 +32,30 @@ void Switch(CLI::App &app, const char *names, std::optional<bool> &value, const 
         names, [&value](std::int64_t count) { value = count > 0; }, help);
 }
 
+/// An option that `read` takes into the wishes, or complains about.
+void Wish(CLI::App &app, const char *name, PlacementWishes &wishes, const char *what,
+          const char *help, std::string (*read)(const std::string &, PlacementWishes &)) {
+    app.add_option_function<std::string>(
+           name,
+           [&wishes, name, read](const std::string &text) {
+               const std::string problem = read(text, wishes);
+               if (!problem.empty()) throw CLI::ValidationError(name, problem);
+           },
+           help)
+        ->type_name(what)
+        ->check(Filled());
+}
+
+void AddPlacementOptions(CLI::App &app, JobOptions &options) {
+    app.option_defaults()->group("Size and place");
+    Wish(app, "--scale", options.placement, "fit|shrink|fill|none|PERCENT",
+         "size of the pages; shrink: their own if it fits, else as large as fits", ReadScale);
+    Wish(app, "--position", options.placement, "PLACE", "centre, top, top-left and so on",
+         ReadPosition);
+    Switch(app, "--auto-rotate,!--no-auto-rotate", options.autoRotate,
+           "turn pages that are larger so (done unless --rotate is given), or never");
+}
+
 void AddJobOptions(CLI::App &app, JobOptions &options) {
     // As everywhere, the last of several says what holds.
     app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
@@ -50,6 +75,8 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
            "name of the file to write, replacing what is there");
     Switch(app, "--eps,!--ps", options.eps, "one EPS file a page, or one PostScript file (--ps)");
     Switch(app, "--queue,!--no-queue", options.queue, "hand the document to the print queue");
+
+    AddPlacementOptions(app, options);
 
     app.option_defaults()->group("How");
     Choice(app, "--ppd", options.ppd, "FILE", "PPD file of the printer");

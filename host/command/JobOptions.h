@@ -3,6 +3,7 @@
 #ifndef ZEL_HOST_JOBOPTIONS_H
 #define ZEL_HOST_JOBOPTIONS_H
 
+#include "host/job/PagePlacement.h"
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -28,7 +29,9 @@ struct JobOptions {
     std::optional<bool> flipV;
     std::optional<bool> queue;
 
-    int bandHeight = 0; ///< rows a band; 0: zelprint's choice
+    PlacementWishes placement;      ///< but for `autoRotate`
+    std::optional<bool> autoRotate; ///< empty: unless `rotate` is asked for
+    int bandHeight = 0;             ///< rows a band; 0: zelprint's choice
     std::string settings;
     std::string saveSettings;
     bool pageSetup = false;

@@ -2,6 +2,7 @@
 
 #include "host/command/Console.h"
 #include "host/command/Report.h"
+#include "host/job/PlacementPlan.h"
 #include "host/job/PrintJob.h"
 #include "host/readers/ImageModule.h"
 #include "host/readers/PNMCheck.h"
@@ -56,6 +57,8 @@ ExitStatus Print(const JobOptions &options) {
     CheckPNMFiles(files);
     const JobSetup setup(bundle, options, files);
     const JobPlan &plan = setup.Plan();
+    const std::string cut = CutNotice(plan, options.placement);
+    if (!cut.empty()) Complain(cut);
     if (options.dryRun) {
         Answer(options.json ? DryRunAsJSON(plan) : DryRunAsText(plan));
         return ExitStatus::Success;

@@ -1,5 +1,7 @@
 #include "host/command/Report.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
@@ -27,6 +29,55 @@ std::string Megabytes(uint64_t bytes) {
     return text;
 }
 
+double Rounded(double value, double steps) {
+    return std::round(value * steps) / steps;
+}
+
+/// The quarter turn counterclockwise, in degrees, with which a page lies in front of the reader.
+int Rotation(const JobPlan &plan, const PagePlacement &place) {
+    return !place.turned ? 0 : plan.turned ? 270 : 90;
+}
+
+json PlacementAsJSON(const JobPlan &plan, const PageReference &page) {
+    const PagePlacement &place = page.placement;
+    const auto mm = [](double points) { return Rounded(points / 72 * 25.4, 100); };
+    const Edges &cut = place.cut;
+    return {{"file", page.file->Path()},
+            {"page", page.page + 1},
+            {"scale_percent", place.ofOwnSize ? json(Rounded(place.scale * 100, 100)) : json()},
+            {"rotation", Rotation(plan, place)},
+            {"left_mm", mm(place.left)},
+            {"top_mm", mm(place.top)},
+            {"width_mm", mm(place.width)},
+            {"height_mm", mm(place.height)},
+            {"cut_mm",
+             {{"left", mm(cut.left)},
+              {"top", mm(cut.top)},
+              {"right", mm(cut.right)},
+              {"bottom", mm(cut.bottom)}}}};
+}
+
+/// Pages that are not in their own size or not upright; empty when all are.
+std::string PlacementText(const JobPlan &plan) {
+    double least = INFINITY;
+    double most = 0;
+    size_t turned = 0;
+    for (const PageReference &page : plan.pages) {
+        turned += page.placement.turned ? 1 : 0;
+        if (!page.placement.ofOwnSize) continue;
+        least = std::min(least, page.placement.scale * 100);
+        most = std::max(most, page.placement.scale * 100);
+    }
+    std::string text;
+    if (most > 0 && (std::abs(least - 100) >= 0.05 || std::abs(most - 100) >= 0.05))
+        text = std::abs(most - least) < 0.05 ? Shown(", at %.1f %%", most, 0)
+                                             : Shown(", at %.1f to %.1f %%", least, most);
+    if (turned == 0) return text;
+    return text + ", " +
+           (turned < plan.pages.size() ? Count(static_cast<int>(turned), "page") + " turned"
+                                       : "turned");
+}
+
 /// Pages, page and colours, as far as they are the same for every file.
 std::string Details(const JobPlan &plan) {
     std::string text = Count(static_cast<int>(plan.pages.size()), "page");
@@ -37,7 +88,7 @@ std::string Details(const JobPlan &plan) {
     text += std::string(", ") + NameOfColourSpace(plan.colourSpace);
     if (plan.colourSpace == kZELColourSpaceCMYK && plan.pixels != DocumentPixels::CMYK)
         text += " by " + (plan.separation.empty() ? "Standard" : plan.separation);
-    return text;
+    return text + PlacementText(plan);
 }
 
 json JobAsJSON(const JobPlan &plan) {
@@ -59,6 +110,9 @@ json JobAsJSON(const JobPlan &plan) {
         {"name", plan.resolution.name}, {"x_dpi", plan.grid.dpiX}, {"y_dpi", plan.grid.dpiY}};
     job["width_pixels"] = plan.grid.width;
     job["height_pixels"] = plan.grid.height;
+    job["placements"] = json::array();
+    for (const PageReference &page : plan.pages)
+        job["placements"].push_back(PlacementAsJSON(plan, page));
     return job;
 }
 

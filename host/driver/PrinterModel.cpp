@@ -49,6 +49,10 @@ PrinterPage PageOf(CFDictionaryRef entry) {
     double *const corners[] = {&page.llx, &page.lly, &page.urx, &page.ury};
     for (CFIndex i = 0; i < 4; ++i)
         *corners[i] = NumberOf(CFArrayGetValueAtIndex(area, i));
+    const auto *sheet = static_cast<CFArrayRef>(ValueOf(entry, "sheet"));
+    if (!sheet || CFArrayGetCount(sheet) != 2) return page;
+    page.sheetWidth = NumberOf(CFArrayGetValueAtIndex(sheet, 0));
+    page.sheetHeight = NumberOf(CFArrayGetValueAtIndex(sheet, 1));
     return page;
 }
 

@@ -11,6 +11,7 @@
 struct PrinterPage {
     std::string name, uiName;
     double llx = 0, lly = 0, urx = 0, ury = 0; ///< imageable area, points
+    double sheetWidth = 0, sheetHeight = 0;    ///< of the paper, points; 0 when not told
     [[nodiscard]] double Width() const { return urx - llx; }
     [[nodiscard]] double Height() const { return ury - lly; }
 };

@@ -17,6 +17,10 @@ const char *NameOfColourSpace(uint32_t colourSpace) {
                                                : "cmyk";
 }
 
+PageTarget JobPlan::TargetOf(const PageReference &page) const {
+    return {grid, turned ? TurnPlacement(page.placement, area.width) : page.placement, pixels};
+}
+
 uint64_t JobPlan::PageBytes() const {
     return static_cast<uint64_t>(grid.width) * static_cast<uint64_t>(grid.height) *
            static_cast<uint64_t>(ComponentsOf(colourSpace));

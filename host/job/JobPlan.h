@@ -10,7 +10,8 @@
 /// One page to print.
 struct PageReference {
     const SourceFile *file = nullptr;
-    int page = 0; ///< within the file, from 0
+    int page = 0;            ///< within the file, from 0
+    PagePlacement placement; ///< in the plan's area
 };
 
 struct JobPlan {
@@ -22,7 +23,8 @@ struct JobPlan {
     bool turned = false;  ///< it is turned by zelprint, not by the driver
     RecordPage media;
     RecordResolution resolution;
-    PageGrid grid; ///< the page as the driver takes it
+    PageGrid grid;      ///< the page as the driver takes it
+    PrintableArea area; ///< the page as it lies in front of the reader
     double widthMM = 0, heightMM = 0;
     DocumentPixels pixels = DocumentPixels::XRGB;
     std::vector<PageReference> pages; ///< of one copy
@@ -31,6 +33,8 @@ struct JobPlan {
     std::string folder; ///< where the document goes
     std::string name;   ///< what the first file is called there; empty: after the title
 
+    /// What a page is to become on the driver's page.
+    [[nodiscard]] PageTarget TargetOf(const PageReference &page) const;
     [[nodiscard]] int TotalPages() const { return static_cast<int>(pages.size()) * copies; }
     /// Bytes of one page's samples in the document.
     [[nodiscard]] uint64_t PageBytes() const;

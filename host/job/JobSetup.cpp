@@ -6,6 +6,7 @@
 #include "host/job/Media.h"
 #include "host/job/OutputStaging.h"
 #include "host/job/PageRange.h"
+#include "host/job/PlacementPlan.h"
 #include "host/separations/Separations.h"
 #include <algorithm>
 #include <cmath>
@@ -40,6 +41,13 @@ std::string FolderForQueue() {
     return temporary ? temporary : "/tmp";
 }
 
+/// Who turns the page by hand has decided how it lies.
+PlacementWishes WishesOf(const JobOptions &options) {
+    PlacementWishes wishes = options.placement;
+    wishes.autoRotate = options.autoRotate.value_or(!options.rotate.value_or(false));
+    return wishes;
+}
+
 } // namespace
 
 JobSetup::JobSetup(const DriverBundle &bundle, const JobOptions &options,
@@ -56,6 +64,7 @@ JobSetup::JobSetup(const DriverBundle &bundle, const JobOptions &options,
     PlanPages();
     PlanColours();
     PlanRaster();
+    PlacePages(mPlan, mPrinter, {mRecord.FlipH(), mRecord.FlipV()}, WishesOf(mOptions));
     PlanDestination();
 }
 
@@ -227,7 +236,7 @@ void JobSetup::PlanPages() {
     int number = 0;
     for (const SourceFile &file : mFiles)
         for (int page = 0; page < file.PageCount(); ++page)
-            if (range.Contains(++number)) mPlan.pages.push_back({&file, page});
+            if (range.Contains(++number)) mPlan.pages.push_back({&file, page, {}});
     if (mPlan.pages.empty())
         throw HostError(ExitStatus::Usage, "none of the " + std::to_string(number) +
                                                " pages is in the range asked for; correct -P");

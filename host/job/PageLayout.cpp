@@ -11,7 +11,10 @@ namespace {
 /// A4 at 600 dpi is 7016 rows to a scanner and 7015 to a driver that truncates.
 constexpr double kOverhang = 2;
 
+constexpr double kPointsPerInch = 72;
 constexpr double kAssumedDpi = 72;
+/// As many as libvips takes.
+constexpr double kMostPixels = 10000000;
 
 bool IsUsable(double dpi) {
     return dpi >= 1 && dpi <= 100000;
@@ -21,44 +24,62 @@ bool IsNearly(double size, int pixels) {
     return std::abs(size - pixels) <= std::clamp(pixels * 0.001, 0.5, 1.5);
 }
 
-void CropToPage(int page, int &position, int &size, int &cropStart, int &cropSize) {
-    position = static_cast<int>(std::floor((page - size) / 2.0));
-    cropStart = std::max(0, -position);
-    position = std::max(0, position);
-    size = std::min(size, page);
-    cropSize = size;
+/// One direction: `start` and `size` of all of the image become those of what is on the page;
+/// returns what is before it.
+int CropToPage(int page, int &start, int &size) {
+    const int before = std::max(0, -start);
+    start = std::max(0, start);
+    size = std::clamp(size - before, 1, std::max(1, page - start));
+    start = std::min(start, page - 1);
+    return before;
+}
+
+/// The first pixel of an image that would begin at `start` and be `size` pixels long, but has
+/// `whole` ones. It stays on the page if it fits.
+int FirstPixel(double start, double size, int whole, int page) {
+    constexpr double kRoundingError = 0.01;
+    const int first = static_cast<int>(std::floor(start + (size - whole) / 2 + kRoundingError));
+    return whole <= page && start > -kOverhang ? std::clamp(first, 0, page - whole) : first;
+}
+
+int WholePixels(double size) {
+    return static_cast<int>(std::lround(std::clamp(size, 1.0, kMostPixels)));
 }
 
 } // namespace
 
-Placement PlaceImage(const PageGrid &page, const ImageSize &image) {
+DocumentPage PageOfImage(const ImageSize &image) {
     const bool told = IsUsable(image.dpiX) && IsUsable(image.dpiY);
-    const bool known = told && !image.onlyShape;
-    double width = image.width * page.dpiX / (told ? image.dpiX : kAssumedDpi);
-    double height = image.height * page.dpiY / (told ? image.dpiY : kAssumedDpi);
-    const bool fits = width <= page.width + kOverhang && height <= page.height + kOverhang;
-    if (!known || !fits) {
-        const double scale = std::min(page.width / width, page.height / height);
-        width *= scale;
-        height *= scale;
-    }
-    Placement placement;
-    if (IsNearly(width, image.width) && IsNearly(height, image.height)) {
-        placement.width = image.width;
-        placement.height = image.height;
-        CropToPage(page.width, placement.left, placement.width, placement.cropLeft,
-                   placement.cropWidth);
-        CropToPage(page.height, placement.top, placement.height, placement.cropTop,
-                   placement.cropHeight);
-        return placement;
-    }
-    placement.width = std::clamp(static_cast<int>(std::lround(width)), 1, page.width);
-    placement.height = std::clamp(static_cast<int>(std::lround(height)), 1, page.height);
-    placement.left = (page.width - placement.width) / 2;
-    placement.top = (page.height - placement.height) / 2;
-    placement.cropWidth = image.width;
-    placement.cropHeight = image.height;
-    return placement;
+    return {std::max(1, image.width) * kPointsPerInch / (told ? image.dpiX : kAssumedDpi),
+            std::max(1, image.height) * kPointsPerInch / (told ? image.dpiY : kAssumedDpi),
+            told && !image.onlyShape, true};
+}
+
+PrintableArea AreaOf(const PageGrid &page, const Edges &margins) {
+    const double pointsX = kPointsPerInch / page.dpiX;
+    const double pointsY = kPointsPerInch / page.dpiY;
+    return {page.width * pointsX, page.height * pointsY, margins, kOverhang * pointsX,
+            kOverhang * pointsY};
+}
+
+Placement LayOut(const PageGrid &page, const ImageSize &image, const PagePlacement &where) {
+    const double across = page.dpiX / kPointsPerInch;
+    const double down = page.dpiY / kPointsPerInch;
+    const double width = where.width * across;
+    const double height = where.height * down;
+    const int ownWidth = where.turned ? image.height : image.width;
+    const int ownHeight = where.turned ? image.width : image.height;
+    Placement place;
+    place.pixelByPixel = IsNearly(width, ownWidth) && IsNearly(height, ownHeight);
+    place.scaledWidth = place.pixelByPixel ? ownWidth : WholePixels(width);
+    place.scaledHeight = place.pixelByPixel ? ownHeight : WholePixels(height);
+    place.left = FirstPixel(where.left * across, width, place.scaledWidth, page.width);
+    place.top = FirstPixel(where.top * down, height, place.scaledHeight, page.height);
+    place.width = place.scaledWidth;
+    place.height = place.scaledHeight;
+    place.cropLeft = CropToPage(page.width, place.left, place.width);
+    place.cropTop = CropToPage(page.height, place.top, place.height);
+    return place;
 }
 
 void AvoidShortGroup(int &width, int &height, int components) {

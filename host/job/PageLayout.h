@@ -1,6 +1,8 @@
-/// Where an image lies on the page, in the page's own pixels.
+/// Where a page of the document lies on the page, in the page's own pixels.
 #ifndef ZEL_HOST_PAGELAYOUT_H
 #define ZEL_HOST_PAGELAYOUT_H
+
+#include "host/job/PagePlacement.h"
 
 /// The page as the driver takes it.
 struct PageGrid {
@@ -15,21 +17,29 @@ struct ImageSize {
     bool onlyShape = false;    ///< these two tell the shape of a pixel, but not its size
 };
 
+/// What of a page goes where, in whole pixels.
 struct Placement {
     int left = 0, top = 0;     ///< in page pixels
-    int width = 0, height = 0; ///< size on the page, within the page
-    /// What is printed of the image: all of it, except a pixel or two at the edges of an image that
-    /// is that much larger than the page and is printed pixel by pixel.
-    int cropLeft = 0, cropTop = 0, cropWidth = 0, cropHeight = 0;
+    int width = 0, height = 0; ///< size of what is printed, within the page
+    /// Size of the whole image on the page, and where in it begins what is printed.
+    int scaledWidth = 0, scaledHeight = 0;
+    int cropLeft = 0, cropTop = 0;
+    bool pixelByPixel = false; ///< that is the image's own number of pixels
 
-    [[nodiscard]] bool IsPixelByPixel() const { return width == cropWidth && height == cropHeight; }
+    [[nodiscard]] bool IsCropped() const { return width != scaledWidth || height != scaledHeight; }
 };
 
-/// Puts the image in the middle of the page: in its own size if its resolution is known and it
-/// fits, else as large as fits. The shape of its pixels is kept. A size that differs from the
-/// image's own number of pixels by less than a thousandth (and at most 1.5 pixels) becomes that
-/// number: such an image is not resampled.
-[[nodiscard]] Placement PlaceImage(const PageGrid &page, const ImageSize &image);
+/// The size of an image in points; its shape, if the file does not tell a size.
+[[nodiscard]] DocumentPage PageOfImage(const ImageSize &image);
+
+/// Puts an image that is `where` (see PlacePage; of the area that the page's pixels cover) on the
+/// page's pixels. A size that differs from the image's own number of pixels by less than a
+/// thousandth (and at most 1.5 pixels) becomes that number: such an image is not resampled.
+[[nodiscard]] Placement LayOut(const PageGrid &page, const ImageSize &image,
+                               const PagePlacement &where);
+
+/// The area that the page's pixels cover, on a sheet with these margins.
+[[nodiscard]] PrintableArea AreaOf(const PageGrid &page, const Edges &margins);
 
 /// Changes `width` or `height` by the smallest step (one pixel, if the page has more than two) that
 /// makes a page of `components` bytes a pixel a multiple of 4 bytes long. The driver's encoder

@@ -70,8 +70,7 @@ private:
     }
 
     void PrintPage(const PageReference &source, int number) {
-        const PageImage image =
-            source.file->OpenPage(source.page, mPlan.grid, mPlan.pixels, mPlan.turned);
+        const PageImage image = source.file->OpenPage(source.page, mPlan.TargetOf(source));
         Check(mDriver.ZELPrOpenPage(mContext, nullptr, nullptr));
         try {
             PrintBands(image, number);

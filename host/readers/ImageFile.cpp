@@ -2,6 +2,11 @@
 
 #include "host/command/ExitStatus.h"
 
+DocumentPage PageOf(const SourcePage &page) {
+    if (page.drawnWidth <= 0) return PageOfImage(page.size);
+    return {page.drawnWidth, page.drawnHeight, true, false};
+}
+
 void ThrowUnreadable(const std::string &path, int page, const std::string &why) {
     throw HostError(ExitStatus::Input, path + ": page " + std::to_string(page + 1) +
                                            " cannot be read (" + why +

@@ -17,6 +17,8 @@ enum class PixelKind { Gray, RGB, CMYK };
 
 struct SourcePage {
     ImageSize size; ///< upright, as it is to be looked at
+    /// Size in points of a page that is drawn in any number of pixels; 0: it has `size` pixels.
+    double drawnWidth = 0, drawnHeight = 0;
     PixelKind kind = PixelKind::RGB;
     int orientation = 1; ///< EXIF orientation that makes it upright
 };
@@ -47,6 +49,16 @@ private:
     int mWidth, mHeight, mBands;
 };
 
+/// What a page is to become.
+struct PageTarget {
+    PageGrid grid;           ///< the driver's page
+    PagePlacement placement; ///< there; `turned` lays the page on its left side
+    DocumentPixels pixels = DocumentPixels::XRGB;
+};
+
+/// What counts of a page when it is placed.
+[[nodiscard]] DocumentPage PageOf(const SourcePage &page);
+
 struct PageImage {
     std::shared_ptr<PageRows> rows;
     Placement placement; ///< where they go on the page; the size is theirs
@@ -64,10 +76,9 @@ public:
     [[nodiscard]] virtual int PageCount() = 0;
     /// Page `page`, counted from 0.
     [[nodiscard]] virtual SourcePage Describe(int page) = 0;
-    /// Page `page` for a page of the driver's; `turned` lays it on its left side. Nothing is read
-    /// yet but the header. No rows: this reader cannot prepare the page so, another must.
-    [[nodiscard]] virtual PageImage OpenPage(int page, const PageGrid &grid, DocumentPixels target,
-                                             bool turned) = 0;
+    /// Page `page` for a page of the driver's. Nothing is read yet but the header. No rows: this
+    /// reader cannot prepare the page so, another must.
+    [[nodiscard]] virtual PageImage OpenPage(int page, const PageTarget &target) = 0;
 };
 
 /// Says that page `page` of a file cannot be read, and why. Throws HostError (Input).

@@ -123,8 +123,8 @@ std::optional<SourcePage> DescribePlain(TIFF *tiff) {
 class PlainRows : public PageRows {
 public:
     PlainRows(std::string path, int page, const Placement &crop, PixelKind kind)
-        : PageRows(crop.cropWidth, crop.cropHeight, BandsOf(kind)), mPath(std::move(path)),
-          mPage(page), mCrop(crop) {}
+        : PageRows(crop.width, crop.height, BandsOf(kind)), mPath(std::move(path)), mPage(page),
+          mCrop(crop) {}
 
     void Read(const Take &take) override {
         std::string error;
@@ -153,8 +153,8 @@ private:
     void CheckUnchanged(TIFF *tiff) {
         const std::optional<SourcePage> page = DescribePlain(tiff);
         if (!page || BandsOf(page->kind) != Bands() ||
-            page->size.width < mCrop.cropLeft + mCrop.cropWidth ||
-            page->size.height < mCrop.cropTop + mCrop.cropHeight)
+            page->size.width < mCrop.cropLeft + mCrop.width ||
+            page->size.height < mCrop.cropTop + mCrop.height)
             ThrowUnreadable(mPath, mPage, "it has changed meanwhile");
         mRowBytes = static_cast<size_t>(page->size.width) * static_cast<size_t>(Bands());
         mImageHeight = page->size.height;
@@ -194,13 +194,12 @@ public:
         return mPages.at(static_cast<size_t>(page));
     }
 
-    [[nodiscard]] PageImage OpenPage(int page, const PageGrid &grid, DocumentPixels target,
-                                     bool turned) override {
+    [[nodiscard]] PageImage OpenPage(int page, const PageTarget &target) override {
         const SourcePage source = Describe(page);
-        const Placement placement = PlaceImage(grid, source.size);
+        const Placement placement = LayOut(target.grid, source.size, target.placement);
         const bool ownColours =
-            (source.kind == PixelKind::CMYK) == (target == DocumentPixels::CMYK);
-        if (turned || !ownColours || !placement.IsPixelByPixel()) return {};
+            (source.kind == PixelKind::CMYK) == (target.pixels == DocumentPixels::CMYK);
+        if (target.placement.turned || !ownColours || !placement.pixelByPixel) return {};
         return {std::make_unique<PlainRows>(mPath, page, placement, source.kind), placement};
     }
 

@@ -87,11 +87,10 @@ SourcePage SourceFile::Describe(int page) const {
     return Any().Describe(page);
 }
 
-PageImage SourceFile::OpenPage(int page, const PageGrid &grid, DocumentPixels target,
-                               bool turned) const {
+PageImage SourceFile::OpenPage(int page, const PageTarget &target) const {
     if (mPlain) {
-        PageImage image = mPlain->OpenPage(page, grid, target, turned);
+        PageImage image = mPlain->OpenPage(page, target);
         if (image.rows) return image;
     }
-    return Full().OpenPage(page, grid, target, turned);
+    return Full().OpenPage(page, target);
 }

@@ -20,8 +20,7 @@ public:
     [[nodiscard]] int PageCount() const;
     [[nodiscard]] SourcePage Describe(int page) const;
     /// Always with rows; they do not outlive the file.
-    [[nodiscard]] PageImage OpenPage(int page, const PageGrid &grid, DocumentPixels target,
-                                     bool turned) const;
+    [[nodiscard]] PageImage OpenPage(int page, const PageTarget &target) const;
 
 private:
     [[nodiscard]] ImageFile &Any() const;

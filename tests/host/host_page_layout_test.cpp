@@ -8,19 +8,26 @@ namespace {
 
 const PageGrid kPage = {2350, 3425, 300, 300};
 
+/// As it is without any option, on a sheet without margins.
+Placement PlaceImage(const PageGrid &page, const ImageSize &image) {
+    PlacementWishes upright;
+    upright.autoRotate = false;
+    return LayOut(page, image, PlacePage(AreaOf(page, {}), PageOfImage(image), upright));
+}
+
 TEST(PlaceImage, KnownResolutionThatFits_IsHonoured) {
     const Placement place = PlaceImage(kPage, {600, 300, 150, 150});
     EXPECT_EQ(place.width, 1200);
     EXPECT_EQ(place.height, 600);
     EXPECT_EQ(place.left, 575);
     EXPECT_EQ(place.top, 1412);
-    EXPECT_EQ(place.cropWidth, 600);
-    EXPECT_FALSE(place.IsPixelByPixel());
+    EXPECT_EQ(place.scaledWidth, 1200);
+    EXPECT_FALSE(place.pixelByPixel);
 }
 
 TEST(PlaceImage, SameResolution_IsPixelByPixel) {
     const Placement place = PlaceImage(kPage, {600, 300, 300, 300});
-    EXPECT_TRUE(place.IsPixelByPixel());
+    EXPECT_TRUE(place.pixelByPixel);
     EXPECT_EQ(place.width, 600);
     EXPECT_EQ(place.left, 875);
 }
@@ -71,18 +78,18 @@ TEST(PlaceImage, OblongPrinterPixels_KeepTheShape) {
 TEST(PlaceImage, OnePixelTooLarge_IsCroppedNotResampled) {
     const PageGrid page = {4960, 7015, 600, 600};
     const Placement place = PlaceImage(page, {4960, 7016, 600, 600});
-    EXPECT_TRUE(place.IsPixelByPixel());
+    EXPECT_TRUE(place.pixelByPixel);
     EXPECT_EQ(place.height, 7015);
     EXPECT_EQ(place.top, 0);
     EXPECT_EQ(place.cropTop, 1);
-    EXPECT_EQ(place.cropHeight, 7015);
+    EXPECT_EQ(place.height, 7015);
 }
 
 TEST(PlaceImage, PageChangedByAPixel_DoesNotResample) {
     // A page of 7015 rows was made 7014; its resolution changed by as much.
     const PageGrid page = {4960, 7014, 600, 600.0 * 7014 / 7015};
-    EXPECT_TRUE(PlaceImage(page, {4960, 7015, 600, 600}).IsPixelByPixel());
-    EXPECT_TRUE(PlaceImage(page, {4000, 6000, 600, 600}).IsPixelByPixel());
+    EXPECT_TRUE(PlaceImage(page, {4960, 7015, 600, 600}).pixelByPixel);
+    EXPECT_TRUE(PlaceImage(page, {4000, 6000, 600, 600}).pixelByPixel);
 }
 
 TEST(PlaceImage, ExtremeShape_KeepsAtLeastAPixel) {
@@ -102,8 +109,8 @@ TEST(PlaceImage, AlwaysWithinPageAndImage) {
                 ASSERT_GE(p.height, 1);
                 ASSERT_LE(p.left + p.width, kPage.width);
                 ASSERT_LE(p.top + p.height, kPage.height);
-                ASSERT_LE(p.cropLeft + p.cropWidth, width);
-                ASSERT_LE(p.cropTop + p.cropHeight, height);
+                ASSERT_LE(p.cropLeft + p.width, p.scaledWidth);
+                ASSERT_LE(p.cropTop + p.height, p.scaledHeight);
             }
 }
 

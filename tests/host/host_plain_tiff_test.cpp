@@ -107,6 +107,17 @@ void DropUnused(std::vector<uint8_t> &pixels, DocumentPixels target) {
 
 const PageGrid kGrid = {60, 50, 72, 72};
 
+/// The page in the middle of the grid; `turned`: on its left side.
+PageImage OpenInTheMiddle(ImageFile &file, int page, DocumentPixels pixels, bool turned = false) {
+    PlacementWishes upright;
+    upright.autoRotate = false;
+    PrintableArea area = AreaOf(kGrid, {});
+    if (turned) std::swap(area.width, area.height);
+    PagePlacement place = PlacePage(area, PageOf(file.Describe(page)), upright);
+    if (turned) place = TurnPlacement(place, area.width);
+    return file.OpenPage(page, {kGrid, place, pixels});
+}
+
 class PlainTIFF : public testing::Test {
 protected:
     static void SetUpTestSuite() { StartVips(); }
@@ -126,8 +137,8 @@ protected:
         ASSERT_EQ(plain->PageCount(), full.PageCount());
         for (int page = 0; page < plain->PageCount(); ++page) {
             ExpectSameLook(plain->Describe(page), full.Describe(page));
-            const PageImage got = plain->OpenPage(page, kGrid, target, false);
-            const PageImage wanted = full.OpenPage(page, kGrid, target, false);
+            const PageImage got = OpenInTheMiddle(*plain, page, target);
+            const PageImage wanted = OpenInTheMiddle(full, page, target);
             ASSERT_NE(got.rows, nullptr);
             EXPECT_EQ(got.placement.left, wanted.placement.left);
             EXPECT_EQ(got.placement.top, wanted.placement.top);
@@ -303,14 +314,14 @@ TEST_F(PlainTIFF, PageThatIsScaledTurnedOrSeparated_HasNoRows) {
     for (const auto &[spec, target, turned] : cases) {
         const std::unique_ptr<ImageFile> plain = OpenPlainTIFF(Save(spec));
         ASSERT_NE(plain, nullptr);
-        EXPECT_EQ(plain->OpenPage(0, kGrid, target, turned).rows, nullptr);
+        EXPECT_EQ(OpenInTheMiddle(*plain, 0, target, turned).rows, nullptr);
     }
 }
 
 /// What reading page 0 fails with; empty when it does not.
 std::string FailureOf(ImageFile &file) {
     try {
-        (void)ReadAll(file.OpenPage(0, kGrid, DocumentPixels::XRGB, false), DocumentPixels::XRGB);
+        (void)ReadAll(OpenInTheMiddle(file, 0, DocumentPixels::XRGB), DocumentPixels::XRGB);
     } catch (const HostError &error) {
         EXPECT_EQ(error.Status(), ExitStatus::Input);
         return error.what();
@@ -403,7 +414,7 @@ TEST_F(PlainTIFF, DamagedFiles_AreRefusedOrReadWithoutHarm) {
         std::ofstream(path, std::ios::binary | std::ios::trunc) << damaged;
         const std::unique_ptr<ImageFile> plain = OpenPlainTIFF(path);
         if (!plain) continue;
-        const PageImage image = plain->OpenPage(0, kGrid, DocumentPixels::XRGB, false);
+        const PageImage image = OpenInTheMiddle(*plain, 0, DocumentPixels::XRGB);
         if (!image.rows) continue;
         ++read;
         try {
@@ -420,7 +431,7 @@ TEST_F(PlainTIFF, ReaderThatIsStopped_Ends) {
     spec.rowsPerStrip = 1;
     const std::unique_ptr<ImageFile> plain = OpenPlainTIFF(Save(spec));
     ASSERT_NE(plain, nullptr);
-    const PageImage image = plain->OpenPage(0, kGrid, DocumentPixels::XRGB, false);
+    const PageImage image = OpenInTheMiddle(*plain, 0, DocumentPixels::XRGB);
     RowReader reader(image.rows, DocumentPixels::XRGB, 1);
     EXPECT_EQ(reader.Next().count, 1);
 }

@@ -61,12 +61,10 @@ TEST_P(PrintedPage, LooksLikeTheSource) {
     const Workplace place;
     const Picture source = TestPicture(320, 200);
     SavePicture(source, place.Path("source.png"));
-    std::vector<std::string> arguments = {"--hot-folder",
-                                          place.Hot(),
-                                          "--colour-space",
-                                          use.colourSpace,
-                                          use.eps ? "--eps" : "--ps",
-                                          place.Path("source.png")};
+    std::vector<std::string> arguments = {
+        "--no-auto-rotate",      "--hot-folder",  place.Hot(),
+        "--colour-space",        use.colourSpace, use.eps ? "--eps" : "--ps",
+        place.Path("source.png")};
     arguments.insert(arguments.end(), use.options.begin(), use.options.end());
     const RunResult run = place.Run(arguments);
     ASSERT_EQ(run.status, 0) << run.err;
@@ -142,7 +140,7 @@ TEST_P(Orientation, IsUprightOnThePage) {
     SaveOptions options;
     options.orientation = o;
     SavePicture(stored, place.Path("photo.jpg"), options);
-    const RunResult run = place.PrintRGB({place.Path("photo.jpg")});
+    const RunResult run = place.PrintRGB({"--no-auto-rotate", place.Path("photo.jpg")});
     ASSERT_EQ(run.status, 0) << run.err;
     if (o == 6 || o == 8) {
         // The two that cameras write, checked against the picture itself.
@@ -167,7 +165,7 @@ TEST(Files, OfEveryKind_ArePrinted) {
     const Picture source = TestPicture(320, 200);
     for (const char *name : {"a.tif", "a.png", "a.jpg", "a.ppm"}) {
         SavePicture(source, place.Path(name));
-        const RunResult run = place.PrintRGB({"-o", "a.ps", place.Path(name)});
+        const RunResult run = place.PrintRGB({"--no-auto-rotate", "-o", "a.ps", place.Path(name)});
         ASSERT_EQ(run.status, 0) << name << run.err;
         ExpectLike(Render(place.Hot("a.ps"), 72), source, 6);
     }
@@ -180,8 +178,9 @@ TEST(Files, OfOneBand_ArePrinted) {
         gray.samples.push_back(static_cast<uint8_t>(i % 256 * 0.9));
     SavePicture(gray, place.Path("g.png"));
     for (const char *space : {"gray", "rgb"}) {
-        const RunResult run = place.Run({"--hot-folder", place.Hot(), "--colour-space", space, "-o",
-                                         "g.ps", place.Path("g.png")});
+        const RunResult run =
+            place.Run({"--no-auto-rotate", "--hot-folder", place.Hot(), "--colour-space", space,
+                       "-o", "g.ps", place.Path("g.png")});
         ASSERT_EQ(run.status, 0) << run.err;
         Picture wanted{256, 100, 3, {}};
         for (const uint8_t v : gray.samples)

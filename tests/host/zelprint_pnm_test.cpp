@@ -251,7 +251,10 @@ TEST(VipsFileOfAnAbsurdSize, LeavesStandardErrorAlone) {
         VipsFile file(place.Path("absurd.pnm"), FileKind::PNM);
         testing::internal::CaptureStderr();
         try {
-            (void)file.OpenPage(0, {40, 50, 72, 72}, DocumentPixels::XRGB, false);
+            const PageGrid grid = {40, 50, 72, 72};
+            const PagePlacement fitted =
+                PlacePage(AreaOf(grid, {}), PageOf(file.Describe(0)), PlacementWishes());
+            (void)file.OpenPage(0, {grid, fitted, DocumentPixels::XRGB});
         } catch (const HostError &) {
             // What libvips gives up at, and whether, is its own affair.
         }

@@ -96,6 +96,40 @@ TEST(PrinterInfoDictionary, ListsPagesAndResolutions) {
     EXPECT_EQ(Number(Item(resolutions, 0), CFSTR("y_dpi")), 600);
 }
 
+TEST(PrinterInfoDictionary, TellsTheSheet_WhereTheFileDoes) {
+    const CFRef<CFDictionaryRef> info =
+        InfoOf(std::string(kPrinter) +
+               "*PaperDimension Letter/US Letter: \"612 792\"\n*PaperDimension A5: \"420 595\"\n");
+    ASSERT_TRUE(info);
+    const CFTypeRef pages = Value(info.Get(), CFSTR("pages"));
+    EXPECT_EQ(Value(Item(pages, 0), CFSTR("sheet")), nullptr);
+    const CFTypeRef sheet = Value(Item(pages, 1), CFSTR("sheet"));
+    ASSERT_NE(sheet, nullptr);
+    ASSERT_EQ(Count(sheet), 2);
+    EXPECT_EQ(Number(Item(sheet, 0)), 612);
+    EXPECT_EQ(Number(Item(sheet, 1)), 792);
+}
+
+TEST(PrinterInfoDictionary, SheetThatMakesNoSense_IsLeftOut) {
+    for (const char *size : {"\"612\"", "\"0 792\"", "\"-612 792\"", "\"wide high\"", "\"\""}) {
+        const CFRef<CFDictionaryRef> info =
+            InfoOf(std::string(kPrinter) + "*PaperDimension Letter: " + size + "\n");
+        ASSERT_TRUE(info);
+        const CFTypeRef pages = Value(info.Get(), CFSTR("pages"));
+        EXPECT_EQ(Value(Item(pages, 1), CFSTR("sheet")), nullptr) << size;
+    }
+}
+
+TEST(PrinterInfoDictionary, BuiltInPage_LiesOnA4) {
+    CFStringRef message = nullptr;
+    const CFRef<CFDictionaryRef> info(ZELPrCopyPrinterInfo(nullptr, &message));
+    ASSERT_TRUE(info);
+    const CFTypeRef sheet = Value(Item(Value(info.Get(), CFSTR("pages")), 0), CFSTR("sheet"));
+    ASSERT_NE(sheet, nullptr);
+    EXPECT_EQ(Number(Item(sheet, 0)), 595);
+    EXPECT_EQ(Number(Item(sheet, 1)), 842);
+}
+
 TEST(PrinterInfoDictionary, CustomPages_HaveTheFilesParametersOnly) {
     const CFRef<CFDictionaryRef> info = InfoOf(std::string(kPrinter) + kCustom);
     ASSERT_TRUE(info);

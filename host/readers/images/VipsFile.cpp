@@ -89,6 +89,8 @@ SourcePage VipsFile::Describe(int page) {
     result.size.width = vips_image_get_width(image.get());
     result.size.height = vips_image_get_height(image.get());
     if (mKind == FileKind::PDF) {
+        result.drawnWidth = result.size.width;
+        result.drawnHeight = result.size.height;
         result.size.dpiX = result.size.dpiY = 72;
     } else if (HasResolution(image.get(), mKind, mPath)) {
         result.size.dpiX = vips_image_get_xres(image.get()) * kMMPerInch;
@@ -103,10 +105,10 @@ SourcePage VipsFile::Describe(int page) {
     return result;
 }
 
-PageImage VipsFile::OpenPage(int page, const PageGrid &grid, DocumentPixels target, bool turned) {
-    VipsPage opened = OpenVipsPage(*this, page, Describe(page), grid, target, turned);
+PageImage VipsFile::OpenPage(int page, const PageTarget &target) {
+    VipsPage opened = OpenVipsPage(*this, page, Describe(page), target);
     return {std::make_unique<VipsRows>(mPath, page, std::move(opened.pixels),
-                                       opened.placement.IsPixelByPixel()),
+                                       opened.placement.pixelByPixel),
             opened.placement};
 }
 

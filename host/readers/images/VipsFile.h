@@ -12,8 +12,7 @@ public:
     [[nodiscard]] FileKind Kind() const { return mKind; }
     [[nodiscard]] int PageCount() override;
     [[nodiscard]] SourcePage Describe(int page) override;
-    [[nodiscard]] PageImage OpenPage(int page, const PageGrid &grid, DocumentPixels target,
-                                     bool turned) override;
+    [[nodiscard]] PageImage OpenPage(int page, const PageTarget &target) override;
 
     /// Opens page `page` as it is in the file. `scale` enlarges a PDF page (1: 72 dpi) and is
     /// ignored for images. A `sequential` image can only be read once, from top to bottom.

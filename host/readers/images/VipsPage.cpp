@@ -68,20 +68,21 @@ void Flatten(Chain &chain) {
     vips_area_unref(VIPS_AREA(background));
 }
 
-void Scale(Chain &chain, const Placement &placement) {
-    if (!placement.IsPixelByPixel()) {
-        const double across = static_cast<double>(placement.width) / placement.cropWidth;
-        const double down = static_cast<double>(placement.height) / placement.cropHeight;
-        chain.Apply([across, down](VipsImage *in, VipsImage **out) {
-            return vips_resize(in, out, across, "vscale", down, nullptr);
-        });
-    } else if (placement.cropWidth != vips_image_get_width(chain.Get()) ||
-               placement.cropHeight != vips_image_get_height(chain.Get())) {
-        chain.Apply([&placement](VipsImage *in, VipsImage **out) {
-            return vips_extract_area(in, out, placement.cropLeft, placement.cropTop,
-                                     placement.cropWidth, placement.cropHeight, nullptr);
-        });
-    }
+/// The whole image in `width` by `height` pixels.
+void Resize(Chain &chain, int width, int height) {
+    const double across = static_cast<double>(width) / vips_image_get_width(chain.Get());
+    const double down = static_cast<double>(height) / vips_image_get_height(chain.Get());
+    chain.Apply([across, down](VipsImage *in, VipsImage **out) {
+        return vips_resize(in, out, across, "vscale", down, nullptr);
+    });
+}
+
+void Crop(Chain &chain, const Placement &place) {
+    if (!place.IsCropped()) return;
+    chain.Apply([&place](VipsImage *in, VipsImage **out) {
+        return vips_extract_area(in, out, place.cropLeft, place.cropTop, place.width, place.height,
+                                 nullptr);
+    });
 }
 
 bool HasForeignProfile(VipsImage *image) {
@@ -143,53 +144,65 @@ void ConvertColours(Chain &chain, PixelKind kind, DocumentPixels target) {
     KeepBands(chain, vips_image_get_bands(chain.Get()) < 3 ? 1 : 3);
 }
 
-/// PDF pages are drawn in the size that they have on the page.
-VipsPage OpenPDFPage(const VipsFile &file, int page, const SourcePage &source, const PageGrid &grid,
-                     bool turned) {
-    ImageSize size = source.size;
-    if (turned) std::swap(size.width, size.height);
-    const Placement wanted = PlaceImage(grid, size);
-    const double scale = std::max(static_cast<double>(wanted.width) / size.width,
-                                  static_cast<double>(wanted.height) / size.height);
+/// A row more or less, by rounding, is no reason to resample what was drawn.
+void TrimDrawing(Chain &chain, const Placement &place) {
+    const int width = vips_image_get_width(chain.Get());
+    const int height = vips_image_get_height(chain.Get());
+    if (width == place.scaledWidth && height == place.scaledHeight) return;
+    constexpr int kRounding = 2;
+    if (std::abs(width - place.scaledWidth) > kRounding ||
+        std::abs(height - place.scaledHeight) > kRounding)
+        Resize(chain, place.scaledWidth, place.scaledHeight);
+    else
+        chain.Apply([&place](VipsImage *in, VipsImage **out) {
+            return vips_embed(in, out, 0, 0, place.scaledWidth, place.scaledHeight, "extend",
+                              VIPS_EXTEND_WHITE, nullptr);
+        });
+}
+
+/// Drawings are drawn in the size that they have on the page.
+VipsPage OpenDrawing(const VipsFile &file, int page, const SourcePage &source,
+                     const PageTarget &target) {
+    const bool turned = target.placement.turned;
+    VipsPage result;
+    result.placement = LayOut(target.grid, source.size, target.placement);
+    const Placement &place = result.placement;
+    const double across = turned ? source.size.height : source.size.width;
+    const double down = turned ? source.size.width : source.size.height;
+    const double scale = std::max(place.scaledWidth / across, place.scaledHeight / down);
     Chain chain(file, page, file.Load(page, scale, !turned));
     MakeUpright(chain, 1, turned);
     Flatten(chain);
-    const int width = vips_image_get_width(chain.Get());
-    const int height = vips_image_get_height(chain.Get());
-    ImageSize drawn = {width, height, grid.dpiX, grid.dpiY};
-    // A row more or less by rounding is no reason to resample.
-    const bool near = std::abs(width - wanted.width) <= 2 && std::abs(height - wanted.height) <= 2;
-    Placement placement = near ? PlaceImage(grid, drawn) : wanted;
-    if (!near) {
-        placement.cropWidth = width;
-        placement.cropHeight = height;
-    }
-    Scale(chain, placement);
-    return {chain.Take(), placement};
+    TrimDrawing(chain, place);
+    Crop(chain, place);
+    result.pixels = chain.Take();
+    return result;
+}
+
+VipsPage OpenPicture(const VipsFile &file, int page, const SourcePage &source,
+                     const PageTarget &target) {
+    const bool turned = target.placement.turned;
+    VipsPage result;
+    result.placement = LayOut(target.grid, source.size, target.placement);
+    const bool inOrder = source.orientation <= 2 && !turned;
+    Chain chain(file, page, file.Load(page, 1.0, inOrder));
+    MakeUpright(chain, source.orientation, turned);
+    Flatten(chain);
+    if (!result.placement.pixelByPixel)
+        Resize(chain, result.placement.scaledWidth, result.placement.scaledHeight);
+    Crop(chain, result.placement);
+    result.pixels = chain.Take();
+    return result;
 }
 
 } // namespace
 
-VipsPage OpenVipsPage(const VipsFile &file, int page, SourcePage source, const PageGrid &grid,
-                      DocumentPixels target, bool turned) {
-    VipsPage result;
-    if (file.Kind() == FileKind::PDF) {
-        result = OpenPDFPage(file, page, source, grid, turned);
-    } else {
-        if (turned) {
-            std::swap(source.size.width, source.size.height);
-            std::swap(source.size.dpiX, source.size.dpiY);
-        }
-        result.placement = PlaceImage(grid, source.size);
-        const bool inOrder = source.orientation <= 2 && !turned;
-        Chain chain(file, page, file.Load(page, 1.0, inOrder));
-        MakeUpright(chain, source.orientation, turned);
-        Flatten(chain);
-        Scale(chain, result.placement);
-        result.pixels = chain.Take();
-    }
+VipsPage OpenVipsPage(const VipsFile &file, int page, const SourcePage &source,
+                      const PageTarget &target) {
+    VipsPage result = source.drawnWidth > 0 ? OpenDrawing(file, page, source, target)
+                                            : OpenPicture(file, page, source, target);
     Chain chain(file, page, std::move(result.pixels));
-    ConvertColours(chain, source.kind, target);
+    ConvertColours(chain, source.kind, target.pixels);
     result.pixels = chain.Take();
     return result;
 }

@@ -11,7 +11,7 @@ struct VipsPage {
 
 /// Page `page` of `file`, which looks like `source`, for a page of the driver's; see
 /// ImageFile::OpenPage. Throws HostError.
-[[nodiscard]] VipsPage OpenVipsPage(const VipsFile &file, int page, SourcePage source,
-                                    const PageGrid &grid, DocumentPixels target, bool turned);
+[[nodiscard]] VipsPage OpenVipsPage(const VipsFile &file, int page, const SourcePage &source,
+                                    const PageTarget &target);
 
 #endif
