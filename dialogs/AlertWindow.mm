@@ -2,19 +2,24 @@
 
 #import "dialogs/DialogSupport.h"
 
+/// Carriage returns, which break lines in the driver's messages, as AppKit breaks lines.
+static NSString *WithLineBreaks(NSString *text) {
+    return [text stringByReplacingOccurrencesOfString:@"\r" withString:@"\n"];
+}
+
 bool RunAlertWindow(CFStringRef message, CFStringRef informative) {
     if (!EnsureApplication()) return false;
     @autoreleasepool {
         @try {
             NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-            [alert setMessageText:(NSString *)message];
+            [alert setMessageText:WithLineBreaks((NSString *)message)];
             // nil would show "No information".
             [alert setInformativeText:informative != nullptr ? (NSString *)informative : @""];
             [alert setShowsHelp:NO];
             [alert runModal];
+            return true;
         } @catch (NSException *e) {
-            NSLog(@"An alert could not be shown: %@", [e reason]);
+            return false; // the caller says it elsewhere
         }
     }
-    return true;
 }

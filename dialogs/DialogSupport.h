@@ -7,9 +7,6 @@
 /// Starts NSApplication on first use; NO without a window system. Main thread only.
 BOOL EnsureApplication(void);
 
-/// The same for the dialog of that name; says on standard error when there is no window system.
-BOOL EnsureDialogApplication(const char *dialogName);
-
 /// Path of NAME.nib (compiled) or NAME.xib in the bundle's resources, or nil.
 NSString *InterfaceFilePath(NSBundle *bundle, NSString *name);
 

@@ -2,15 +2,6 @@
 
 #import "dialogs/Toolkit.h"
 
-#include <cstdio>
-#include <platform/Platform.h>
-
-BOOL EnsureDialogApplication(const char *dialogName) {
-    if (PlatformHasWindowServer() && EnsureApplication()) return YES;
-    fprintf(stderr, "The %s dialog cannot be shown: there is no window system.\n", dialogName);
-    return NO;
-}
-
 NSString *InterfaceFilePath(NSBundle *bundle, NSString *name) {
     NSString *path = [bundle pathForResource:name ofType:@"nib"];
     return path != nil ? path : [bundle pathForResource:name ofType:@"xib"];

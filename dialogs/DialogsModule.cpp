@@ -1,6 +1,7 @@
 #include "dialogs/DialogsModule.h"
 
 extern "C" __attribute__((visibility("default"))) const DialogFunctions *ZELDialogFunctions() {
-    static const DialogFunctions functions = {StyleDialog, JobDialog, RunAlertWindow, SoundBeep};
+    static const DialogFunctions functions = {StyleDialog, JobDialog,        RunAlertWindow,
+                                              SoundBeep,   LastDialogFailed, CancelDialog};
     return &functions;
 }

@@ -4,6 +4,7 @@
 
 #include "dialogs/AlertWindow.h"
 #include "dialogs/Beep.h"
+#include "dialogs/DialogEnd.h"
 #include "dialogs/JobDialog.h"
 #include "dialogs/StyleDialog.h"
 
@@ -13,6 +14,8 @@ struct DialogFunctions {
     decltype(&JobDialog) jobDialog;
     decltype(&RunAlertWindow) runAlertWindow;
     decltype(&SoundBeep) soundBeep;
+    decltype(&LastDialogFailed) lastDialogFailed;
+    decltype(&CancelDialog) cancelDialog;
 };
 
 /// The module's one export.

@@ -58,3 +58,11 @@ bool RunAlertWindow(CFStringRef message, CFStringRef informative) {
 void SoundBeep() {
     if (Module()) Module()->soundBeep();
 }
+
+bool LastDialogFailed() {
+    return !Module() || Module()->lastDialogFailed();
+}
+
+void CancelDialog() {
+    if (Module()) Module()->cancelDialog();
+}

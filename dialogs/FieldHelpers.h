@@ -34,6 +34,7 @@ void StuffUnitNumber(id field, int fieldUnit, double value);
 
 /// The page-setup dialog's check on confirmation, limits and result in points. Returns 1 for a
 /// valid field; otherwise 0 after a beep and a message with `label` in it, with the field's text
-/// selected and `*points` the nearest limit (0 for text that is no number).
+/// selected and `*points` the nearest limit (0 for text that is no number). `hint` stands below the
+/// message; it may be nil.
 int CheckDimensionField(id field, const char *label, int dialogUnit, double *points, double dpi,
-                        double max, double min);
+                        double max, double min, NSString *hint = nil);

@@ -82,12 +82,13 @@ void StuffUnitNumber(id field, int fieldUnit, double value) {
 }
 
 int CheckDimensionField(id field, const char *label, int dialogUnit, double *points, double dpi,
-                        double max, double min) {
+                        double max, double min, NSString *hint) {
     const DimensionCheck check =
         CheckDimension(FieldText(field), label, dialogUnit, dpi, {min, max});
     if (!check.isValid) {
         NSBeep();
-        DisplayError(check.message.c_str());
+        MessageAlert((CFStringRef)[NSString stringWithUTF8String:check.message.c_str()],
+                     (CFStringRef)hint);
     }
     *points = check.points;
     if (!check.isValid) SelectFieldText(field);

@@ -1,6 +1,6 @@
 #include "dialogs/JobDialog.h"
 
-#import "dialogs/DialogSupport.h"
+#import "dialogs/DialogRun.h"
 #import "dialogs/JobDialogController.h"
 
 namespace {
@@ -28,27 +28,41 @@ void ReadBack(Controller *controller, const JobDialogResults &results) {
     *results.hotFolder = (CFURLRef)folder;
 }
 
-bool RunAndReadBack(Controller *controller, const JobDialogResults &results) {
-    @try {
-        if (![controller runJobDialog]) return false;
-        ReadBack(controller, results);
-        return true;
-    } @catch (NSException *e) {
-        NSLog(@"The print dialog failed: %@", [e reason]);
-        return false;
-    }
-}
+/// What the dialog shows when it comes up.
+struct JobDialogValues {
+    CFStringRef title, suggestedJobName, fileExtension;
+};
 
 Controller *CreateController(CFStringRef bundleIdentifier, bool withCopies) {
     NSBundle *bundle = [NSBundle bundleWithIdentifier:(NSString *)bundleIdentifier];
     NSString *nib = withCopies ? @"JobDialog" : @"JobDialog_NC";
-    Controller *controller = [[Controller alloc] initWithBundle:bundle nibName:nib];
-    if ([controller window] == nil) {
-        NSLog(@"The print dialog's window is missing from the driver's resources.");
-        [controller release];
-        return nil;
+    return [[Controller alloc] initWithBundle:bundle nibName:nib];
+}
+
+void SetUp(Controller *controller, const JobDialogValues &values, const JobDialogResults &results) {
+    [controller setWindowTitle:(NSString *)values.title];
+    [controller setPageRangeFrom:*results.firstPage to:*results.lastPage];
+    [controller setHotFolder:(NSURL *)*results.hotFolder];
+    [controller setSuggestedJobName:(NSString *)values.suggestedJobName];
+    [controller setFileExtension:(NSString *)values.fileExtension];
+    if (results.copies == nullptr) return;
+    [controller setNumberOfCopies:*results.copies];
+    if (results.collate != nullptr) [controller setCollated:*results.collate];
+}
+
+/// `*controller` is the caller's to release, whatever happens.
+bool RunAndReadBack(Controller **controller, CFStringRef bundleIdentifier,
+                    const JobDialogValues &values, const JobDialogResults &results) {
+    @try {
+        *controller = CreateController(bundleIdentifier, results.copies != nullptr);
+        if (!LoadDialog(*controller, "print")) return false;
+        SetUp(*controller, values, results);
+        if (![*controller runJobDialog]) return false;
+        ReadBack(*controller, results);
+        return true;
+    } @catch (NSException *e) {
+        return DialogFailed("print", [e reason]);
     }
-    return controller;
 }
 
 } // namespace
@@ -57,22 +71,14 @@ bool JobDialog(CFBundleRef bundle, CFStringRef bundleIdentifier, CFStringRef tit
                CFURLRef *hotFolder, CFStringRef suggestedJobName, CFStringRef fileExtension,
                CFStringRef *jobName, int16_t *copies, bool *collate, int16_t *firstPage,
                int16_t *lastPage) {
-    if (!EnsureDialogApplication("print")) return false;
+    if (!BeginDialog("print")) return false;
     bool confirmed = false;
     @autoreleasepool {
-        Controller *controller = CreateController(bundleIdentifier, copies != nullptr);
-        if (controller == nil) return false;
-        [controller setWindowTitle:(NSString *)title];
-        [controller setPageRangeFrom:*firstPage to:*lastPage];
-        [controller setHotFolder:(NSURL *)*hotFolder];
-        [controller setSuggestedJobName:(NSString *)suggestedJobName];
-        [controller setFileExtension:(NSString *)fileExtension];
-        if (copies != nullptr) [controller setNumberOfCopies:*copies];
-        if (collate != nullptr) [controller setCollated:*collate];
+        Controller *controller = nil;
         confirmed =
-            RunAndReadBack(controller, {hotFolder, jobName, copies, collate, firstPage, lastPage});
-        ReleaseLoadedWindow([controller window]);
-        [controller release];
+            RunAndReadBack(&controller, bundleIdentifier, {title, suggestedJobName, fileExtension},
+                           {hotFolder, jobName, copies, collate, firstPage, lastPage});
+        EndDialog(controller);
     }
     return confirmed;
 }

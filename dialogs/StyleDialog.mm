@@ -1,6 +1,6 @@
 #include "dialogs/StyleDialog.h"
 
-#import "dialogs/DialogSupport.h"
+#import "dialogs/DialogRun.h"
 #import "dialogs/StyleDialogController.h"
 
 namespace {
@@ -25,12 +25,29 @@ void SavePreferences(Controller *controller, CFStringRef domain) {
                              [controller sendToPrinter] ? kCFBooleanTrue : kCFBooleanFalse, domain);
 }
 
-bool RunController(Controller *controller) {
+Controller *CreateController(CFBundleRef bundle, CFStringRef domain, PSStyleParams *params,
+                             const PSHPrint &record) {
+    NSBundle *resources = [NSBundle bundleWithIdentifier:(NSString *)CFBundleGetIdentifier(bundle)];
+    Controller *controller = [[Controller alloc] initWithBundle:resources];
+    [controller setParams:params];
+    [controller setPrintRecord:record];
+    [controller setPreferencesDomain:(NSString *)domain];
+    ReadPreferences(controller, domain);
+    return controller;
+}
+
+/// `*controller` is the caller's to release, whatever happens.
+bool RunAndReadBack(Controller **controller, CFBundleRef bundle, CFStringRef domain,
+                    PSStyleParams *params, PSHPrint *record) {
     @try {
-        return [controller runStyleDialog];
+        *controller = CreateController(bundle, domain, params, *record);
+        if (!LoadDialog(*controller, "page-setup")) return false;
+        if (![*controller runStyleDialog]) return false;
+        *record = [*controller printRecord];
+        SavePreferences(*controller, domain);
+        return true;
     } @catch (NSException *e) {
-        NSLog(@"The page-setup dialog failed: %@", [e reason]);
-        return false;
+        return DialogFailed("page-setup", [e reason]);
     }
 }
 
@@ -38,29 +55,13 @@ bool RunController(Controller *controller) {
 
 bool StyleDialog(CFBundleRef bundle, CFStringRef preferencesDomain, PSStyleParams *params,
                  PSHPrint *record) {
-    if (!EnsureDialogApplication("page-setup")) return false;
+    if (!BeginDialog("page-setup")) return false;
     bool confirmed = false;
     @autoreleasepool {
-        NSBundle *resources =
-            [NSBundle bundleWithIdentifier:(NSString *)CFBundleGetIdentifier(bundle)];
-        Controller *controller = [[Controller alloc] initWithBundle:resources];
-        if (controller == nil) {
-            NSLog(@"The page-setup dialog's window is missing from the driver's resources.");
-            return false;
-        }
-        [controller setParams:params];
-        [controller setPrintRecord:*record];
-        [controller setPreferencesDomain:(NSString *)preferencesDomain];
-        ReadPreferences(controller, preferencesDomain);
-        confirmed = RunController(controller);
-        if (confirmed) {
-            *record = [controller printRecord];
-            SavePreferences(controller, preferencesDomain);
-        } else {
-            params->setup->RestoreSavedPrinter(preferencesDomain);
-        }
-        ReleaseLoadedWindow([controller window]);
-        [controller release];
+        Controller *controller = nil;
+        confirmed = RunAndReadBack(&controller, bundle, preferencesDomain, params, record);
+        if (!confirmed) params->setup->RestoreSavedPrinter(preferencesDomain);
+        EndDialog(controller);
     }
     return confirmed;
 }

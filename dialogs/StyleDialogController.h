@@ -13,7 +13,7 @@
     NSBundle *_myBundle;
     NSString *_preferencesDomain;
     NSInteger _unitMode;
-    BOOL _sendToPrinter, _isOK, mCheckTypingOnExit;
+    BOOL _sendToPrinter, _isOK, mCheckTypingOnExit, mCheckResolutionOnExit;
     NSPopUpButton *_pagesMenu, *_resolutionMenu, *_cmykMenu, *_colourMenu, *_unitsMenu;
     NSPopUpButton *_formatMenu;
     NSTextField *_pageWidth, *_pageHeight, *_resolution, *_ppdTitleText, *_versionText;

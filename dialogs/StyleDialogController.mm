@@ -8,20 +8,8 @@ enum { kPostscriptTag = 1, kEPSTag = 2 };
 
 static NSString *const kTable = @"PSStyleDialog";
 
-/// The text, or byte for byte as Latin-1 when it is not UTF-8: PPD files come in any encoding.
-static NSString *TextFromPPD(const std::string &text) {
-    NSString *string = [NSString stringWithUTF8String:text.c_str()];
-    if (string != nil) return string;
-    return [[[NSString alloc] initWithBytes:text.data()
-                                     length:text.size()
-                                   encoding:NSISOLatin1StringEncoding] autorelease];
-}
-
-/// Raises an NSException when the text is not UTF-8.
-static NSString *StrictTitle(const std::string &text) {
-    NSString *title = [NSString stringWithUTF8String:text.c_str()];
-    if (title == nil) [NSException raise:NSInvalidArgumentException format:@"not UTF-8"];
-    return title;
+static NSString *StringOf(const std::string &utf8) {
+    return [NSString stringWithUTF8String:utf8.c_str()];
 }
 
 static void ReportPPDError(const std::string &error) {
@@ -92,9 +80,10 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     return _setup->IsRotated();
 }
 - (void)setRotate90:(BOOL)flag {
+    const BOOL isTyping = [self isTypingSize];
     _setup->SetRotated(flag);
     // The page lies the other way on the paper now: its size and limits turn with it.
-    [self syncWithPPD];
+    [self syncPageKeepingTyping:isTyping];
 }
 
 - (BOOL)flipHorizontal {
@@ -224,7 +213,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 #pragma mark Printer description
 
 - (void)handlePPDChange {
-    NSString *name = TextFromPPD(_setup->PrinterName());
+    NSString *name = StringOf(_setup->PrinterName());
     ShowLongText(_ppdTitleText, [name length] != 0 ? name : [self localized:@"none"]);
     [self syncWithPPD];
 }
@@ -236,11 +225,23 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     if (!hasColour) [self setColourspace:kZELColourSpaceGray];
     [_colourMenu setEnabled:hasColour];
     [_colourMenu selectItemWithTag:[self colourspace]];
-    [_pageWidth setEnabled:[self canUseCustomPageSizes]];
-    [_pageHeight setEnabled:[self canUseCustomPageSizes]];
-    const int tag = _setup->SyncPage();
-    [self selectPageTag:tag];
-    [self showChosenSize];
+    [self syncPageKeepingTyping:NO];
+}
+
+/// Fields and pop-up follow what sizes are possible and what the record's page has become. A size
+/// that is being typed stays as it stands and is checked when the user confirms, unless it can no
+/// longer be typed.
+- (void)syncPageKeepingTyping:(BOOL)keepsTyping {
+    const BOOL custom = [self canUseCustomPageSizes];
+    [_pageWidth setEnabled:custom];
+    [_pageHeight setEnabled:custom];
+    const NSInteger item = [_pagesMenu indexOfItemWithTag:PageSetup::kCustomPageTag];
+    if (item >= 0) [[_pagesMenu itemAtIndex:item] setEnabled:custom];
+    [self selectPageTag:_setup->SyncPage()];
+    if (keepsTyping && custom)
+        [self handleWidthOrHeightTyping];
+    else
+        [self showChosenSize];
 }
 
 - (void)selectPageTag:(int)tag {
@@ -258,18 +259,16 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     const std::vector<std::string> titles = _setup->PageTitles(&error);
     NSInteger index = 0;
     for (const std::string &title : titles) {
-        InsertPopUpItem(_pagesMenu, TextFromPPD(title), index, index);
+        InsertPopUpItem(_pagesMenu, StringOf(title), index, index);
         ++index;
     }
     [_pagesMenu synchronizeTitleAndSelectedItem];
-    const NSInteger custom = [_pagesMenu indexOfItemWithTag:PageSetup::kCustomPageTag];
-    if (custom >= 0) [[_pagesMenu itemAtIndex:custom] setEnabled:[self canUseCustomPageSizes]];
     ReportPPDError(error);
 }
 
 - (void)addResolution:(const std::string &)title tag:(NSInteger)tag {
     @try {
-        InsertPopUpItem(_resolutionMenu, StrictTitle(title), tag, tag);
+        InsertPopUpItem(_resolutionMenu, StringOf(title), tag, tag);
     } @catch (NSException *e) {
         InsertPopUpItem(_resolutionMenu, @"PPD Error", tag, tag);
     }
@@ -327,8 +326,8 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     const int unit = (int)_unitMode;
     const std::string width = FormatPoints(_setup->PaperWidth(), unit, _setup->XDpi());
     const std::string height = FormatPoints(_setup->PaperHeight(), unit, _setup->YDpi());
-    [_pageWidth setStringValue:[NSString stringWithUTF8String:width.c_str()]];
-    [_pageHeight setStringValue:[NSString stringWithUTF8String:height.c_str()]];
+    [_pageWidth setStringValue:StringOf(width)];
+    [_pageHeight setStringValue:StringOf(height)];
 }
 
 /// Shows a size that was chosen: what was typed before is gone and need not be checked any more.
@@ -339,6 +338,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 - (void)showResolution {
     StuffDouble(_resolution, 0, _setup->XDpi());
+    mCheckResolutionOnExit = NO;
 }
 
 - (IBAction)doSetUnits:(id)sender {
@@ -348,6 +348,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 - (IBAction)doSetPage:(id)sender {
     const NSInteger tag = [[_pagesMenu selectedItem] tag];
+    if (tag == PageSetup::kCustomPageTag && _setup->IsCustomPaper()) return; // nothing else chosen
     if (tag == PageSetup::kCustomPageTag)
         _setup->ChooseCustomPage();
     else
@@ -360,8 +361,9 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 }
 
 - (IBAction)doSetFileFormat:(id)sender {
+    const BOOL isTyping = [self isTypingSize];
     _setup->SetEPS([[_formatMenu selectedItem] tag] != kPostscriptTag);
-    [self syncWithPPD]; // custom sizes come and go with EPS
+    [self syncPageKeepingTyping:isTyping]; // custom sizes come and go with EPS
 }
 
 - (void)setSizeFromDocument {
@@ -410,7 +412,16 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
         [self selectPageTag:tag];
 }
 
+/// Is there a typed size that is no page of the printer's, or not yet a size?
+- (BOOL)isTypingSize {
+    int tag = PageSetup::kCustomPageTag;
+    if (mCheckTypingOnExit)
+        _setup->TypeSize(FieldText(_pageWidth), FieldText(_pageHeight), (int)_unitMode, &tag);
+    return mCheckTypingOnExit && tag == PageSetup::kCustomPageTag;
+}
+
 - (void)handleResolutionTyping {
+    mCheckResolutionOnExit = YES;
     if (!_setup->TypeResolution(FieldText(_resolution))) return;
     if (_unitMode == kPixels) [self showSize]; // the same paper has another number of pixels now
 }
@@ -421,11 +432,16 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     const CustomDimensions limits = _setup->CustomLimits();
     const int unit = (int)_unitMode;
     double width = 0, height = 0;
-    if (!CheckDimensionField(_pageWidth, "Width", unit, &width, _setup->XDpi(), limits.width.high,
-                             limits.width.low))
+    if (!CheckDimensionField(
+            _pageWidth, "Width", unit, &width, _setup->XDpi(), limits.width.high, limits.width.low,
+            [self hint:@"Width:" limits:limits.width unit:unit dpi:_setup->XDpi()]))
         return NO;
     if (!CheckDimensionField(_pageHeight, "Height", unit, &height, _setup->YDpi(),
-                             limits.height.high, limits.height.low))
+                             limits.height.high, limits.height.low,
+                             [self hint:@"Height:"
+                                 limits:limits.height
+                                   unit:unit
+                                    dpi:_setup->YDpi()]))
         return NO;
     _setup->SetPaperSize(width, height);
     [self showSize];
@@ -433,8 +449,39 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     return YES;
 }
 
+/// What may be typed, in the user's language and with its unit.
+- (NSString *)hint:(NSString *)label limits:(NumberRange)limits unit:(int)unit dpi:(double)dpi {
+    NSString *const units[] = {@"pixels", @"points", @"millimetres", @"inches"};
+    return [self hint:label
+                  low:FormatPoints(limits.low, unit, dpi)
+                 high:FormatPoints(limits.high, unit, dpi)
+                 unit:units[unit]];
+}
+
+- (NSString *)hint:(NSString *)label
+               low:(const std::string &)low
+              high:(const std::string &)high
+              unit:(NSString *)unit {
+    return [NSString stringWithFormat:[self localized:@"limits"], [self localized:label],
+                                      StringOf(low), StringOf(high), [self localized:unit]];
+}
+
+- (BOOL)checkTypedResolution {
+    // Dots per inch are checked as what they equal here: the pixels of an inch.
+    constexpr double kPointsPerInch = 72;
+    double dpi = 0;
+    const double low = _params->minResolution, high = _params->maxResolution;
+    NSString *hint = [self hint:@"Resolution:"
+                            low:FormatDouble(0, low)
+                           high:FormatDouble(0, high)
+                           unit:@"dpi"];
+    return CheckDimensionField(_resolution, "Resolution", kPixels, &dpi, kPointsPerInch, high, low,
+                               hint);
+}
+
 - (IBAction)doOK:(id)sender {
-    _isOK = !mCheckTypingOnExit || [self checkTypedSize];
+    _isOK = (!mCheckTypingOnExit || [self checkTypedSize]) &&
+            (!mCheckResolutionOnExit || [self checkTypedResolution]);
     if (_isOK) StopModalAndWake();
 }
 

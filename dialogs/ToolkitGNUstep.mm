@@ -3,6 +3,7 @@
 #import "dialogs/DialogSupport.h"
 #import "dialogs/gnustep/PopUpMenu.h"
 
+#include <csignal>
 #include <cstdlib>
 
 #import <GNUstepGUI/GSDisplayServer.h>
@@ -157,9 +158,25 @@ static void PrepareMouse() {
     if ([server respondsToSelector:initialize]) [server performSelector:initialize];
 }
 
+/// Keeps what the host does about the signals that ask it to end: GNUstep's display server puts
+/// handlers of its own there, after which neither ends anything while a window is open.
+struct HostSignals {
+    static constexpr int kNumbers[] = {SIGINT, SIGTERM};
+    struct sigaction actions[2];
+    HostSignals() {
+        for (int i = 0; i < 2; ++i)
+            sigaction(kNumbers[i], nullptr, &actions[i]);
+    }
+    void PutBack() const {
+        for (int i = 0; i < 2; ++i)
+            sigaction(kNumbers[i], &actions[i], nullptr);
+    }
+};
+
 static BOOL StartApplication() {
     const char *display = std::getenv("DISPLAY");
     if (display == nullptr || *display == 0) return NO;
+    const HostSignals signals;
     @try {
         [[NSUserDefaults standardUserDefaults]
             registerDefaults:[NSDictionary dictionaryWithObject:@"YES"
@@ -171,6 +188,7 @@ static BOOL StartApplication() {
             FinishLaunching();
         else
             [NSScreen mainScreen]; // raises when an earlier start found no server
+        signals.PutBack();
         PrepareMouse();
         [[NSNotificationCenter defaultCenter] addObserver:[ZELDialogWindowGuard new]
                                                  selector:@selector(windowDidBecomeKey:)
@@ -178,6 +196,7 @@ static BOOL StartApplication() {
                                                    object:nil];
         return YES;
     } @catch (NSException *e) {
+        signals.PutBack();
         return NO; // NSWindowServerCommunicationException
     }
 }

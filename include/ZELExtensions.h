@@ -13,7 +13,8 @@
 /// and "sheet" (two numbers, width and height of the paper, points) where the file tells it;
 /// "custom" has "code", "min_width", "max_width", "min_height", "max_height" (points) and "params",
 /// an array of "name", "units", "index", "min", "max"; a resolution has "name", "ui_name",
-/// "postscript", "x_dpi" and "y_dpi". Text that is not UTF-8 is taken byte for byte as Latin-1.
+/// "postscript", "x_dpi" and "y_dpi". "ui_name" is read in the file's *LanguageEncoding; other text
+/// that is not UTF-8 is taken byte for byte as Latin-1.
 ZEL_EXPORT CFDictionaryRef ZELPrCopyPrinterInfo(CFURLRef ppd, CFStringRef *message);
 
 /// The names of the separations that the driver offers now, "Standard" first. The caller releases
@@ -38,5 +39,26 @@ ZEL_EXPORT void ZELPrSetSendToPrintQueue(DriverContext *context, Boolean send);
 /// than it was given: files that are shorter than this have lost something, the last bytes or some
 /// in the middle.
 ZEL_EXPORT uint64_t ZELPrDocumentLength(DriverContext *context);
+
+/// As ZELPrOpen, with the printer of a PPD file instead of the one that the user has chosen, which
+/// is not looked for. kZELFileNotFound when the file is refused; then `*message`, if asked for,
+/// says why (the caller releases it).
+ZEL_EXPORT int32_t ZELPrOpenWithPrinter(CFBundleRef bundle, CFURLRef ppd, DriverContext **context,
+                                        CFStringRef *message);
+
+/// The model of the printer that this context prints with: the user's, or the one that was set or
+/// chosen in the page-setup dialog. Keys as for ZELPrCopyPrinterInfo. `*ppd`, if asked for, becomes
+/// its PPD file, which may be gone by now, and null for the built-in description. The caller
+/// releases both.
+ZEL_EXPORT CFDictionaryRef ZELPrCopyPrinter(DriverContext *context, CFURLRef *ppd);
+
+/// Has the last dialog returned false because it could not be shown or failed, and not because the
+/// user cancelled it? The driver has said why on standard error. Main thread only.
+ZEL_EXPORT Boolean ZELPrDialogFailed(void);
+
+/// Cancels the dialog that is open. A sheet, panel or alert above the dialog is closed first, by a
+/// call of its own: call it again every now and then until the dialog has returned. Any thread;
+/// returns at once.
+ZEL_EXPORT void ZELPrCancelDialog(void);
 
 #endif

@@ -25,6 +25,8 @@ public:
     MiniParser &operator=(const MiniParser &) = delete;
     ~MiniParser() = default;
 
+    CFURLRef URL() const { return mURL.Get(); } ///< not retained
+
     void Rewind() { mFile.Rewind(); }
 
     /// Throws "Not a PPD file" when some of the file could not be read. The queries below take what

@@ -38,7 +38,7 @@ PostscriptPrinterInfo::PostscriptPrinterInfo(CFURLRef ppdURL)
 
 PostscriptPrinterInfo::PostscriptPrinterInfo(const PostscriptPrinterInfo &other)
     : mParser(CopyOf(other.mParser)), mPages(other.mPages), mResolutions(other.mResolutions),
-      mName(other.mName), mHasColour(other.mHasColour),
+      mName(other.mName), mLanguageEncoding(other.mLanguageEncoding), mHasColour(other.mHasColour),
       mHasPostscriptLevel2(other.mHasPostscriptLevel2) {}
 
 PostscriptPrinterInfo &PostscriptPrinterInfo::operator=(const PostscriptPrinterInfo &other) {
@@ -47,12 +47,17 @@ PostscriptPrinterInfo &PostscriptPrinterInfo::operator=(const PostscriptPrinterI
     mPages = std::move(copy.mPages);
     mResolutions = std::move(copy.mResolutions);
     mName = std::move(copy.mName);
+    mLanguageEncoding = std::move(copy.mLanguageEncoding);
     mHasColour = copy.mHasColour;
     mHasPostscriptLevel2 = copy.mHasPostscriptLevel2;
     return *this;
 }
 
 PostscriptPrinterInfo::~PostscriptPrinterInfo() = default;
+
+CFURLRef PostscriptPrinterInfo::URL() const {
+    return mParser ? mParser->URL() : nullptr;
+}
 
 void PostscriptPrinterInfo::SetNoPPDInfo() {
     CFShow(CFSTR("NO PPD INFO SET"));
@@ -70,5 +75,10 @@ void PostscriptPrinterInfo::ExtractInfo() {
     }
     mHasColour = mParser->BooleanKeyword("*ColorDevice", false);
     mHasPostscriptLevel2 = mParser->IntKeyword("*LanguageLevel", 0) > 1;
+    try {
+        mLanguageEncoding = mParser->GetStatement("*LanguageEncoding").GetValue();
+    } catch (const PPD::ParserError &) {
+        // A file need not say.
+    }
     mParser->CheckWasReadWhole();
 }

@@ -25,6 +25,10 @@ public:
 
     /// The PPD's file name, extension included; empty for the built-in description.
     const std::string &GetName() const { return mName; }
+    /// The PPD file; null for the built-in description. Not retained.
+    CFURLRef URL() const;
+    /// What the file says its names are encoded in; empty when it does not.
+    const std::string &GetLanguageEncoding() const { return mLanguageEncoding; }
     bool HasColour() const { return mHasColour; }
     bool HasPostscriptLevel2() const { return mHasPostscriptLevel2; }
     const PostscriptPages &Pages() const { return mPages; }
@@ -38,7 +42,7 @@ private:
     std::unique_ptr<PPD::MiniParser> mParser; ///< null for the built-in description
     PostscriptPages mPages;
     PostscriptResolutions mResolutions;
-    std::string mName;
+    std::string mName, mLanguageEncoding;
     bool mHasColour = false;
     bool mHasPostscriptLevel2 = true;
 };

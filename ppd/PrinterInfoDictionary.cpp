@@ -1,6 +1,7 @@
 #include "ppd/PrinterInfoDictionary.h"
 
 #include "ZELExtensions.h"
+#include "ppd/LanguageEncoding.h"
 #include "ppd/MiniParser.h"
 #include "ppd/ParserError.h"
 
@@ -58,10 +59,11 @@ private:
 
 /// A page or a resolution: what both have.
 template <class Choice>
-Dictionary NamedChoice(const Choice &choice) {
+Dictionary NamedChoice(const Choice &choice, const std::string &languageEncoding) {
     Dictionary dictionary;
     dictionary.Set(CFSTR("name"), choice.GetName());
-    dictionary.Set(CFSTR("ui_name"), choice.GetUIName());
+    const CFRef<CFStringRef> shown = PPD::DecodeText(choice.GetUIName(), languageEncoding);
+    dictionary.Set(CFSTR("ui_name"), shown ? shown.Get() : TextOf(choice.GetUIName()).Get());
     dictionary.Set(CFSTR("postscript"), choice.GetPostscript());
     return dictionary;
 }
@@ -73,11 +75,12 @@ Array ListOf(std::initializer_list<double> numbers) {
     return array;
 }
 
-Array PagesOf(const PostscriptPages &pages, const PPD::SheetSizes &sheets) {
+Array PagesOf(const PostscriptPages &pages, const PPD::SheetSizes &sheets,
+              const std::string &languageEncoding) {
     Array array;
     for (int32_t i = 0; i < pages.NumPages(); ++i) {
         const PostscriptPage &page = pages.GetPage(i);
-        Dictionary dictionary = NamedChoice(page);
+        Dictionary dictionary = NamedChoice(page, languageEncoding);
         dictionary.Set(CFSTR("area"),
                        ListOf({page.Getllx(), page.Getlly(), page.Geturx(), page.Getury()}).Get());
         const auto sheet = sheets.find(page.GetName());
@@ -89,11 +92,11 @@ Array PagesOf(const PostscriptPages &pages, const PPD::SheetSizes &sheets) {
     return array;
 }
 
-Array ResolutionsOf(const PostscriptResolutions &resolutions) {
+Array ResolutionsOf(const PostscriptResolutions &resolutions, const std::string &languageEncoding) {
     Array array;
     for (int32_t i = 0; i < resolutions.NumResolutions(); ++i) {
         const PostscriptResolution &resolution = resolutions.GetResolution(i);
-        Dictionary dictionary = NamedChoice(resolution);
+        Dictionary dictionary = NamedChoice(resolution, languageEncoding);
         dictionary.Set(CFSTR("x_dpi"), resolution.GetXDpi());
         dictionary.Set(CFSTR("y_dpi"), resolution.GetYDpi());
         array.Append(dictionary.Get());
@@ -150,12 +153,23 @@ CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &
     dictionary.Set(CFSTR("name"), info.GetName());
     dictionary.Set(CFSTR("colour"), info.HasColour());
     dictionary.Set(CFSTR("level2"), info.HasPostscriptLevel2());
-    dictionary.Set(CFSTR("pages"), PagesOf(pages, sheets).Get());
+    dictionary.Set(CFSTR("pages"), PagesOf(pages, sheets, info.GetLanguageEncoding()).Get());
     dictionary.Set(CFSTR("default_page"), pages.DefaultPageIndex());
     if (pages.HasCustomPageSetup()) dictionary.Set(CFSTR("custom"), CustomPageOf(pages).Get());
-    dictionary.Set(CFSTR("resolutions"), ResolutionsOf(info.Resolutions()).Get());
+    dictionary.Set(CFSTR("resolutions"),
+                   ResolutionsOf(info.Resolutions(), info.GetLanguageEncoding()).Get());
     dictionary.Set(CFSTR("default_resolution"), info.Resolutions().DefaultResolutionIndex());
     return dictionary.Finished();
+}
+
+CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info) {
+    PPD::SheetSizes sheets;
+    try {
+        sheets = SheetSizesOf(info.URL());
+    } catch (const PPD::ParserError &) {
+        // What has been read of the printer before is good all the same.
+    }
+    return CreatePrinterInfoDictionary(info, sheets);
 }
 
 CFDictionaryRef ZELPrCopyPrinterInfo(CFURLRef ppd, CFStringRef *message) {

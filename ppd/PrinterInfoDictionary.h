@@ -11,3 +11,7 @@
 /// sheet in it.
 CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info,
                                                    const PPD::SheetSizes &sheets);
+
+/// The same with the sheets of the description's own file; without them when it cannot be read any
+/// more.
+CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info);

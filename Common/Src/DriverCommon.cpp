@@ -17,6 +17,7 @@
 #include <memory>
 #include <new>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -43,12 +44,15 @@ bool OptionKeyIsHeld() {
     return (flags & kCGEventFlagMaskAlternate) != 0;
 }
 
-/// The work of opening that needs the context: the printer and the separations to choose from.
-void FillContext(DriverContext *context, CFBundleRef bundle) {
+/// The work of opening that needs the context: the printer, the user's unless one is given, and the
+/// separations to choose from.
+void FillContext(DriverContext *context, CFBundleRef bundle,
+                 std::unique_ptr<PostscriptPrinterInfo> printer) {
     context->bundle = CFRef<CFBundleRef>::Retain(bundle);
     context->bundleIdentifier = CFRef<CFStringRef>::Retain(CFBundleGetIdentifier(bundle));
     context->jobName = CFRef<CFStringRef>::Retain(CFSTR("Untitled"));
-    context->printerInfo = LoadPrinterInfo(context->bundleIdentifier.Get()).release();
+    if (!printer) printer = LoadPrinterInfo(context->bundleIdentifier.Get());
+    context->printerInfo = printer.release();
     context->separations = ScanSeparationsFolder();
 }
 
@@ -69,19 +73,24 @@ int32_t LatchResult(DriverContext *context, int32_t result) {
     return context->error;
 }
 
-int32_t ZELPrOpen(CFBundleRef bundle, DriverContext **outContext) {
+int32_t OpenContext(CFBundleRef bundle, std::unique_ptr<PostscriptPrinterInfo> printer,
+                    DriverContext **outContext) {
     if (!outContext) return kZELBadParameter;
     *outContext = nullptr;
     if (!bundle || !CFBundleGetIdentifier(bundle)) return kZELBadParameter;
     std::unique_ptr<DriverContext> context(new (std::nothrow) DriverContext);
     if (!context) return kZELOutOfMemory;
     try {
-        FillContext(context.get(), bundle);
+        FillContext(context.get(), bundle, std::move(printer));
     } catch (...) {
         return kZELBadParameter;
     }
     *outContext = context.release();
     return kZELNoError;
+}
+
+int32_t ZELPrOpen(CFBundleRef bundle, DriverContext **outContext) {
+    return OpenContext(bundle, nullptr, outContext);
 }
 
 void ZELPrSuggestPage(DriverContext *context, void * /*ignored*/, const ZELPageRecord *page,

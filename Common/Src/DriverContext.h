@@ -6,6 +6,7 @@
 #include "support/CFRef.h"
 #include <CoreServices/CoreServices.h>
 
+#include <memory>
 #include <optional>
 
 class PostscriptPrinterInfo;
@@ -48,6 +49,10 @@ struct DriverContext {
     std::optional<bool> sendToPrintQueue;
     uint64_t documentLength = 0; ///< of the document closed last: see ZELPrDocumentLength
 };
+
+/// Opens a context with that printer; null: with the user's.
+int32_t OpenContext(CFBundleRef bundle, std::unique_ptr<PostscriptPrinterInfo> printer,
+                    DriverContext **outContext);
 
 /// Latches a result other than 0 unless the session has ended already; returns the latched error.
 int32_t LatchResult(DriverContext *context, int32_t result);

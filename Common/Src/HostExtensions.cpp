@@ -1,11 +1,14 @@
 // Choices of a host that hold for one open driver: see ZELExtensions.h.
 #include "Common/Src/DriverContext.h"
 #include "ZELExtensions.h"
+#include "dialogs/DialogEnd.h"
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"
+#include "ppd/PrinterInfoDictionary.h"
 
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -33,6 +36,17 @@ std::unique_ptr<PostscriptPrinterInfo> ReadPrinter(CFURLRef ppd, std::string &er
 
 } // namespace
 
+int32_t ZELPrOpenWithPrinter(CFBundleRef bundle, CFURLRef ppd, DriverContext **context,
+                             CFStringRef *message) {
+    if (message) *message = nullptr;
+    if (context) *context = nullptr;
+    std::string error;
+    std::unique_ptr<PostscriptPrinterInfo> printer = ReadPrinter(ppd, error);
+    if (printer) return OpenContext(bundle, std::move(printer), context);
+    if (message) *message = CreateMessage(error);
+    return kZELFileNotFound;
+}
+
 int32_t ZELPrSetPrinter(DriverContext *context, CFURLRef ppd, CFStringRef *message) {
     if (message) *message = nullptr;
     std::string error;
@@ -52,4 +66,22 @@ void ZELPrSetSendToPrintQueue(DriverContext *context, Boolean send) {
 
 uint64_t ZELPrDocumentLength(DriverContext *context) {
     return context->documentLength;
+}
+
+CFDictionaryRef ZELPrCopyPrinter(DriverContext *context, CFURLRef *ppd) {
+    const PostscriptPrinterInfo &printer = *context->printerInfo;
+    if (ppd) *ppd = CFRef<CFURLRef>::Retain(printer.URL()).Detach();
+    try {
+        return CreatePrinterInfoDictionary(printer).Detach();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+Boolean ZELPrDialogFailed() {
+    return LastDialogFailed();
+}
+
+void ZELPrCancelDialog() {
+    CancelDialog();
 }

@@ -10,8 +10,18 @@ constexpr unichar kByteOrderMark = 0xfeff;
 
 NSStringEncoding FoundationEncoding(CFStringEncoding encoding) {
     switch (encoding) {
+        case kCFStringEncodingMacRoman:
+            return NSMacOSRomanStringEncoding;
         case kCFStringEncodingISOLatin1:
             return NSISOLatin1StringEncoding;
+        case kCFStringEncodingISOLatin2:
+            return NSISOLatin2StringEncoding;
+        case kCFStringEncodingISOLatin5:
+            return NSISOLatin5StringEncoding;
+        case kCFStringEncodingWindowsLatin1:
+            return NSWindowsCP1252StringEncoding;
+        case kCFStringEncodingShiftJIS:
+            return NSShiftJISStringEncoding;
         case kCFStringEncodingUTF16:
             return NSUnicodeStringEncoding;
         default:
@@ -155,6 +165,7 @@ CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encod
         case kCFStringEncodingUTF8:
             return length * 3; // a surrogate pair has four bytes, not six
         case kCFStringEncodingUTF16:
+        case kCFStringEncodingShiftJIS:
             return length * 2;
         default:
             return length;

@@ -173,12 +173,12 @@ TEST_F(PageSetupRules, Sync_PageNameLongerThan40Bytes_FallsBackWithoutHarm) {
     EXPECT_EQ(mSetup.SyncPage(), kLetter); // the record cannot hold the whole name
 }
 
-TEST_F(PageSetupRules, ChoosePage_Rotated_TakesThePageAsItIs) {
+TEST_F(PageSetupRules, ChoosePage_Rotated_TakesItsSizeTurned) {
     mSetup.SetRotated(true);
     mSetup.ChoosePage(kTabloid);
     EXPECT_EQ(PageName(), "Tabloid");
-    EXPECT_EQ(mSetup.PaperWidth(), 792);
-    EXPECT_EQ(mSetup.PaperHeight(), 1224);
+    EXPECT_EQ(mSetup.PaperWidth(), 1224);
+    EXPECT_EQ(mSetup.PaperHeight(), 792);
 }
 
 TEST_F(PageSetupRules, ChoosePage_AfterCustom_IsNoLongerCustom) {

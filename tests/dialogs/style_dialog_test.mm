@@ -99,8 +99,8 @@ TEST_F(StyleFlow, AllControls_Changed_AreInTheRecordAndThePreferences) {
     EXPECT_TRUE(Run());
     SetRecordName(expected.mPageName, "Tabloid");
     SetRecordName(expected.mResolutionName, "600dpi");
-    expected.mPageWidth_be = DoubleToBigEndian(792);
-    expected.mPageHeight_be = DoubleToBigEndian(1224);
+    expected.mPageWidth_be = DoubleToBigEndian(1224); // turned
+    expected.mPageHeight_be = DoubleToBigEndian(792);
     expected.mXDpi_be = expected.mYDpi_be = DoubleToBigEndian(150);
     expected.mColourSpace_be = SwapBigEndian(uint32_t{2});
     expected.mFlipH_be = expected.mFlipV_be = expected.mRotated_be = SwapBigEndian(uint32_t{1});
@@ -304,6 +304,84 @@ TEST_F(StyleFlow, Rotate_NamedPage_TurnsItsSize) {
     EXPECT_EQ(SwapBigEndian(mRecord.mRotated_be), 1u);
 }
 
+TEST_F(StyleFlow, Page_ChosenAgainOnARotatedRecord_StaysAsItIsShown) {
+    mRecord.mRotated_be = SwapBigEndian(uint32_t{1});
+    WhenOpen([] {
+        for (const int page : {kA4, kLetter, kA4}) {
+            ChooseTag([Controller() pagesMenu], page);
+            EXPECT_EQ(Text([Controller() pageWidth]), page == kA4 ? "297.04" : "279.40");
+            EXPECT_EQ(Text([Controller() pageHeight]), page == kA4 ? "209.90" : "215.90");
+        }
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(DoubleFromBigEndian(mRecord.mPageWidth_be), 842);
+    EXPECT_EQ(DoubleFromBigEndian(mRecord.mPageHeight_be), 595);
+}
+
+// A size that is being typed is checked when the user confirms, whatever else has been changed.
+TEST_F(StyleFlow, Typing_ThenRotateOrFormat_KeepsTheText) {
+    WhenOpen([] {
+        TypeInto([Controller() pageWidth], "wide");
+        PressControl([Controller() rotateBox]);
+        EXPECT_EQ(Text([Controller() pageWidth]), "wide");
+        ChooseTag([Controller() formatMenu], 2);
+        EXPECT_EQ(Text([Controller() pageWidth]), "wide");
+        ChooseTag([Controller() formatMenu], 1);
+        EXPECT_EQ(Text([Controller() pageWidth]), "wide");
+        PressLater([Controller() okButton]);
+    });
+    WhenAbove([] {
+        EXPECT_NE(WindowTexts(WindowAboveDialog()).find("Width is not a number."),
+                  std::string::npos);
+        PressButton(WindowAboveDialog(), @"OK");
+    });
+    WhenOpen([] { TypeInto([Controller() pageWidth], "100"); });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_NEAR(DoubleFromBigEndian(mRecord.mPageWidth_be), 100 * 72 / 25.4, 1e-9);
+}
+
+TEST_F(StyleFlow, Typing_ThenAFormatWithoutCustomSizes_ShowsThePage) {
+    PPDOptions options;
+    options.hasCustomPages = false;
+    UsePrinter(options);
+    mRecord.mEPSFormat_be = SwapBigEndian(uint32_t{1});
+    WhenOpen([] {
+        TypeInto([Controller() pageWidth], "wide");
+        ChooseTag([Controller() formatMenu], 1);
+        EXPECT_EQ(Text([Controller() pageWidth]), "209.90");
+        EXPECT_FALSE([[Controller() pageWidth] isEnabled]);
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(RecordName(mRecord.mPageName), "A4");
+}
+
+TEST_F(StyleFlow, Typing_SizeOfAPageThenRotate_TurnsThePage) {
+    WhenOpen([] {
+        TypeInto([Controller() pageWidth], "215.90");
+        TypeInto([Controller() pageHeight], "279.40");
+        PressControl([Controller() rotateBox]);
+        EXPECT_EQ(Text([Controller() pageWidth]), "279.40");
+        EXPECT_EQ(PageName(), "Letter");
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(DoubleFromBigEndian(mRecord.mPageWidth_be), 792);
+}
+
+TEST_F(StyleFlow, Page_CustomChosenAgain_KeepsWhatIsTyped) {
+    WhenOpen([] {
+        TypeInto([Controller() pageWidth], "100");
+        TypeInto([Controller() pageHeight], "20");
+        ChooseTag([Controller() pagesMenu], kCustom);
+        EXPECT_EQ(Text([Controller() pageHeight]), "20");
+    });
+    Press(@"Cancel");
+    EXPECT_FALSE(Run());
+}
+
 TEST_F(StyleFlow, Format_EPS_AllowsCustomSizesOnAnyPrinter) {
     PPDOptions options;
     options.hasCustomPages = false;
@@ -437,6 +515,7 @@ struct BadSize {
     int unit;
     const char *width, *height, *message;
     bool heightIsWrong;
+    const char *hint;
 };
 
 class StyleBadSize : public StyleFlow, public testing::WithParamInterface<BadSize> {};
@@ -457,6 +536,8 @@ TEST_P(StyleBadSize, OK_BadSize_BeepsTellsSelectsAndStaysOpen) {
         EXPECT_EQ(BeepCount(), beeps + 1);
         EXPECT_NE(WindowTexts(WindowAboveDialog()).find(bad.message), std::string::npos)
             << WindowTexts(WindowAboveDialog());
+        EXPECT_NE(WindowTexts(WindowAboveDialog()).find(bad.hint), std::string::npos)
+            << WindowTexts(WindowAboveDialog());
         TakePicture(WindowAboveDialog(),
                     bad.heightIsWrong ? "style-range-alert" : "style-no-number-alert");
         PressButton(WindowAboveDialog(), @"OK");
@@ -476,18 +557,25 @@ TEST_P(StyleBadSize, OK_BadSize_BeepsTellsSelectsAndStaysOpen) {
 INSTANTIATE_TEST_SUITE_P(
     Sizes, StyleBadSize,
     testing::Values(
-        BadSize{kMillimetres, "", "200", "Width is not a number.", false},
-        BadSize{kPoints, "wide", "200", "Width is not a number.", false},
-        BadSize{kInches, "8.5in", "11", "Width is not a number.", false},
-        BadSize{kPixels, "-600", "2000", "Width is not a number.", false},
-        BadSize{kPoints, "99999999999999999999", "200", "Width is not a number.", false},
-        BadSize{kPoints, "71", "200", "Width should be a number between 72.00 and 1000.00.", false},
-        BadSize{kPixels, "299", "2000", "Width should be a number between 300 and 4167.", false},
+        BadSize{kMillimetres, "", "200", "Width is not a number.", false,
+                "Width: 25.40 to 352.78 millimetres"},
+        BadSize{kPoints, "wide", "200", "Width is not a number.", false,
+                "Width: 72.00 to 1000.00 points"},
+        BadSize{kInches, "8.5in", "11", "Width is not a number.", false,
+                "Width: 1.00 to 13.89 inches"},
+        BadSize{kPixels, "-600", "2000", "Width is not a number.", false,
+                "Width: 300 to 4167 pixels"},
+        BadSize{kPoints, "99999999999999999999", "200", "Width is not a number.", false,
+                "Width: 72.00 to 1000.00 points"},
+        BadSize{kPoints, "71", "200", "Width should be a number between 72.00 and 1000.00.", false,
+                "Width: 72.00 to 1000.00 points"},
+        BadSize{kPixels, "299", "2000", "Width should be a number between 300 and 4167.", false,
+                "Width: 300 to 4167 pixels"},
         BadSize{kPoints, "100", "2000.5", "Height should be a number between 144.00 and 2000.00.",
-                true},
-        BadSize{kInches, "5", "x", "Height is not a number.", true},
+                true, "Height: 144.00 to 2000.00 points"},
+        BadSize{kInches, "5", "x", "Height is not a number.", true, "Height: 2.00 to 27.78 inches"},
         BadSize{kMillimetres, "100", "50.79", "Height should be a number between 50.80 and 705.56.",
-                true}));
+                true, "Height: 50.80 to 705.56 millimetres"}));
 
 TEST_F(StyleFlow, OK_NoNumberInEachFieldAndUnit_IsToldAndSelected) {
     for (int unit = 0; unit < 4; ++unit) {
@@ -534,6 +622,49 @@ TEST_F(StyleFlow, Typing_Resolution_FollowsOnlyGoodNumbers) {
     Press(@"OK");
     EXPECT_TRUE(Run());
     EXPECT_EQ(mRecord.mXDpi_be, DoubleToBigEndian(72.5));
+}
+
+class StyleBadResolution : public StyleFlow, public testing::WithParamInterface<const char *> {};
+
+TEST_P(StyleBadResolution, OK_BadResolution_TellsSelectsAndStaysOpen) {
+    const char *const bad = GetParam();
+    WhenOpen([bad] {
+        TypeInto([Controller() resolution], bad);
+        PressLater([Controller() okButton]);
+    });
+    WhenAbove([] {
+        const std::string texts = WindowTexts(WindowAboveDialog());
+        const char *message = texts.find("is not") != std::string::npos
+                                  ? "Resolution is not a number."
+                                  : "Resolution should be a number between 10 and 10000.";
+        EXPECT_NE(texts.find(message), std::string::npos) << texts;
+        EXPECT_NE(texts.find("Resolution: 10 to 10000 dpi"), std::string::npos) << texts;
+        TakePicture(WindowAboveDialog(), "style-resolution-alert");
+        PressButton(WindowAboveDialog(), @"OK");
+    });
+    WhenOpen([bad] {
+        EXPECT_FALSE([Controller() isOK]);
+        EXPECT_EQ(Text([Controller() resolution]), bad);
+        EXPECT_TRUE(IsTextSelected([Controller() resolution]));
+        TypeInto([Controller() resolution], "1200");
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(mRecord.mXDpi_be, DoubleToBigEndian(1200));
+}
+
+INSTANTIATE_TEST_SUITE_P(Resolutions, StyleBadResolution,
+                         testing::Values("12000", "9", "-1", "fine", "300 dpi", ""));
+
+TEST_F(StyleFlow, Typing_BadResolutionThenFromDocument_IsForgotten) {
+    WhenOpen([] {
+        TypeInto([Controller() resolution], "12000");
+        PressControl([Controller() documentSizeButton]);
+        EXPECT_EQ(Text([Controller() resolution]), "300");
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(mRecord.mXDpi_be, DoubleToBigEndian(300));
 }
 
 TEST_F(StyleFlow, Typing_ResolutionWhilePixels_ShowsTheNewPixelCount) {

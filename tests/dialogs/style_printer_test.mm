@@ -408,7 +408,7 @@ TEST_F(StyleFlow, PPD_LongAndForeignNames_AreShown) {
         EXPECT_EQ(std::string([[[pages itemAtIndex:1] title] UTF8String]), "Größe");
         EXPECT_EQ(std::string([[pages titleOfSelectedItem] UTF8String]), longName);
         EXPECT_EQ(std::string([[[[Controller() resolutionMenu] itemAtIndex:1] title] UTF8String]),
-                  "PPD Error");
+                  "ärmlich");
         TakePicture(DialogWindow(), "style-long-names");
         ChooseTag([Controller() resolutionMenu], 1);
         EXPECT_EQ(ResolutionName(), "150dpi");
@@ -416,6 +416,53 @@ TEST_F(StyleFlow, PPD_LongAndForeignNames_AreShown) {
     Press(@"OK");
     EXPECT_TRUE(Run());
 }
+
+struct DeclaredEncoding {
+    const char *name, *bytes, *shown;
+};
+
+class StyleEncoding : public StyleFlow, public testing::WithParamInterface<DeclaredEncoding> {};
+
+TEST_P(StyleEncoding, PPD_Names_AreReadAsTheFileDeclares) {
+    const DeclaredEncoding encoding = GetParam();
+    PPDOptions options;
+    options.extra = "*LanguageEncoding: " + std::string(encoding.name) + "\n*PageSize AA/" +
+                    encoding.bytes + ": \"\"\n*Resolution 150dpi/" + encoding.bytes + ": \"\"\n";
+    UsePrinter(options);
+    WhenOpen([encoding] {
+        const auto title = [](NSPopUpButton *popup, NSInteger index) {
+            return std::string([[[popup itemAtIndex:index] title] UTF8String]);
+        };
+        EXPECT_EQ(title([Controller() pagesMenu], 1), encoding.shown);
+        EXPECT_EQ(title([Controller() resolutionMenu], 1), encoding.shown);
+    });
+    Press(@"Cancel");
+    EXPECT_FALSE(Run());
+}
+
+INSTANTIATE_TEST_SUITE_P(Encodings, StyleEncoding,
+                         testing::Values(DeclaredEncoding{"ISOLatin1",
+                                                          "Gr\xf6\xdf"
+                                                          "e",
+                                                          "Größe"},
+                                         DeclaredEncoding{"WindowsANSI", "\x84x\x93 \x80", "„x“ €"},
+                                         DeclaredEncoding{"MacStandard",
+                                                          "Gr\x9a\xa7"
+                                                          "e",
+                                                          "Größe"},
+                                         DeclaredEncoding{"ISOLatin2", "\xb3", "ł"},
+                                         DeclaredEncoding{"ISOLatin5", "\xfd", "ı"},
+                                         DeclaredEncoding{"JIS83-RKSJ", "\x97p\x8e\x86", "用紙"},
+                                         DeclaredEncoding{"UTF-8", "Größe", "Größe"},
+                                         DeclaredEncoding{"UTF-8",
+                                                          "Gr\xf6\xdf"
+                                                          "e",
+                                                          "PPD Error"},
+                                         DeclaredEncoding{"None",
+                                                          "Gr\xf6\xdf"
+                                                          "e",
+                                                          "Größe"},
+                                         DeclaredEncoding{"None", "Größe", "Größe"}));
 
 TEST_F(StyleFlow, PPD_VeryLongFileName_GivesWayInTheMiddle) {
     const std::string name =

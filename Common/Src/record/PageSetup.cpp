@@ -5,9 +5,11 @@
 #include "Common/Src/record/PrinterLoading.h"
 #include "Common/Src/record/Settings.h"
 #include "colour/Separations.h"
+#include "ppd/LanguageEncoding.h"
 #include "ppd/MiniParser.h"
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"
+#include "support/CFText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -132,9 +134,9 @@ CustomDimensions PageSetup::CustomLimits() const {
     return limits;
 }
 
-void PageSetup::UsePage(int index, bool turned) {
+void PageSetup::UsePage(int index) {
     const PostscriptPage &page = Printer().Pages().GetPage(index);
-    const PageSize size = SizeOf(page, turned);
+    const PageSize size = SizeOf(page, IsRotated());
     SetRecordName(mRecord.mPageName, page.GetName());
     mRecord.mPageIsCustom_be = Flag(false);
     SetPaperSize(size.width, size.height);
@@ -155,7 +157,7 @@ int PageSetup::SyncPage() {
     if (pages.NumPages() == 0) return kNoPageTag;
     int index = pages.FindPageByName(RecordName(mRecord.mPageName));
     if (index < 0) index = pages.DefaultPageIndex();
-    UsePage(index, IsRotated());
+    UsePage(index);
     return index;
 }
 
@@ -177,8 +179,7 @@ void PageSetup::ChooseCustomPage() {
 void PageSetup::ChoosePage(int index) {
     const PostscriptPages &pages = Printer().Pages();
     if (index < 0 || index >= pages.NumPages()) return;
-    // Not turned on a rotated record, unlike elsewhere: the user asks for this paper as it is.
-    UsePage(index, false);
+    UsePage(index);
 }
 
 void PageSetup::ChooseResolution(int index) {
@@ -236,7 +237,7 @@ bool PageSetup::TypeSize(const std::string &width, const std::string &height, in
     *tag = page >= 0 ? page : kCustomPageTag;
     if (page >= 0) {
         // With the page's own size: with the rounded one that was typed, validation can refuse it.
-        UsePage(page, IsRotated());
+        UsePage(page);
     } else {
         mRecord.mPageIsCustom_be = Flag(true);
         SetRecordName(mRecord.mPageName, "");
@@ -255,14 +256,19 @@ bool PageSetup::TypeResolution(const std::string &text) {
     return true;
 }
 
+std::string PageSetup::Title(const std::string &uiName) const {
+    const CFRef<CFStringRef> text = PPD::DecodeText(uiName, Printer().GetLanguageEncoding());
+    return UTF8Text(text.Get()).value_or("PPD Error");
+}
+
 std::vector<std::string> PageSetup::PageTitles(std::string *error) const {
     const PostscriptPages &pages = Printer().Pages();
     return TitlesOrError(
-        [&pages] {
+        [this, &pages] {
             std::vector<std::string> titles;
             titles.reserve(static_cast<size_t>(pages.NumPages()));
             for (int32_t i = 0; i < pages.NumPages(); ++i)
-                titles.push_back(pages.GetPage(i).GetUIName());
+                titles.push_back(Title(pages.GetPage(i).GetUIName()));
             return titles;
         },
         error);
@@ -271,11 +277,11 @@ std::vector<std::string> PageSetup::PageTitles(std::string *error) const {
 std::vector<std::string> PageSetup::ResolutionTitles(std::string *error) const {
     const PostscriptResolutions &resolutions = Printer().Resolutions();
     return TitlesOrError(
-        [&resolutions] {
+        [this, &resolutions] {
             std::vector<std::string> titles;
             titles.reserve(static_cast<size_t>(resolutions.NumResolutions()));
             for (int32_t i = 0; i < resolutions.NumResolutions(); ++i)
-                titles.push_back(resolutions.GetResolution(i).GetUIName());
+                titles.push_back(Title(resolutions.GetResolution(i).GetUIName()));
             return titles;
         },
         error);

@@ -82,8 +82,9 @@ public:
     /// Follows the typing of a resolution; false when it is no number within the host's limits.
     virtual bool TypeResolution(const std::string &text);
 
-    /// Display names for the pop-ups, in the printer's order. A PPD error empties the list and is
-    /// told in `*error`.
+    /// Display names for the pop-ups, UTF-8, in the printer's order; "PPD Error" for one that is no
+    /// text in the encoding that its file declares. A PPD error empties the list and is told in
+    /// `*error`.
     virtual std::vector<std::string> PageTitles(std::string *error) const;
     virtual std::vector<std::string> ResolutionTitles(std::string *error) const;
 
@@ -109,7 +110,8 @@ public:
 
 private:
     const PostscriptPrinterInfo &Printer() const { return **mParams->printerInfo; }
-    void UsePage(int index, bool turned);
+    std::string Title(const std::string &uiName) const;
+    void UsePage(int index);
     void UseCustomSize(double width, double height);
     int PageWithSizeText(const std::string &width, const std::string &height, int unit,
                          double widthPoints, double heightPoints) const;

@@ -6,8 +6,13 @@
 
 typedef UInt32 CFStringEncoding;
 enum {
+    kCFStringEncodingMacRoman = 0,
     kCFStringEncodingUTF16 = 0x0100,
     kCFStringEncodingISOLatin1 = 0x0201,
+    kCFStringEncodingISOLatin2 = 0x0202,
+    kCFStringEncodingISOLatin5 = 0x0209,
+    kCFStringEncodingWindowsLatin1 = 0x0500,
+    kCFStringEncodingShiftJIS = 0x0A01,
     kCFStringEncodingUTF8 = 0x08000100
 };
 
