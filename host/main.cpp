@@ -3,18 +3,9 @@
 #include "host/driver/ProgramPath.h"
 #include "host/readers/RowReader.h"
 #include <cstdio>
-#include <platform/Platform.h>
 #include <unistd.h>
 
-namespace {
-
-/// Several bands and strips of a large page: they are allocated anew all the time.
-constexpr int kKeptBytes = 32 << 20;
-
-} // namespace
-
 int main(int argc, char **argv) {
-    PlatformKeepFreedMemory(kKeptBytes);
     SetProgramPath(argv[0]);
     const int status = RunCommandLine(argc, argv, PrintCommand);
     if (!RowReader::HasLeftOne()) return status;

@@ -16,12 +16,17 @@ enum {
     kZELColourSpaceRGB = 2
 };
 
+enum {
+    kZELMinimumDpi = 10, ///< limits of `mXDpi_be` and `mYDpi_be`, both inclusive
+    kZELMaximumDpi = 10000
+};
+
 typedef struct PSHPrint {
     uint8_t mMagic_be[4];     ///< the bytes "POST"
     uint8_t mPadding1[4];     ///< zero
     uint64_t mPageWidth_be;   ///< double: points, of the page as the printer names it (not rotated)
     uint64_t mPageHeight_be;  ///< double: points
-    uint64_t mXDpi_be;        ///< double: dots per inch, 10 to 10000
+    uint64_t mXDpi_be;        ///< double: dots per inch, kZELMinimumDpi to kZELMaximumDpi
     uint64_t mYDpi_be;        ///< double: the same down the page
     char mPageName[41];       ///< the printer's page name, at most 40 bytes, zero-terminated
     char mResolutionName[41]; ///< the printer's resolution name, likewise

@@ -30,6 +30,20 @@ ZEL_EXPORT CFURLRef ZELPrCopySeparationsFolder(void);
 /// `*message`, if asked for, says why (the caller releases it).
 ZEL_EXPORT int32_t ZELPrSetPrinter(DriverContext *context, CFURLRef ppd, CFStringRef *message);
 
+/// The PPD file that the user has chosen, as it is saved now; null when there is none or it cannot
+/// be found (a path that an old version saved is told even if nothing is there any more). It need
+/// not be the printer of this context. The caller releases the URL.
+ZEL_EXPORT CFURLRef ZELPrCopyUsersPrinter(DriverContext *context);
+
+/// The hot folder that the user has chosen in the print dialog, as it is saved now; null when there
+/// is none or it cannot be found, as for the printer. The caller releases the URL, and decides
+/// whether it is this context's: see ZELPrSetJobSettings.
+ZEL_EXPORT CFURLRef ZELPrCopyUsersHotFolder(DriverContext *context);
+
+/// Whether the user has chosen that documents go to the default print queue, as it is saved now.
+/// False when the user has not said.
+ZEL_EXPORT Boolean ZELPrUserSendsToPrintQueue(DriverContext *context);
+
 /// Makes this context hand its documents to the default print queue, or not, whatever the user has
 /// chosen.
 ZEL_EXPORT void ZELPrSetSendToPrintQueue(DriverContext *context, Boolean send);
@@ -60,5 +74,25 @@ ZEL_EXPORT Boolean ZELPrDialogFailed(void);
 /// call of its own: call it again every now and then until the dialog has returned. Any thread;
 /// returns at once.
 ZEL_EXPORT void ZELPrCancelDialog(void);
+
+/// Is there a window system? Without one ZELPrStyle and ZELPrJob fail as if they were cancelled,
+/// and messages are lines on standard error.
+ZEL_EXPORT Boolean ZELPrCanShowDialogs(void);
+
+/// Gives the file `from` the name `to`, in one step, unless something has it: so that a document
+/// stands in a watched folder at once and whole, and in nobody's place. Both are paths on one file
+/// system, as that has them. 0, or an `errno` value: EEXIST when the name is taken; EINVAL, ENOSYS
+/// or another when that file system cannot do it.
+ZEL_EXPORT int32_t ZELPrMoveWithoutReplacing(const char *from, const char *to);
+
+/// Hands a copy of the finished document `path` to the default print queue, as the driver does with
+/// documents of its own, and waits until the queue has it. The file stays. False when the queue
+/// does not take it, or when there is no print command.
+ZEL_EXPORT Boolean ZELPrHandToPrintQueue(const char *path);
+
+/// Asks the allocator of this process to keep up to `bytes` of freed memory for its next use
+/// instead of giving it back to the system: for a host that allocates the memory of its bands again
+/// and again. A hint, for good.
+ZEL_EXPORT void ZELPrKeepFreedMemory(int32_t bytes);
 
 #endif

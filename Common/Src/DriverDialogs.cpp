@@ -19,24 +19,6 @@ CFStringRef JobDialogTitle(CFBundleRef bundle) {
     return static_cast<CFStringRef>(name);
 }
 
-/// The folder saved last, if it can still be found.
-CFRef<CFURLRef> SavedHotFolder(CFStringRef applicationID) {
-    const CFRef<CFDataRef> bookmark =
-        CopyFileLocationPreference(applicationID, CFSTR("HotFolderBookmark"), CFSTR("HotFolder"));
-    if (!bookmark) return {};
-    return CFRef<CFURLRef>(CFURLCreateByResolvingBookmarkData(kCFAllocatorDefault, bookmark.Get(),
-                                                              kCFURLBookmarkResolutionWithoutUIMask,
-                                                              nullptr, nullptr, nullptr, nullptr));
-}
-
-void SaveHotFolder(CFStringRef applicationID, CFURLRef folder) {
-    const CFRef<CFDataRef> bookmark(CFURLCreateBookmarkData(
-        kCFAllocatorDefault, folder, kCFURLBookmarkCreationSuitableForBookmarkFile, nullptr,
-        nullptr, nullptr));
-    SetFileLocationPreference(applicationID, CFSTR("HotFolderBookmark"), bookmark.Get());
-    CFPreferencesAppSynchronize(applicationID);
-}
-
 /// What a cancelled dialog leaves behind: no error, but nothing is printed any more.
 Boolean ConfirmedOrCancelled(DriverContext *context, bool confirmed) {
     if (!confirmed) context->state = SessionState::kCancelled;
@@ -72,7 +54,7 @@ bool DoJob(DriverContext *context, Handle record) {
     CFPreferencesAppSynchronize(applicationID);
     int16_t firstPage = Int16FromBigEndian(copy.fromPage_be);
     int16_t lastPage = Int16FromBigEndian(copy.toPage_be);
-    CFURLRef folder = SavedHotFolder(applicationID).Detach();
+    CFURLRef folder = CopyFoundHotFolder(applicationID).Detach();
     CFStringRef fileName = nullptr;
     const bool confirmed =
         JobDialog(context->bundle.Get(), applicationID, JobDialogTitle(context->bundle.Get()),

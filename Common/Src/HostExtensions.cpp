@@ -1,5 +1,7 @@
-// Choices of a host that hold for one open driver: see ZELExtensions.h.
+// What a host needs beyond the classic call sequence: see ZELExtensions.h.
 #include "Common/Src/DriverContext.h"
+#include "Common/Src/postscript/PrintQueue.h"
+#include "Common/Src/record/Settings.h"
 #include "ZELExtensions.h"
 #include "dialogs/DialogEnd.h"
 #include "ppd/ParserError.h"
@@ -7,6 +9,7 @@
 #include "ppd/PrinterInfoDictionary.h"
 
 #include <memory>
+#include <platform/Platform.h>
 #include <string>
 #include <utility>
 
@@ -84,4 +87,32 @@ Boolean ZELPrDialogFailed() {
 
 void ZELPrCancelDialog() {
     CancelDialog();
+}
+
+CFURLRef ZELPrCopyUsersPrinter(DriverContext *context) {
+    return CopySavedPPD(context->bundleIdentifier.Get()).Detach();
+}
+
+CFURLRef ZELPrCopyUsersHotFolder(DriverContext *context) {
+    return CopySavedHotFolder(context->bundleIdentifier.Get()).Detach();
+}
+
+Boolean ZELPrUserSendsToPrintQueue(DriverContext *context) {
+    return GetSendToDefaultPrintQueue(context->bundleIdentifier.Get());
+}
+
+Boolean ZELPrCanShowDialogs() {
+    return PlatformHasWindowServer();
+}
+
+int32_t ZELPrMoveWithoutReplacing(const char *from, const char *to) {
+    return PlatformMoveWithoutReplacing(from, to);
+}
+
+Boolean ZELPrHandToPrintQueue(const char *path) {
+    return PrintCopyOfFile(path) == 0;
+}
+
+void ZELPrKeepFreedMemory(int32_t bytes) {
+    PlatformKeepFreedMemory(bytes);
 }

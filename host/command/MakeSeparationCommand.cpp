@@ -4,6 +4,7 @@
 #include "host/command/Console.h"
 #include "host/driver/Driver.h"
 #include "host/separations/MakeSeparation.h"
+#include "host/separations/Separations.h"
 #include <CLI/CLI.hpp>
 #include <cctype>
 #include <memory>
@@ -16,21 +17,11 @@ struct Options {
     bool force = false;
 };
 
-std::string SeparationsFolder(const std::string &bundlePath) {
-    const DriverBundle bundle(bundlePath);
-    const CFOwner<CFURLRef> url(ZEL_CALL(bundle, ZELPrCopySeparationsFolder)());
-    std::string folder = PathOfURL(url.Get());
-    if (folder.empty())
-        throw HostError(ExitStatus::Output, "the folder of the separation profiles is not known; "
-                                            "check that the user has a home folder");
-    return folder;
-}
-
 ExitStatus Make(const Options &options, const std::string &bundlePath) {
     CheckSeparationName(options.name);
     if (!MakeCFString(options.name))
         throw HostError(ExitStatus::Usage, "the name is not UTF-8; give another one");
-    const std::string folder = SeparationsFolder(bundlePath);
+    const std::string folder = SeparationsFolder(DriverBundle(bundlePath));
     const std::string bytes = MakeSeparationProfile(options.recipe);
     const std::string path = InstallSeparation(folder, options.name, bytes, options.force);
     Answer("Separation '" + PlainText(options.name) + "' is in " + PlainText(path) + "\n");

@@ -2,6 +2,7 @@
 
 #include "host/command/Console.h"
 #include "host/command/Report.h"
+#include "host/job/JobSetup.h"
 #include "host/job/PlacementPlan.h"
 #include "host/job/PrintJob.h"
 #include "host/readers/ImageModule.h"
@@ -10,6 +11,9 @@
 #include <cstdio>
 
 namespace {
+
+/// Several bands and strips of a large page: they are allocated anew all the time.
+constexpr int kKeptBytes = 32 << 20;
 
 void CheckOptions(const JobOptions &options) {
     if (options.files.empty())
@@ -53,17 +57,20 @@ ExitStatus Print(const JobOptions &options) {
     CheckOptions(options);
     const std::vector<SourceFile> files(options.files.begin(), options.files.end());
     const DriverBundle bundle(options.bundle);
+    bundle.KeepFreedMemory(kKeptBytes);
     StartModule(files);
     CheckPNMFiles(files);
-    const JobSetup setup(bundle, options, files);
-    const JobPlan &plan = setup.Plan();
+    const DriverSession session(bundle);
+    const RecordHandle record(sizeof(PSHPrint));
+    const JobPlan plan = SetUpJob(session, options, files, record.Get());
     const std::string cut = CutNotice(plan, options.placement);
     if (!cut.empty()) Complain(cut);
     if (options.dryRun) {
         Answer(options.json ? DryRunAsJSON(plan) : DryRunAsText(plan));
         return ExitStatus::Success;
     }
-    const JobResult result = PrintJob(setup, options.bandHeight, options.quiet);
+    const JobResult result =
+        PrintJob(session, record.Get(), plan, options.bandHeight, options.quiet);
     if (options.json)
         Answer(ReportAsJSON(plan, result));
     else if (!options.quiet)

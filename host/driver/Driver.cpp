@@ -41,14 +41,14 @@ DriverBundle::DriverBundle(const std::string &option) : mPath(FindBundle(option)
 #define ZEL_HOST_LOAD(name)                                                                        \
     mFunctions.name = reinterpret_cast<decltype(mFunctions.name)>(load(#name));
     ZEL_HOST_FUNCTIONS(ZEL_HOST_LOAD)
-    ZEL_HOST_LOAD(ZELPrStyle)
-    ZEL_HOST_LOAD(ZELPrJob)
-    ZEL_HOST_LOAD(ZELPrCopyJobSettings)
-    ZEL_HOST_LOAD(ZELPrSetJobSettings)
 #undef ZEL_HOST_LOAD
     if (!mFunctions.ZELPrOpen || !mFunctions.ZELPrClose)
         throw HostError(ExitStatus::Driver,
                         "the driver bundle " + mPath + " cannot be loaded; install it again");
+}
+
+void DriverBundle::KeepFreedMemory(int bytes) const {
+    if (mFunctions.ZELPrKeepFreedMemory) mFunctions.ZELPrKeepFreedMemory(bytes);
 }
 
 void DriverBundle::ThrowMissing(const char *name) const {
@@ -80,4 +80,12 @@ std::string DriverSession::ErrorText(int32_t code) const {
     unsigned char text[256] = {0};
     (void)ZEL_CALL(mBundle, ZELPrErrorString)(mContext, code, text);
     return std::string(reinterpret_cast<const char *>(text) + 1, text[0]);
+}
+
+std::string DriverSession::UsersPPD() const {
+    return PathOfURL(CFOwner<CFURLRef>(ZEL_CALL(mBundle, ZELPrCopyUsersPrinter)(mContext)).Get());
+}
+
+std::string DriverSession::UsersHotFolder() const {
+    return PathOfURL(CFOwner<CFURLRef>(ZEL_CALL(mBundle, ZELPrCopyUsersHotFolder)(mContext)).Get());
 }

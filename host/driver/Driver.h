@@ -14,8 +14,12 @@
     X(ZELPrSuggestPage)                                                                            \
     X(ZELPrValidate)                                                                               \
     X(ZELPrDefaults)                                                                               \
+    X(ZELPrStyle)                                                                                  \
+    X(ZELPrJob)                                                                                    \
     X(ZELPrGetInfo)                                                                                \
     X(ZELPrSetJobName)                                                                             \
+    X(ZELPrCopyJobSettings)                                                                        \
+    X(ZELPrSetJobSettings)                                                                         \
     X(ZELPrOpenDoc)                                                                                \
     X(ZELPrOpenPage)                                                                               \
     X(ZELPrPrintBitmap)                                                                            \
@@ -28,7 +32,14 @@
     X(ZELPrCopySeparationsFolder)                                                                  \
     X(ZELPrSetPrinter)                                                                             \
     X(ZELPrSetSendToPrintQueue)                                                                    \
-    X(ZELPrDocumentLength)
+    X(ZELPrDocumentLength)                                                                         \
+    X(ZELPrCopyUsersPrinter)                                                                       \
+    X(ZELPrCopyUsersHotFolder)                                                                     \
+    X(ZELPrUserSendsToPrintQueue)                                                                  \
+    X(ZELPrCanShowDialogs)                                                                         \
+    X(ZELPrMoveWithoutReplacing)                                                                   \
+    X(ZELPrHandToPrintQueue)                                                                       \
+    X(ZELPrKeepFreedMemory)
 
 /// The bundle's functions under their own names. A function that this bundle lacks is null.
 struct DriverFunctions {
@@ -37,10 +48,6 @@ struct DriverFunctions {
     decltype(&::name) name = nullptr; // NOLINT(bugprone-macro-parentheses)
     ZEL_HOST_FUNCTIONS(ZEL_HOST_DECLARE)
 #undef ZEL_HOST_DECLARE
-    Boolean (*ZELPrStyle)(DriverContext *, Handle) = nullptr;
-    Boolean (*ZELPrJob)(DriverContext *, Handle) = nullptr;
-    CFDictionaryRef (*ZELPrCopyJobSettings)(DriverContext *, Handle) = nullptr;
-    Boolean (*ZELPrSetJobSettings)(DriverContext *, Handle, CFDictionaryRef) = nullptr;
 };
 
 /// The path of the driver's bundle: `option` (--bundle) if not empty, else $ZEL_BUNDLE, else
@@ -54,9 +61,11 @@ public:
     explicit DriverBundle(const std::string &option);
 
     [[nodiscard]] CFBundleRef Bundle() const { return mBundle.Get(); }
-    [[nodiscard]] CFStringRef Identifier() const { return CFBundleGetIdentifier(mBundle.Get()); }
     /// The functions; calling one that is null is the caller's fault: see Require.
     [[nodiscard]] const DriverFunctions &Functions() const { return mFunctions; }
+
+    /// See ZELPrKeepFreedMemory; a driver that does not know it leaves the allocator as it is.
+    void KeepFreedMemory(int bytes) const;
 
     /// `function` itself. Throws HostError when the bundle lacks it; `name` is for the message.
     template <typename F>
@@ -101,6 +110,10 @@ public:
     [[nodiscard]] DriverContext *Context() const { return mContext; }
     /// The driver's own words for a result code.
     [[nodiscard]] std::string ErrorText(int32_t code) const;
+    /// The path of the PPD file that the user has chosen; empty when there is none or it is gone.
+    [[nodiscard]] std::string UsersPPD() const;
+    /// The hot folder that the user has chosen; empty when there is none or it is gone.
+    [[nodiscard]] std::string UsersHotFolder() const;
 
 private:
     const DriverBundle &mBundle;

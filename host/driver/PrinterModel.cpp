@@ -87,25 +87,6 @@ const T *Find(const std::vector<T> &list, const std::string &text) {
     return found == list.end() ? nullptr : &*found;
 }
 
-/// The path of a file that a preference names: a bookmark, or a path as older versions kept it.
-std::string PathOfPreference(const DriverBundle &bundle, const char *bookmarkKey,
-                             const char *pathKey) {
-    const CFOwner<CFPropertyListRef> bookmark(
-        CFPreferencesCopyAppValue(MakeCFString(bookmarkKey).Get(), bundle.Identifier()));
-    if (bookmark) {
-        if (CFGetTypeID(bookmark.Get()) != CFDataGetTypeID()) return {};
-        Boolean stale = false;
-        const CFOwner<CFURLRef> url(CFURLCreateByResolvingBookmarkData(
-            kCFAllocatorDefault, static_cast<CFDataRef>(bookmark.Get()),
-            kCFURLBookmarkResolutionWithoutUIMask, nullptr, nullptr, &stale, nullptr));
-        return PathOfURL(url.Get());
-    }
-    const CFOwner<CFPropertyListRef> path(
-        CFPreferencesCopyAppValue(MakeCFString(pathKey).Get(), bundle.Identifier()));
-    if (!path || CFGetTypeID(path.Get()) != CFStringGetTypeID()) return {};
-    return TextOfCFString(static_cast<CFStringRef>(path.Get()));
-}
-
 } // namespace
 
 const PrinterPage *PrinterModel::FindPage(const std::string &text) const {
@@ -158,12 +139,4 @@ PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd
     PrinterModel model = ModelOf(info.Get());
     model.builtIn = ppd.empty();
     return model;
-}
-
-std::string UsersPPD(const DriverBundle &bundle) {
-    return PathOfPreference(bundle, "PPDBookmark", "PPDFile");
-}
-
-std::string UsersHotFolder(const DriverBundle &bundle) {
-    return PathOfPreference(bundle, "HotFolderBookmark", "HotFolder");
 }

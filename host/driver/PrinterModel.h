@@ -51,10 +51,4 @@ struct PrinterModel {
 /// driver's words, to which any failure to read is a file that is no PPD file.
 [[nodiscard]] std::string WhyRefused(const std::string &ppd, CFStringRef message);
 
-/// The PPD file that the user has chosen for this driver; empty when there is none or it is gone.
-[[nodiscard]] std::string UsersPPD(const DriverBundle &bundle);
-
-/// The hot folder that the user has chosen; empty when there is none or it is gone.
-[[nodiscard]] std::string UsersHotFolder(const DriverBundle &bundle);
-
 #endif

@@ -17,6 +17,11 @@ struct RecordResolution {
     double x = 0, y = 0; ///< dots per inch
 };
 
+/// Is it a number of dots per inch that a record may have?
+[[nodiscard]] constexpr bool IsGoodDpi(double dpi) {
+    return dpi >= double{kZELMinimumDpi} && dpi <= double{kZELMaximumDpi};
+}
+
 /// A view of a handle of at least 416 bytes, which must outlive it.
 class Record {
 public:

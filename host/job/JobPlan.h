@@ -1,4 +1,4 @@
-/// Everything that is decided about a job before its first page is printed.
+/// Everything that is decided about a job before its first page is printed, step by step.
 #ifndef ZEL_HOST_JOBPLAN_H
 #define ZEL_HOST_JOBPLAN_H
 
@@ -14,28 +14,49 @@ struct PageReference {
     PagePlacement placement; ///< in the plan's area
 };
 
-struct JobPlan {
-    std::string title;
-    uint32_t colourSpace = kZELColourSpaceCMYK;
-    std::string separation; ///< empty: "Standard", or no CMYK document
+/// Which pages are printed, and how often.
+struct PageChoice {
+    std::vector<PageReference> pages; ///< of one copy
+    int copies = 1;
+
+    [[nodiscard]] int TotalPages() const { return static_cast<int>(pages.size()) * copies; }
+};
+
+/// How the page lies on the paper.
+struct PaperPlan {
     bool eps = false;
     bool rotated = false; ///< the page lies turned on the paper
     bool turned = false;  ///< it is turned by zelprint, not by the driver
+};
+
+/// From which pixels to which colours.
+struct ColourPlan {
+    uint32_t colourSpace = kZELColourSpaceCMYK;
+    std::string separation; ///< empty: "Standard", or no CMYK document
+    DocumentPixels pixels = DocumentPixels::XRGB;
+};
+
+/// The page as the driver takes it.
+struct RasterPlan {
     RecordPage media;
     RecordResolution resolution;
-    PageGrid grid;      ///< the page as the driver takes it
+    PageGrid grid;
     PrintableArea area; ///< the page as it lies in front of the reader
     double widthMM = 0, heightMM = 0;
-    DocumentPixels pixels = DocumentPixels::XRGB;
-    std::vector<PageReference> pages; ///< of one copy
-    int copies = 1;
-    bool queue = false;
-    std::string folder; ///< where the document goes
-    std::string name;   ///< what the first file is called there; empty: after the title
+};
 
+/// Where the document goes.
+struct Destination {
+    std::string title;
+    std::string folder;
+    std::string name; ///< what the first file is called there; empty: after the title
+    bool queue = false;
+};
+
+/// The results of all steps.
+struct JobPlan : PageChoice, PaperPlan, ColourPlan, RasterPlan, Destination {
     /// What a page is to become on the driver's page.
     [[nodiscard]] PageTarget TargetOf(const PageReference &page) const;
-    [[nodiscard]] int TotalPages() const { return static_cast<int>(pages.size()) * copies; }
     /// Bytes of one page's samples in the document.
     [[nodiscard]] uint64_t PageBytes() const;
     /// Bounds of the size of a file with `count` pages.

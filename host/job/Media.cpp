@@ -80,8 +80,7 @@ std::optional<Dpi> ParseDpi(const std::string &text) {
     }
     const std::string unit = text.substr(at);
     if (!unit.empty() && unit != "dpi") return std::nullopt;
-    const auto good = [](double value) { return value >= 10 && value <= 10000; };
-    return good(dpi.x) && good(dpi.y) ? std::optional(dpi) : std::nullopt;
+    return IsGoodDpi(dpi.x) && IsGoodDpi(dpi.y) ? std::optional(dpi) : std::nullopt;
 }
 
 RecordPage ChooseMedia(const PrinterModel &printer, const std::string &text, bool eps) {

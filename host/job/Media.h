@@ -15,7 +15,7 @@ struct PaperSize {
 [[nodiscard]] std::optional<PaperSize> ParsePaperSize(const std::string &text);
 
 /// A resolution written N or NxM, with or without "dpi" behind it. Empty when it is none, or not
-/// within the driver's 10 to 10000 dpi.
+/// within the driver's limits.
 struct Dpi {
     double x = 0, y = 0;
 };

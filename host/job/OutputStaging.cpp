@@ -9,7 +9,6 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <platform/Platform.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -59,8 +58,8 @@ std::string SplitExtension(std::string &name) {
 }
 
 /// Gives `from` the name `to` unless it is taken. Returns 0 or an errno value.
-int MoveWithoutReplacing(const std::string &from, const std::string &to) {
-    const int moved = PlatformMoveWithoutReplacing(from, to);
+int MoveWithoutReplacing(NamingFunction inOneStep, const std::string &from, const std::string &to) {
+    const int moved = inOneStep ? inOneStep(from.c_str(), to.c_str()) : ENOSYS;
     if (moved == 0 || moved == EEXIST) return moved;
     // Many a network's file system cannot, but knows hard links.
     if (link(from.c_str(), to.c_str()) == 0) {
@@ -80,7 +79,8 @@ int MoveWithoutReplacing(const std::string &from, const std::string &to) {
 
 } // namespace
 
-OutputStaging::OutputStaging(const std::string &folder) : mFolder(RealFolder(folder)) {
+OutputStaging::OutputStaging(const std::string &folder, NamingFunction inOneStep)
+    : mFolder(RealFolder(folder)), mInOneStep(inOneStep) {
     if (mFolder.size() + kLongestName > kLongestPath)
         Refuse(mFolder.substr(0, 80) + "...", "the path is too long; choose another folder");
     const size_t slash = mFolder.rfind('/');
@@ -120,7 +120,7 @@ std::string OutputStaging::MoveUnique(const std::string &name) const {
         if (number > 0) (void)snprintf(suffix, sizeof suffix, "_%02d", number);
         std::string target = mFolder + "/" + base;
         target.append(suffix).append(extension);
-        const int code = MoveWithoutReplacing(mStaging + "/" + name, target);
+        const int code = MoveWithoutReplacing(mInOneStep, mStaging + "/" + name, target);
         if (code == 0) return target;
         if (code != EEXIST) Refuse(target, strerror(code));
     }

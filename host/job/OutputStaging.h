@@ -3,6 +3,7 @@
 #ifndef ZEL_HOST_OUTPUTSTAGING_H
 #define ZEL_HOST_OUTPUTSTAGING_H
 
+#include "ZELExtensions.h"
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -12,11 +13,15 @@ struct FinishedFile {
     uint64_t bytes = 0;
 };
 
+/// The driver's function that names a file in one step and replaces nothing.
+using NamingFunction = decltype(&ZELPrMoveWithoutReplacing);
+
 class OutputStaging {
 public:
     /// Makes the hidden folder: beside `folder` if that is on the same file system and may be
-    /// written, else inside it. Throws HostError (Output) when `folder` cannot take files.
-    explicit OutputStaging(const std::string &folder);
+    /// written, else inside it. `inOneStep` gives finished files their names; without it hard links
+    /// do. Throws HostError (Output) when `folder` cannot take files.
+    explicit OutputStaging(const std::string &folder, NamingFunction inOneStep = nullptr);
     /// Removes the hidden folder with everything that is still in it.
     ~OutputStaging();
     OutputStaging(const OutputStaging &) = delete;
@@ -38,6 +43,7 @@ private:
 
     std::string mFolder;
     std::string mStaging;
+    NamingFunction mInOneStep;
 };
 
 /// Throws HostError (Output) when something other than a regular file has the name that a new file

@@ -2,7 +2,7 @@
 
 #include "host/command/Progress.h"
 #include "host/job/Cancellation.h"
-#include "host/job/PrintQueue.h"
+#include "host/job/Settings.h"
 #include "host/readers/RowReader.h"
 #include "host/separations/Separations.h"
 #include <algorithm>
@@ -16,12 +16,12 @@ namespace {
 constexpr std::chrono::milliseconds kPatience{50};
 
 /// The driver's failure as a HostError.
-[[noreturn]] void ThrowDriverFailure(const JobSetup &setup, int32_t code) {
-    const JobPlan &plan = setup.Plan();
+[[noreturn]] void ThrowDriverFailure(const DriverSession &session, const JobPlan &plan,
+                                     int32_t code) {
     if (code == kZELFileNotFound && !plan.separation.empty())
         throw HostError(ExitStatus::Input,
-                        "the separation \"" + plan.separation +
-                            "\" cannot be loaded: " + SeparationProblem(plan.separation));
+                        "the separation \"" + plan.separation + "\" cannot be loaded: " +
+                            SeparationProblem(session.Bundle(), plan.separation));
     if (code > 0 && code != kZELUnexpectedFailure)
         throw HostError(ExitStatus::Output, "cannot write the document in " + plan.folder + ": " +
                                                 strerror(code) + "; nothing was kept");
@@ -30,16 +30,16 @@ constexpr std::chrono::milliseconds kPatience{50};
                                                 "; check the folder and its path");
     if (code == kZELOutOfMemory)
         throw HostError(ExitStatus::Driver, "out of memory; use a lower --resolution");
-    throw HostError(ExitStatus::Driver, "the driver failed: " + setup.Session().ErrorText(code) +
+    throw HostError(ExitStatus::Driver, "the driver failed: " + session.ErrorText(code) +
                                             " (code " + std::to_string(code) + ")");
 }
 
 /// One document on its way through the driver.
 class DocumentWriter {
 public:
-    DocumentWriter(const JobSetup &setup, int bandHeight, bool quiet)
-        : mSetup(setup), mPlan(setup.Plan()), mDriver(setup.Session().Bundle().Functions()),
-          mContext(setup.Session().Context()), mBandHeight(bandHeight),
+    DocumentWriter(const DriverSession &session, const JobPlan &plan, int bandHeight, bool quiet)
+        : mSession(session), mPlan(plan), mDriver(session.Bundle().Functions()),
+          mContext(session.Context()), mBandHeight(bandHeight),
           mProgress(mPlan.TotalPages(), quiet) {}
 
     void Open() { Check(mDriver.ZELPrOpenDoc(mContext)); }
@@ -61,12 +61,12 @@ public:
 
     /// Bytes that the driver has made of the document.
     [[nodiscard]] uint64_t Length() const {
-        return ZEL_CALL(mSetup.Session().Bundle(), ZELPrDocumentLength)(mContext);
+        return ZEL_CALL(mSession.Bundle(), ZELPrDocumentLength)(mContext);
     }
 
 private:
     void Check(int32_t code) const {
-        if (code != kZELNoError) ThrowDriverFailure(mSetup, code);
+        if (code != kZELNoError) ThrowDriverFailure(mSession, mPlan, code);
     }
 
     void PrintPage(const PageReference &source, int number) {
@@ -107,9 +107,7 @@ private:
         band.baseAddress = rows.pixels;
         band.bounds = {top, 0, top + rows.count, place.width};
         band.rowBytes = rows.rowBytes;
-        band.pixelFormat = mPlan.pixels == DocumentPixels::CMYK   ? kZELFormatCMYK32
-                           : mPlan.pixels == DocumentPixels::XRGB ? kZELFormatXRGB32
-                                                                  : kZELFormatGray8;
+        band.pixelFormat = PixelFormat(mPlan.pixels);
         const ZELRect destination = {place.top + top, place.left, place.top + top + rows.count,
                                      place.left + place.width};
         Check(mDriver.ZELPrPrintBitmap(mContext, &band, &band.bounds, &destination));
@@ -121,7 +119,7 @@ private:
         throw HostError(Cancellation::Status(), "cancelled; nothing was kept");
     }
 
-    const JobSetup &mSetup;
+    const DriverSession &mSession;
     const JobPlan &mPlan;
     const DriverFunctions &mDriver;
     DriverContext *mContext;
@@ -180,20 +178,25 @@ void CheckFiles(const JobPlan &plan, const OutputStaging &staging, uint64_t made
                       std::to_string(size) + " of " + std::to_string(made) + " bytes arrived");
 }
 
+bool IsQueued(const DriverBundle &bundle, const std::string &path) {
+    return ZEL_CALL(bundle, ZELPrHandToPrintQueue)(path.c_str()) != 0;
+}
+
 } // namespace
 
-JobResult PrintJob(const JobSetup &setup, int bandHeight, bool quiet) {
-    const JobPlan &plan = setup.Plan();
+JobResult PrintJob(const DriverSession &session, Handle record, const JobPlan &plan, int bandHeight,
+                   bool quiet) {
     const Cancellation cancellation;
-    OutputStaging staging(plan.folder);
+    OutputStaging staging(plan.folder, session.Bundle().Functions().ZELPrMoveWithoutReplacing);
     CheckRoom(plan.folder, plan.LeastFileSize(plan.TotalPages()));
-    SetOutputFolder(setup.Session(), setup.RecordInHandle(), staging.Folder());
-    DocumentWriter writer(setup, bandHeight, quiet);
+    SetOutputFolder(session, record, staging.Folder());
+    DocumentWriter writer(session, plan, bandHeight, quiet);
     writer.Open();
     writer.PrintPages();
     CheckFiles(plan, staging, writer.Length());
     JobResult result;
-    result.queued = plan.queue && HandToPrintQueue(staging.Folder() + "/" + staging.Files()[0]);
+    result.queued =
+        plan.queue && IsQueued(session.Bundle(), staging.Folder() + "/" + staging.Files()[0]);
     if (result.queued) return result;
     // A name that is not made from the title was chosen in the print dialog's save panel, which has
     // asked whether it may replace a file.

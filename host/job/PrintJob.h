@@ -2,7 +2,8 @@
 #ifndef ZEL_HOST_PRINTJOB_H
 #define ZEL_HOST_PRINTJOB_H
 
-#include "host/job/JobSetup.h"
+#include "host/driver/Driver.h"
+#include "host/job/JobPlan.h"
 #include "host/job/OutputStaging.h"
 #include <functional>
 
@@ -12,8 +13,10 @@ struct JobResult {
     bool queued = false;
 };
 
-/// Prints every page of the plan and puts the finished document in its place. On failure nothing is
-/// left there and HostError tells why, except that a document that the queue refused is kept.
-[[nodiscard]] JobResult PrintJob(const JobSetup &setup, int bandHeight, bool quiet);
+/// Prints every page of the plan (SetUpJob) and puts the finished document in its place. On failure
+/// nothing is left there and HostError tells why, except that a document that the queue refused is
+/// kept.
+[[nodiscard]] JobResult PrintJob(const DriverSession &session, Handle record, const JobPlan &plan,
+                                 int bandHeight, bool quiet);
 
 #endif

@@ -1,10 +1,23 @@
 #include "host/readers/PackPixels.h"
 
+#include "ZELTypes.h"
 #include <bit>
 #include <cstring>
 
 int PixelSize(DocumentPixels pixels) {
     return pixels == DocumentPixels::Darkness ? 1 : 4;
+}
+
+uint16_t PixelFormat(DocumentPixels pixels) {
+    switch (pixels) {
+        case DocumentPixels::Darkness:
+            return kZELFormatGray8;
+        case DocumentPixels::XRGB:
+            return kZELFormatXRGB32;
+        case DocumentPixels::CMYK:
+            return kZELFormatCMYK32;
+    }
+    return 0;
 }
 
 namespace {

@@ -14,6 +14,9 @@ enum class DocumentPixels {
 /// Bytes a pixel.
 [[nodiscard]] int PixelSize(DocumentPixels pixels);
 
+/// What the driver calls them: one of the kZELFormat codes.
+[[nodiscard]] uint16_t PixelFormat(DocumentPixels pixels);
+
 /// Packs `count` pixels of `bands` samples (1: gray, 3: RGB, 4: CMYK) for the driver.
 void PackPixels(const uint8_t *source, int bands, int count, DocumentPixels target, uint8_t *out);
 

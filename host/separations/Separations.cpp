@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <platform/Platform.h>
 #include <sys/stat.h>
 
 namespace {
@@ -66,9 +65,17 @@ void CheckSeparation(const DriverBundle &bundle, const std::string &name) {
                                            ", or make it with zelprint make-separation");
 }
 
-std::string SeparationProblem(const std::string &name) {
-    const std::string path =
-        PlatformApplicationSupportFolder() + "/ZEL/Profiles/Postscript/" + name;
+std::string SeparationsFolder(const DriverBundle &bundle) {
+    const CFOwner<CFURLRef> url(ZEL_CALL(bundle, ZELPrCopySeparationsFolder)());
+    std::string folder = PathOfURL(url.Get());
+    if (folder.empty())
+        throw HostError(ExitStatus::Output, "the folder of the separation profiles is not known; "
+                                            "check that the user has a home folder");
+    return folder;
+}
+
+std::string SeparationProblem(const DriverBundle &bundle, const std::string &name) {
+    const std::string path = SeparationsFolder(bundle) + "/" + name;
     struct stat info {};
     if (stat(path.c_str(), &info) != 0)
         return path + " is not there; put the profile directly into this folder";

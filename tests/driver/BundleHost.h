@@ -12,16 +12,21 @@
 /// The driver's functions by their exported names. Nothing of the driver is linked into the test.
 struct DriverFunctions {
 #define ZEL_EACH_FUNCTION(X)                                                                       \
+    X(ZELPrCanShowDialogs)                                                                         \
     X(ZELPrClose)                                                                                  \
     X(ZELPrCloseDoc)                                                                               \
     X(ZELPrClosePage)                                                                              \
     X(ZELPrCopyJobSettings)                                                                        \
+    X(ZELPrCopyUsersHotFolder)                                                                     \
+    X(ZELPrCopyUsersPrinter)                                                                       \
     X(ZELPrDefaults)                                                                               \
     X(ZELPrDocumentLength)                                                                         \
     X(ZELPrErrorString)                                                                            \
     X(ZELPrGetInfo)                                                                                \
     X(ZELPrJob)                                                                                    \
     X(ZELPrJobMerge)                                                                               \
+    X(ZELPrKeepFreedMemory)                                                                        \
+    X(ZELPrMoveWithoutReplacing)                                                                   \
     X(ZELPrOpen)                                                                                   \
     X(ZELPrOpenDoc)                                                                                \
     X(ZELPrOpenPage)                                                                               \
@@ -33,6 +38,7 @@ struct DriverFunctions {
     X(ZELPrSetSendToPrintQueue)                                                                    \
     X(ZELPrStyle)                                                                                  \
     X(ZELPrSuggestPage)                                                                            \
+    X(ZELPrUserSendsToPrintQueue)                                                                  \
     X(ZELPrValidate)
 #define ZEL_DECLARE(name) decltype(&::name) name = nullptr;
     ZEL_EACH_FUNCTION(ZEL_DECLARE)

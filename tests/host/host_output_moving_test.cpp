@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <platform/Platform.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,15 +34,6 @@ Function *Real(const char *name) {
 
 extern "C" {
 
-// Called from the platform's library, too.
-__attribute__((visibility("default"))) int renameat2(int oldFolder, const char *from, int newFolder,
-                                                     const char *to, unsigned int flags) noexcept {
-    errno = renameWithoutReplacingFails;
-    if (errno != 0) return -1;
-    return Real<int(int, const char *, int, const char *, unsigned)>("renameat2")(
-        oldFolder, from, newFolder, to, flags);
-}
-
 int link(const char *from, const char *to) noexcept {
     errno = linkFails;
     if (errno != 0) return -1;
@@ -56,6 +48,12 @@ int rename(const char *from, const char *to) noexcept {
 } // extern "C"
 
 namespace {
+
+/// What the driver does.
+int32_t MoveInOneStep(const char *from, const char *to) {
+    return renameWithoutReplacingFails != 0 ? renameWithoutReplacingFails
+                                            : PlatformMoveWithoutReplacing(from, to);
+}
 
 namespace fs = std::filesystem;
 
@@ -87,7 +85,7 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
     [[nodiscard]] std::string Publish() const {
-        OutputStaging staging((mRoot / "hot").string());
+        OutputStaging staging((mRoot / "hot").string(), MoveInOneStep);
         Write(fs::path(staging.Folder()) / "report.ps", "new");
         return fs::path(staging.Publish("")[0].path).filename();
     }

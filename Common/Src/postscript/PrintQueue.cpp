@@ -3,12 +3,22 @@
 #include "platform/Platform.h"
 #include "support/CFRef.h"
 #include "support/CFText.h"
-#include <iterator>
+#include <initializer_list>
+
+namespace {
+
+int RunPrintCommand(std::initializer_list<const char *> arguments) {
+    return PlatformRunTask("/usr/bin/lpr", arguments.begin(), static_cast<int>(arguments.size()));
+}
+
+} // namespace
 
 int CopyFileToPrinter(CFURLRef file) {
     const CFRef<CFStringRef> path(CFURLCopyFileSystemPath(file, kCFURLPOSIXPathStyle));
     const std::optional<std::string> text = UTF8Text(path.Get());
-    if (!text) return 1;
-    const char *const arguments[] = {"-o", "raw", "-r", text->c_str()};
-    return PlatformRunTask("/usr/bin/lpr", arguments, static_cast<int>(std::size(arguments)));
+    return text ? RunPrintCommand({"-o", "raw", "-r", text->c_str()}) : 1;
+}
+
+int PrintCopyOfFile(const char *path) {
+    return RunPrintCommand({"-o", "raw", path});
 }

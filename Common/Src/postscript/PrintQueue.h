@@ -7,3 +7,6 @@
 /// print command removes the file once it has it. Returns its exit status, 1 when it cannot be
 /// started.
 [[nodiscard]] int CopyFileToPrinter(CFURLRef file);
+
+/// The same without "-r": the file stays.
+[[nodiscard]] int PrintCopyOfFile(const char *path);

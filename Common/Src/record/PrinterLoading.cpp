@@ -15,9 +15,7 @@ CFRef<CFURLRef> ChosenPPD(CFStringRef bundleIdentifier) {
         DisplayError("No PPD file has been selected - using defaults");
         throw int16_t{kZELFileNotFound};
     }
-    CFRef<CFURLRef> url(CFURLCreateByResolvingBookmarkData(kCFAllocatorDefault, bookmark.Get(),
-                                                           kCFURLBookmarkResolutionWithoutUIMask,
-                                                           nullptr, nullptr, nullptr, nullptr));
+    CFRef<CFURLRef> url = ResolvedBookmark(bookmark.Get());
     if (!url) {
         DisplayError("Can't find the PPD file - using defaults");
         throw int16_t{kZELFileNotFound};

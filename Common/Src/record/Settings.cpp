@@ -10,9 +10,13 @@ constexpr int32_t kFirstUnit = 2;
 constexpr int32_t kLastUnit = 4;
 constexpr int32_t kDefaultUnit = 3;
 
-CFRef<CFDataRef> BookmarkOfPath(CFStringRef path) {
-    CFRef<CFURLRef> url(
+CFRef<CFURLRef> URLOfPath(CFStringRef path) {
+    return CFRef<CFURLRef>(
         CFURLCreateWithFileSystemPath(kCFAllocatorDefault, path, kCFURLPOSIXPathStyle, false));
+}
+
+CFRef<CFDataRef> BookmarkOfPath(CFStringRef path) {
+    const CFRef<CFURLRef> url = URLOfPath(path);
     if (!url) return {};
     return CFRef<CFDataRef>(CFURLCreateBookmarkData(kCFAllocatorDefault, url.Get(),
                                                     kCFURLBookmarkCreationSuitableForBookmarkFile,
@@ -26,6 +30,16 @@ CFRef<CFDataRef> BookmarkOfLegacyValue(CFPropertyListRef value) {
         return CFRef<CFDataRef>(CFURLCreateBookmarkDataFromAliasRecord(
             kCFAllocatorDefault, static_cast<CFDataRef>(value)));
     return {};
+}
+
+CFRef<CFURLRef> SavedLocation(CFStringRef applicationID, CFStringRef bookmarkKey,
+                              CFStringRef legacyKey) {
+    const CFRef<CFPropertyListRef> bookmark(CFPreferencesCopyAppValue(bookmarkKey, applicationID));
+    const CFRef<CFPropertyListRef> legacy(CFPreferencesCopyAppValue(legacyKey, applicationID));
+    if (!bookmark && legacy && CFGetTypeID(legacy.Get()) == CFStringGetTypeID())
+        return URLOfPath(static_cast<CFStringRef>(legacy.Get()));
+    return ResolvedBookmark(
+        CopyFileLocationPreference(applicationID, bookmarkKey, legacyKey).Get());
 }
 
 void SetNumber(CFStringRef applicationID, CFStringRef key, int32_t value) {
@@ -74,6 +88,35 @@ CFRef<CFPropertyListRef> CopySavedPPDFile(CFStringRef applicationID) {
 
 void RestoreSavedPPDFile(CFStringRef applicationID, CFPropertyListRef value) {
     CFPreferencesSetAppValue(CFSTR("PPDBookmark"), value, applicationID);
+}
+
+CFRef<CFURLRef> ResolvedBookmark(CFDataRef bookmark) {
+    if (!bookmark) return {};
+    return CFRef<CFURLRef>(CFURLCreateByResolvingBookmarkData(kCFAllocatorDefault, bookmark,
+                                                              kCFURLBookmarkResolutionWithoutUIMask,
+                                                              nullptr, nullptr, nullptr, nullptr));
+}
+
+CFRef<CFURLRef> CopySavedPPD(CFStringRef applicationID) {
+    return SavedLocation(applicationID, CFSTR("PPDBookmark"), CFSTR("PPDFile"));
+}
+
+CFRef<CFURLRef> CopySavedHotFolder(CFStringRef applicationID) {
+    return SavedLocation(applicationID, CFSTR("HotFolderBookmark"), CFSTR("HotFolder"));
+}
+
+CFRef<CFURLRef> CopyFoundHotFolder(CFStringRef applicationID) {
+    return ResolvedBookmark(
+        CopyFileLocationPreference(applicationID, CFSTR("HotFolderBookmark"), CFSTR("HotFolder"))
+            .Get());
+}
+
+void SaveHotFolder(CFStringRef applicationID, CFURLRef folder) {
+    const CFRef<CFDataRef> bookmark(CFURLCreateBookmarkData(
+        kCFAllocatorDefault, folder, kCFURLBookmarkCreationSuitableForBookmarkFile, nullptr,
+        nullptr, nullptr));
+    SetFileLocationPreference(applicationID, CFSTR("HotFolderBookmark"), bookmark.Get());
+    CFPreferencesAppSynchronize(applicationID);
 }
 
 int32_t GetMeasurementUnits(CFStringRef applicationID) {

@@ -19,10 +19,23 @@ struct DriverContext;
 void SetFileLocationPreference(CFStringRef applicationID, CFStringRef key, CFDataRef bookmark);
 
 [[nodiscard]] CFRef<CFDataRef> CopyPPDFileLocation(CFStringRef applicationID);
+/// Where the file is now; null when none was chosen or its bookmark leads nowhere. A path as old
+/// versions kept it is told also when nothing is there, so that a host can name what is missing.
+[[nodiscard]] CFRef<CFURLRef> CopySavedPPD(CFStringRef applicationID);
 void SavePPDFileLocation(CFStringRef applicationID, CFDataRef bookmark);
 /// The saved value as it is, whatever its type, to be put back after a choice that was cancelled.
 [[nodiscard]] CFRef<CFPropertyListRef> CopySavedPPDFile(CFStringRef applicationID);
 void RestoreSavedPPDFile(CFStringRef applicationID, CFPropertyListRef value); ///< null: none
+
+/// The item of a bookmark, wherever it is now; null for null and when it cannot be found.
+[[nodiscard]] CFRef<CFURLRef> ResolvedBookmark(CFDataRef bookmark);
+
+/// The hot folder that the print dialog saved last; null when there is none or it cannot be found.
+[[nodiscard]] CFRef<CFURLRef> CopyFoundHotFolder(CFStringRef applicationID);
+/// The same, as CopySavedPPD.
+[[nodiscard]] CFRef<CFURLRef> CopySavedHotFolder(CFStringRef applicationID);
+/// Saves the folder and synchronises.
+void SaveHotFolder(CFStringRef applicationID, CFURLRef folder);
 
 /// "MeasurementsUnit": 2, 3 or 4; 3 when missing or anything else. The page-setup dialog keeps a
 /// setting of its own under "MeasurementUnit"; both spellings are in users' preferences.

@@ -1,0 +1,127 @@
+#include "host/job/RasterPlan.h"
+
+#include "host/command/Console.h"
+#include "host/command/ExitStatus.h"
+#include "host/job/PageRange.h"
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr double kPointsPerMM = 72 / 25.4;
+constexpr int kLongestSide = 1000000; // pixels
+
+/// The driver mirrors after it has turned, zelprint before.
+void TakeTurnOff(Record &record) {
+    record.SetRotated(false);
+    const bool flipH = record.FlipH();
+    record.SetFlipH(record.FlipV());
+    record.SetFlipV(flipH);
+    RecordResolution resolution = record.Resolution();
+    std::swap(resolution.x, resolution.y);
+    record.SetResolution(resolution);
+}
+
+RecordPage TruePage(const PrinterModel &printer, const PaperPlan &plan, RecordPage page) {
+    if (page.custom) {
+        if (plan.turned) std::swap(page.width, page.height);
+        return page;
+    }
+    const PrinterPage *named = printer.FindPage(page.name);
+    if (!named && !plan.eps)
+        throw HostError(ExitStatus::Usage, "the printer has no page called \"" + page.name +
+                                               "\"; choose one with --media");
+    if (!named) return page;
+    page = {named->name, false, named->Width(), named->Height()};
+    if (plan.rotated && !plan.turned) std::swap(page.width, page.height);
+    return page;
+}
+
+} // namespace
+
+PaperPlan FitPaper(const PrinterModel &printer, Record &record) {
+    PaperPlan plan;
+    plan.eps = record.EPS();
+    plan.rotated = record.Rotated();
+    plan.turned = plan.eps && plan.rotated;
+    const RecordPage page = TruePage(printer, plan, record.Page());
+    if (plan.turned) TakeTurnOff(record);
+    record.SetPage(page);
+    if (!plan.eps && !printer.level2)
+        throw HostError(ExitStatus::Usage, "the printer does not understand PostScript Level 2; "
+                                           "choose another PPD file, or print with --eps");
+    if (page.custom && !plan.eps && !printer.custom)
+        throw HostError(ExitStatus::Usage,
+                        "the printer has no custom page sizes; choose a page with --media");
+    return plan;
+}
+
+PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
+                       const std::vector<SourceFile> &files, Handle record) {
+    ZELDriverInfo info = {};
+    (void)ZEL_CALL(session.Bundle(), ZELPrGetInfo)(session.Context(), record, &info);
+    const PageRange range = options.pageRange ? PageRange::Parse(*options.pageRange)
+                                              : PageRange(info.firstPage, info.lastPage);
+    PageChoice choice;
+    choice.copies = std::max<int>(1, info.copies);
+    int number = 0;
+    for (const SourceFile &file : files)
+        for (int page = 0; page < file.PageCount(); ++page)
+            if (range.Contains(++number)) choice.pages.push_back({&file, page, {}});
+    if (choice.pages.empty())
+        throw HostError(ExitStatus::Usage, "none of the " + std::to_string(number) +
+                                               " pages is in the range asked for; correct -P");
+    return choice;
+}
+
+ColourPlan PlanColours(const Record &record, const std::vector<PageReference> &pages) {
+    ColourPlan plan;
+    plan.colourSpace = record.ColourSpace();
+    if (plan.colourSpace == kZELColourSpaceGray) plan.pixels = DocumentPixels::Darkness;
+    if (plan.colourSpace != kZELColourSpaceCMYK) return plan;
+    plan.separation = record.Separation();
+    if (plan.separation == "Standard") plan.separation.clear();
+    const auto isCMYK = [](const PageReference &reference) {
+        return reference.file->Kind() != FileKind::PDF &&
+               reference.file->Describe(reference.page).kind == PixelKind::CMYK;
+    };
+    const auto count = std::count_if(pages.begin(), pages.end(), isCMYK);
+    if (count == static_cast<std::ptrdiff_t>(pages.size()))
+        plan.pixels = DocumentPixels::CMYK;
+    else if (count > 0)
+        // One document has one kind of pixels.
+        Complain("CMYK and other images in one document: the CMYK ones are converted and "
+                 "separated anew; print them by themselves to keep them as they are");
+    return plan;
+}
+
+RasterPlan PlanRaster(Record &record, uint32_t colourSpace) {
+    RasterPlan plan;
+    plan.media = record.Page();
+    plan.resolution = record.Resolution();
+    RecordResolution &dpi = plan.resolution;
+    if (!IsGoodDpi(dpi.x) || !IsGoodDpi(dpi.y))
+        throw HostError(ExitStatus::Usage, "the resolution \"" + dpi.name +
+                                               "\" is not one of 10 to 10000 dpi; choose another "
+                                               "with --resolution");
+    const double width = plan.media.width * dpi.x / 72;
+    const double height = plan.media.height * dpi.y / 72;
+    if (!(width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide))
+        throw HostError(ExitStatus::Usage,
+                        "the page has no printable area of a sensible size; choose another with "
+                        "--media");
+    plan.grid.width = static_cast<int>(width);
+    plan.grid.height = static_cast<int>(height);
+    AvoidShortGroup(plan.grid.width, plan.grid.height, ComponentsOf(colourSpace));
+    // The driver truncates; half a pixel more keeps its result where it is meant to be.
+    if (plan.grid.width != static_cast<int>(width))
+        dpi.x = (plan.grid.width + 0.5) * 72 / plan.media.width;
+    if (plan.grid.height != static_cast<int>(height))
+        dpi.y = (plan.grid.height + 0.5) * 72 / plan.media.height;
+    record.SetResolution(dpi);
+    plan.grid.dpiX = plan.grid.width * 72 / plan.media.width;
+    plan.grid.dpiY = plan.grid.height * 72 / plan.media.height;
+    plan.widthMM = plan.media.width / kPointsPerMM;
+    plan.heightMM = plan.media.height / kPointsPerMM;
+    return plan;
+}

@@ -1,0 +1,26 @@
+/// From the record to the pages, the colours and the raster that are printed.
+#ifndef ZEL_HOST_RASTERPLAN_H
+#define ZEL_HOST_RASTERPLAN_H
+
+#include "host/command/JobOptions.h"
+#include "host/driver/PrinterModel.h"
+#include "host/job/JobPlan.h"
+
+/// Makes the record one that the driver prints as it reads: a named page gets its true size, and
+/// the turn of an EPS page is taken off it (its bounding box would stay that of the unturned page).
+/// Throws HostError (Usage) when the printer cannot print it.
+[[nodiscard]] PaperPlan FitPaper(const PrinterModel &printer, Record &record);
+
+/// The pages in the range that the options or the record ask for. `files` must outlive the result.
+/// Throws HostError (Usage) when there are none.
+[[nodiscard]] PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
+                                     const std::vector<SourceFile> &files, Handle record);
+
+/// The record's colours, and the pixels in which the driver gets the pages.
+[[nodiscard]] ColourPlan PlanColours(const Record &record, const std::vector<PageReference> &pages);
+
+/// The page's pixels; the record's resolution is corrected to give exactly these. Throws HostError
+/// (Usage) when there is nothing to print on.
+[[nodiscard]] RasterPlan PlanRaster(Record &record, uint32_t colourSpace);
+
+#endif

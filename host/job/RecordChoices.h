@@ -1,0 +1,22 @@
+/// What the user has chosen, wherever: saved defaults, a settings file, options, the dialogs.
+#ifndef ZEL_HOST_RECORDCHOICES_H
+#define ZEL_HOST_RECORDCHOICES_H
+
+#include "host/command/JobOptions.h"
+#include "host/driver/PrinterModel.h"
+#include "host/readers/SourceFile.h"
+
+/// The choices that a print record has no field for.
+struct RecordChoices {
+    PrinterModel printer;
+    std::string folder;        ///< of the dialog or the settings file; empty: none
+    std::optional<bool> queue; ///< of the options or the settings file
+};
+
+/// Fills the record from the user's defaults or the settings file, applies the options, runs the
+/// dialogs asked for (`first` is what they take for the document) and saves the settings where that
+/// is asked for. The session then has the printer. Throws HostError.
+[[nodiscard]] RecordChoices ChooseRecord(const DriverSession &session, const JobOptions &options,
+                                         const SourceFile &first, Handle record);
+
+#endif
