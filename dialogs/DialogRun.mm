@@ -30,9 +30,16 @@ BOOL BeginDialog(const char *dialogName) {
 BOOL LoadDialog(NSWindowController *controller, const char *dialogName) {
     if (controller == nil)
         return DialogFailed(dialogName, @"its window is missing from the driver's resources");
-    if ([controller window] == nil)
-        return DialogFailed(dialogName, @"its window in the driver's resources is damaged");
-    return YES;
+    NSString *reason = @"AppKit read none";
+    @try {
+        if ([controller window] != nil) return YES;
+    } @catch (NSException *e) {
+        reason = [e reason];
+    }
+    return DialogFailed(dialogName,
+                        [NSString stringWithFormat:@"its window in the driver's resources is "
+                                                   @"damaged, or the system has no fonts (%@)",
+                                                   reason]);
 }
 
 void EndDialog(NSWindowController *controller) {
@@ -46,9 +53,26 @@ void EndDialog(NSWindowController *controller) {
     [controller release];
 }
 
+/// An open menu has a loop of its own, which Escape ends.
+static void PressEscape() {
+    NSEvent *press = [NSEvent keyEventWithType:NSKeyDown
+                                      location:NSZeroPoint
+                                 modifierFlags:0
+                                     timestamp:0
+                                  windowNumber:[[NSApp modalWindow] windowNumber]
+                                       context:nil
+                                    characters:@"\033"
+                   charactersIgnoringModifiers:@"\033"
+                                     isARepeat:NO
+                                       keyCode:0];
+    [NSApp postEvent:press atStart:NO];
+}
+
 /// Ends the innermost modal session only; those around it see the next call.
 static void CancelInnermost(void * /*context*/) {
     NSWindow *window = gIsOpen ? [NSApp modalWindow] : nil;
+    if ([[[NSRunLoop currentRunLoop] currentMode] isEqual:NSEventTrackingRunLoopMode])
+        PressEscape();
     if ([window isKindOfClass:[NSSavePanel class]])
         [(NSSavePanel *)window cancel:nil];
     else

@@ -4,6 +4,7 @@
 #include "PSHPrint.h"
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <optional>
 
 class PageSetup;
 class PostscriptPrinterInfo;
@@ -14,8 +15,9 @@ struct PSStyleParams {
     int32_t widthPixels, heightPixels;
     double minResolution, maxResolution; ///< dots per inch
     Separations *separations;
-    PostscriptPrinterInfo **printerInfo; ///< replaced when the user picks another PPD file
-    PageSetup *setup;                    ///< edits the record by the driver's rules
+    PostscriptPrinterInfo **printerInfo;    ///< replaced when the user picks another PPD file
+    PageSetup *setup;                       ///< edits the record by the driver's rules
+    std::optional<bool> sendToPrinter = {}; ///< shown instead of the user's preference
 };
 
 /// Runs the dialog on `*record`; true when the user confirmed, and only then is it changed.

@@ -33,6 +33,7 @@ Controller *CreateController(CFBundleRef bundle, CFStringRef domain, PSStylePara
     [controller setPrintRecord:record];
     [controller setPreferencesDomain:(NSString *)domain];
     ReadPreferences(controller, domain);
+    if (params->sendToPrinter) [controller setSendToPrinter:*params->sendToPrinter];
     return controller;
 }
 

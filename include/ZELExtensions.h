@@ -45,7 +45,7 @@ ZEL_EXPORT CFURLRef ZELPrCopyUsersHotFolder(DriverContext *context);
 ZEL_EXPORT Boolean ZELPrUserSendsToPrintQueue(DriverContext *context);
 
 /// Makes this context hand its documents to the default print queue, or not, whatever the user has
-/// chosen.
+/// chosen; the page-setup dialog shows it, and what is confirmed there counts from then on.
 ZEL_EXPORT void ZELPrSetSendToPrintQueue(DriverContext *context, Boolean send);
 
 /// How many bytes the driver has made of the document that was closed last, in all its files

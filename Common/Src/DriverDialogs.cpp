@@ -37,14 +37,22 @@ bool DoStyle(DriverContext *context, Handle record) {
     PSHPrint copy = CopyRecord(record);
     const PageInfo_tag &page = context->pageInfo;
     PageSetup setup;
-    PSStyleParams params = {page.widthMM,         page.heightMM,         page.widthPixels,
-                            page.heightPixels,    kMinimumDpi,           kMaximumDpi,
-                            context->separations, &context->printerInfo, &setup};
+    PSStyleParams params = {page.widthMM,
+                            page.heightMM,
+                            page.widthPixels,
+                            page.heightPixels,
+                            kMinimumDpi,
+                            kMaximumDpi,
+                            context->separations,
+                            &context->printerInfo,
+                            &setup,
+                            context->sendToPrintQueue};
     if (!StyleDialog(context->bundle.Get(), context->bundleIdentifier.Get(), &params, &copy))
         return false;
     const RecordLock lock(record);
     if (!lock.Record()) return false;
     *lock.Record() = copy;
+    context->sendToPrintQueue.reset(); // what was confirmed is the user's preference now
     return true;
 }
 

@@ -2,13 +2,16 @@
 
 #include "host/command/Console.h"
 #include "host/command/Report.h"
+#include "host/job/Dialogs.h"
 #include "host/job/JobSetup.h"
 #include "host/job/PlacementPlan.h"
 #include "host/job/PrintJob.h"
+#include "host/job/RecordChoices.h"
 #include "host/readers/ImageModule.h"
 #include "host/readers/PNMCheck.h"
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 namespace {
 
@@ -58,9 +61,11 @@ ExitStatus Print(const JobOptions &options) {
     const std::vector<SourceFile> files(options.files.begin(), options.files.end());
     const DriverBundle bundle(options.bundle);
     bundle.KeepFreedMemory(kKeptBytes);
+    std::optional<WindowSystem> windows;
+    if (options.pageSetup || options.printDialog) windows.emplace(bundle);
     StartModule(files);
     CheckPNMFiles(files);
-    const DriverSession session(bundle);
+    const DriverSession session(bundle, PPDOfJob(options));
     const RecordHandle record(sizeof(PSHPrint));
     const JobPlan plan = SetUpJob(session, options, files, record.Get());
     const std::string cut = CutNotice(plan, options.placement);

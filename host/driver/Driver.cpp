@@ -1,6 +1,7 @@
 #include "host/driver/Driver.h"
 
 #include "host/command/ExitStatus.h"
+#include "host/driver/PrinterModel.h"
 #include "host/driver/ProgramPath.h"
 #include <cstdlib>
 #include <sys/stat.h>
@@ -64,8 +65,19 @@ RecordHandle::~RecordHandle() {
     DisposeHandle(mHandle);
 }
 
-DriverSession::DriverSession(const DriverBundle &bundle) : mBundle(bundle) {
-    const int32_t code = bundle.Functions().ZELPrOpen(bundle.Bundle(), &mContext);
+DriverSession::DriverSession(const DriverBundle &bundle, const std::string &ppd) : mBundle(bundle) {
+    CFOwner<CFStringRef> message;
+    int32_t code = kZELNoError;
+    if (ppd.empty()) {
+        code = bundle.Functions().ZELPrOpen(bundle.Bundle(), &mContext);
+    } else {
+        CheckPPDName(ppd);
+        code = ZEL_CALL(bundle, ZELPrOpenWithPrinter)(
+            bundle.Bundle(), MakeFileURL(ppd, false).Get(), &mContext, message.Out());
+    }
+    if (message)
+        throw HostError(ExitStatus::Input,
+                        ppd + ": refused as a PPD file: " + WhyRefused(ppd, message.Get()));
     if (code != kZELNoError || !mContext)
         throw HostError(ExitStatus::Driver,
                         "the driver cannot be opened (code " + std::to_string(code) + ")");

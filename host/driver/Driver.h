@@ -10,6 +10,7 @@
 /// Every function that zelprint calls, by its exported name.
 #define ZEL_HOST_FUNCTIONS(X)                                                                      \
     X(ZELPrOpen)                                                                                   \
+    X(ZELPrOpenWithPrinter)                                                                        \
     X(ZELPrClose)                                                                                  \
     X(ZELPrSuggestPage)                                                                            \
     X(ZELPrValidate)                                                                               \
@@ -30,7 +31,9 @@
     X(ZELPrCopyPrinterInfo)                                                                        \
     X(ZELPrCopySeparationNames)                                                                    \
     X(ZELPrCopySeparationsFolder)                                                                  \
-    X(ZELPrSetPrinter)                                                                             \
+    X(ZELPrCopyPrinter)                                                                            \
+    X(ZELPrDialogFailed)                                                                           \
+    X(ZELPrCancelDialog)                                                                           \
     X(ZELPrSetSendToPrintQueue)                                                                    \
     X(ZELPrDocumentLength)                                                                         \
     X(ZELPrCopyUsersPrinter)                                                                       \
@@ -101,7 +104,8 @@ private:
 /// An open driver; closed with its owner.
 class DriverSession {
 public:
-    explicit DriverSession(const DriverBundle &bundle);
+    /// With the printer of the PPD file `ppd`; empty: with the user's. Throws HostError.
+    DriverSession(const DriverBundle &bundle, const std::string &ppd);
     ~DriverSession();
     DriverSession(const DriverSession &) = delete;
     DriverSession &operator=(const DriverSession &) = delete;

@@ -125,10 +125,24 @@ std::string WhyRefused(const std::string &ppd, CFStringRef message) {
                      : TextOfCFString(message);
 }
 
-PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd) {
-    if (!ppd.empty() && access(ppd.c_str(), R_OK) != 0)
+void CheckPPDName(const std::string &ppd) {
+    if (access(ppd.c_str(), R_OK) != 0)
         throw HostError(ExitStatus::Input,
                         ppd + ": " + strerror(errno) + "; check the name of the PPD file");
+}
+
+SessionPrinter PrinterOf(const DriverSession &session) {
+    CFOwner<CFURLRef> url;
+    const CFOwner<CFDictionaryRef> info(
+        ZEL_CALL(session.Bundle(), ZELPrCopyPrinter)(session.Context(), url.Out()));
+    if (!info) throw HostError(ExitStatus::Driver, "the driver does not tell its printer");
+    SessionPrinter printer = {ModelOf(info.Get()), PathOfURL(url.Get())};
+    printer.model.builtIn = printer.ppd.empty();
+    return printer;
+}
+
+PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd) {
+    if (!ppd.empty()) CheckPPDName(ppd);
     const CFOwner<CFURLRef> url = ppd.empty() ? CFOwner<CFURLRef>() : MakeFileURL(ppd, false);
     CFOwner<CFStringRef> message;
     const CFOwner<CFDictionaryRef> info(

@@ -43,6 +43,16 @@ struct PrinterModel {
     [[nodiscard]] const PrinterResolution *BestResolution(double x, double y) const;
 };
 
+/// Throws HostError (Input) when there is no file of that name that can be read.
+void CheckPPDName(const std::string &ppd);
+
+/// The printer that a session prints with, and its PPD file: empty for the built-in printer.
+struct SessionPrinter {
+    PrinterModel model;
+    std::string ppd;
+};
+[[nodiscard]] SessionPrinter PrinterOf(const DriverSession &session);
+
 /// The model of the PPD file `ppd`; of the built-in printer when empty. Throws HostError (Input)
 /// when the file is refused.
 [[nodiscard]] PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd);

@@ -104,8 +104,15 @@ void Record::SetRotated(bool on) {
 void Record::SetEPS(bool on) {
     Fields().mEPSFormat_be = StoredFlag(on);
 }
+int Record::Copies() const {
+    return static_cast<int16_t>(FromBigEndian(static_cast<uint16_t>(Fields().copies_be)));
+}
 void Record::SetCopies(int copies) {
     Fields().copies_be = StoredShort(copies);
+}
+void Record::SetPages(int first, int last) {
+    Fields().fromPage_be = StoredShort(first);
+    Fields().toPage_be = StoredShort(last);
 }
 
 std::string Record::Separation() const {

@@ -41,7 +41,9 @@ public:
     void SetFlipV(bool on);
     void SetRotated(bool on);
     void SetEPS(bool on);
+    [[nodiscard]] int Copies() const;
     void SetCopies(int copies);
+    void SetPages(int first, int last);
     /// Empty means "Standard".
     [[nodiscard]] std::string Separation() const;
     /// False, and nothing is changed, when the name is longer than the record's 255 bytes.

@@ -51,6 +51,14 @@ PageRange PageRange::Parse(const std::string &text) {
     return PageRange(std::move(ranges));
 }
 
+std::optional<std::pair<int, int>> PageRange::ForDialog() const {
+    if (mRanges.size() != 1) return std::nullopt;
+    auto [first, last] = mRanges[0];
+    if (last == INT_MAX) last = kLastPageOfDialog;
+    if (last > kLastPageOfDialog || first > last) return std::nullopt;
+    return std::pair(first, last);
+}
+
 bool PageRange::Contains(int page) const {
     for (const auto &[first, last] : mRanges)
         if (page >= first && page <= last) return true;

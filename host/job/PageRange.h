@@ -2,6 +2,7 @@
 #ifndef ZEL_HOST_PAGERANGE_H
 #define ZEL_HOST_PAGERANGE_H
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,6 +19,9 @@ public:
     [[nodiscard]] static PageRange Parse(const std::string &text);
 
     [[nodiscard]] bool Contains(int page) const;
+    /// The first and last page as the print dialog and a record have them; none when it takes more
+    /// than one range, or pages beyond theirs.
+    [[nodiscard]] std::optional<std::pair<int, int>> ForDialog() const;
 
 private:
     explicit PageRange(std::vector<std::pair<int, int>> ranges) : mRanges(std::move(ranges)) {}

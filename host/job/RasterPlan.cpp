@@ -60,8 +60,10 @@ PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
                        const std::vector<SourceFile> &files, Handle record) {
     ZELDriverInfo info = {};
     (void)ZEL_CALL(session.Bundle(), ZELPrGetInfo)(session.Context(), record, &info);
-    const PageRange range = options.pageRange ? PageRange::Parse(*options.pageRange)
-                                              : PageRange(info.firstPage, info.lastPage);
+    // In the print dialog the user has confirmed a range, which -P has only filled in.
+    const PageRange range = options.pageRange && !options.printDialog
+                                ? PageRange::Parse(*options.pageRange)
+                                : PageRange(info.firstPage, info.lastPage);
     PageChoice choice;
     choice.copies = std::max<int>(1, info.copies);
     int number = 0;

@@ -1,50 +1,19 @@
 #include "host/job/RecordChoices.h"
 
+#include "host/command/Console.h"
 #include "host/command/ExitStatus.h"
 #include "host/driver/ProgramPath.h"
 #include "host/job/Destination.h"
+#include "host/job/Dialogs.h"
 #include "host/job/Media.h"
+#include "host/job/PageRange.h"
 #include "host/job/Settings.h"
 #include "host/separations/Separations.h"
 #include <cstring>
+#include <unistd.h>
 #include <utility>
 
 namespace {
-
-struct ChosenPrinter {
-    PrinterModel model;
-    std::string ppd; ///< chosen for this job; empty: the user's
-};
-
-ChosenPrinter UsePrinter(const DriverSession &session, const std::string &ppd) {
-    ChosenPrinter printer = {ReadPrinterModel(session.Bundle(), ppd), ppd};
-    CFOwner<CFStringRef> message;
-    const int32_t code = ZEL_CALL(session.Bundle(), ZELPrSetPrinter)(
-        session.Context(), MakeFileURL(ppd, false).Get(), message.Out());
-    if (code != kZELNoError)
-        throw HostError(ExitStatus::Input,
-                        ppd + ": refused as a PPD file: " + TextOfCFString(message.Get()));
-    return printer;
-}
-
-ChosenPrinter UsersPrinter(const DriverSession &session) {
-    try {
-        return {ReadPrinterModel(session.Bundle(), session.UsersPPD()), {}};
-    } catch (const HostError &) {
-        // The driver has said so, and goes on with the built-in printer.
-        return {ReadPrinterModel(session.Bundle(), {}), {}};
-    }
-}
-
-ChosenPrinter ChoosePrinter(const DriverSession &session, const JobOptions &options,
-                            const SavedSettings &saved) {
-    std::string ppd = saved.ppd;
-    if (options.ppd) {
-        ppd = RealPath(*options.ppd);
-        if (ppd.empty()) ppd = *options.ppd;
-    }
-    return ppd.empty() ? UsersPrinter(session) : UsePrinter(session, ppd);
-}
 
 void FillRecord(const DriverSession &session, const SavedSettings &saved, Handle record) {
     const DriverBundle &bundle = session.Bundle();
@@ -114,35 +83,45 @@ void SuggestDocument(const DriverSession &session, const SourceFile &first) {
     ZEL_CALL(session.Bundle(), ZELPrSuggestPage)(session.Context(), nullptr, &page, 0);
 }
 
-[[noreturn]] void ThrowCancelled() {
-    throw HostError(ExitStatus::Cancelled, "cancelled in the dialog; nothing was printed");
+/// The printer that the job is to be repeated with; `ppd` is the one before the dialog.
+std::string RunPageSetup(const DriverSession &session, const SourceFile &first,
+                         std::optional<bool> queue, Handle record, const std::string &ppd) {
+    const DriverBundle &bundle = session.Bundle();
+    SuggestDocument(session, first);
+    if (queue) ZEL_CALL(bundle, ZELPrSetSendToPrintQueue)(session.Context(), *queue);
+    const std::string before = PrinterOf(session).ppd;
+    RunDialog(session, ZEL_CALL(bundle, ZELPrStyle), record);
+    const std::string after = PrinterOf(session).ppd;
+    if (after == before) return ppd;
+    if (!after.empty() && access(after.c_str(), R_OK) != 0)
+        Complain(after + ": it has gone since it was chosen; this job is still printed with it");
+    return after;
 }
 
-void RunPageSetup(const DriverSession &session, const SourceFile &first, Handle record,
-                  ChosenPrinter &printer) {
-    SuggestDocument(session, first);
-    const std::string before = session.UsersPPD();
-    if (!ZEL_CALL(session.Bundle(), ZELPrStyle)(session.Context(), record)) ThrowCancelled();
-    const std::string after = session.UsersPPD();
-    // The user has chosen another printer in the dialog; the driver uses it by now.
-    if (after != before) printer = {ReadPrinterModel(session.Bundle(), after), {}};
+/// Fills in what the dialog shows of the options.
+void SetPageRange(const JobOptions &options, Record &record) {
+    if (!options.pageRange) return;
+    const auto range = PageRange::Parse(*options.pageRange).ForDialog();
+    if (!range)
+        throw HostError(ExitStatus::Usage,
+                        "the print dialog knows one range of pages up to 999; give -P one, or "
+                        "leave it out");
+    record.SetPages(range->first, range->second);
 }
 
 /// Returns the folder chosen there, if any.
-std::string RunPrintDialog(const DriverSession &session, const std::string &title, Handle record) {
+std::string RunPrintDialog(const DriverSession &session, const std::string &title,
+                           const JobOptions &options, Handle handle) {
     const DriverBundle &bundle = session.Bundle();
+    Record record(handle);
+    SetPageRange(options, record);
     (void)ZEL_CALL(bundle, ZELPrSetJobName)(session.Context(), nullptr, MakeCFString(title).Get());
-    if (!ZEL_CALL(bundle, ZELPrJob)(session.Context(), record)) ThrowCancelled();
+    const int copies = record.Copies();
+    RunDialog(session, ZEL_CALL(bundle, ZELPrJob), handle);
+    record.SetCopies(copies); // the driver's dialog has none and sets 1
     const CFOwner<CFDictionaryRef> chosen(
-        ZEL_CALL(bundle, ZELPrCopyJobSettings)(session.Context(), record));
+        ZEL_CALL(bundle, ZELPrCopyJobSettings)(session.Context(), handle));
     return OutputFolderOf(chosen.Get());
-}
-
-void CheckDialogs(const DriverBundle &bundle, const JobOptions &options) {
-    if (!options.pageSetup && !options.printDialog) return;
-    if (!ZEL_CALL(bundle, ZELPrCanShowDialogs)())
-        throw HostError(ExitStatus::Usage,
-                        "there is no window system for a dialog; choose with options instead");
 }
 
 void SaveSettings(const DriverSession &session, const JobOptions &options, Handle record,
@@ -155,20 +134,30 @@ void SaveSettings(const DriverSession &session, const JobOptions &options, Handl
 
 } // namespace
 
+std::string PPDOfJob(const JobOptions &options) {
+    if (!options.ppd)
+        return options.settings.empty() ? std::string() : ReadSettings(options.settings).ppd;
+    const std::string path = RealPath(*options.ppd);
+    return path.empty() ? *options.ppd : path;
+}
+
 RecordChoices ChooseRecord(const DriverSession &session, const JobOptions &options,
                            const SourceFile &first, Handle handle) {
     SavedSettings saved;
     if (!options.settings.empty()) saved = ReadSettings(options.settings);
-    ChosenPrinter printer = ChoosePrinter(session, options, saved);
     FillRecord(session, saved, handle);
     Record record(handle);
-    ApplyOptions(session.Bundle(), options, printer.model, record);
-    CheckDialogs(session.Bundle(), options);
-    if (options.pageSetup) RunPageSetup(session, first, handle, printer);
+    ApplyOptions(session.Bundle(), options, PrinterOf(session).model, record);
+    std::string ppd = PPDOfJob(options);
+    std::optional<bool> queue = options.queue ? options.queue : saved.queue;
+    if (options.pageSetup) {
+        ppd = RunPageSetup(session, first, queue, handle, ppd);
+        queue.reset(); // what was confirmed there is what the user has chosen now
+    }
     std::string folder;
-    if (options.printDialog) folder = RunPrintDialog(session, ChooseTitle(options, first), handle);
+    if (options.printDialog)
+        folder = RunPrintDialog(session, ChooseTitle(options, first), options, handle);
     if (folder.empty()) folder = OutputFolderOf(saved.jobSettings.Get());
-    const std::optional<bool> queue = options.queue ? options.queue : saved.queue;
-    if (!options.saveSettings.empty()) SaveSettings(session, options, handle, printer.ppd, queue);
-    return {std::move(printer.model), std::move(folder), queue};
+    if (!options.saveSettings.empty()) SaveSettings(session, options, handle, ppd, queue);
+    return {PrinterOf(session).model, std::move(folder), queue};
 }

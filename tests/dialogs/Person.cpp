@@ -142,6 +142,10 @@ bool Person::HostHasEnded() {
     return true;
 }
 
+void Person::Signal(int number) const {
+    if (mHost > 0) kill(mHost, number);
+}
+
 int Person::Status() {
     WaitFor("the host's end", [this](const Screen &) { return HostHasEnded(); });
     return WIFEXITED(mStatus) ? WEXITSTATUS(mStatus) : 128 + WTERMSIG(mStatus);

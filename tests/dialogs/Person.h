@@ -46,6 +46,7 @@ public:
     /// Waits until the host has ended; its result.
     std::string Result();
     bool HostHasEnded();
+    void Signal(int number) const;
     /// Waits until the host has ended; its exit status.
     int Status();
     /// All that the host has said so far.

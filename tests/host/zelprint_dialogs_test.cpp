@@ -1,12 +1,16 @@
 // zelprint's dialogs as a person uses them: real pointer and key events to the real program.
+#include "support/BigEndian.h"
 #include "tests/dialogs/PersonTest.h"
 #include "tests/dialogs/TestBundle.h"
 #include "tests/dialogs/WindowManager.h"
 
+#include <csignal>
 #include <cstddef>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <tuple>
 
 namespace {
 
@@ -35,6 +39,18 @@ std::string PlaceOf(CFStringRef key) {
     CFRelease(data);
     return path;
 }
+
+/// What a settings file begins with.
+struct Record {
+    int copies, first, last;
+    explicit Record(const std::string &settings) {
+        PSHPrint record = {};
+        settings.copy(reinterpret_cast<char *>(&record), sizeof record);
+        copies = Int16FromBigEndian(record.copies_be);
+        first = Int16FromBigEndian(record.fromPage_be);
+        last = Int16FromBigEndian(record.toPage_be);
+    }
+};
 
 /// A printer whose page A4 has code of its own.
 std::string PrinterNamed(const std::string &name) {
@@ -150,6 +166,234 @@ TEST_F(ZelprintTest, PageSetup_FromDocument_TakesTheImagesSize) {
     const std::string document = ReadAll(mHot + "/page.ps");
     EXPECT_TRUE(Contains(document, "%%BoundingBox: 0 0 300 400")) << document.substr(0, 500);
 }
+
+/// A PostScript document's number of pages.
+int PagesOf(const std::string &path) {
+    const std::string document = ReadAll(path);
+    const size_t place = document.rfind("%%Pages: ");
+    return place == std::string::npos ? 0 : std::atoi(document.c_str() + place + 9);
+}
+
+TEST_F(ZelprintTest, PageSetup_SavedPrinterInsteadOfTheOption_IsThePrinterOfTheDocument) {
+    const std::string option = WriteFile(mFolder, "New.ppd", PrinterNamed("New"));
+    Zelprint({"--ppd", option, "--page-setup", "--hot-folder", "hot", "--save-settings", "saved"});
+    mPerson.WaitForWindow("dialog");
+    mPerson.ClickTo("choosePPDButton", "panel");
+    ChooseRow("Old.ppd");
+    mPerson.ClickTo("OK", "dialog");
+    mPerson.WaitFor("the printer's name",
+                    [](const Screen &s) { return Contains(s.texts, "Old.ppd"); });
+    mPerson.Choose("pagesMenu", 1); // A5
+    mPerson.Press("Return");
+    EXPECT_EQ(mPerson.Status(), 0) << mPerson.Log();
+    EXPECT_TRUE(Contains(ReadAll(mHot + "/page.ps"), "(Old) pop"));
+    const std::string settings = ReadAll(mFolder + "/saved");
+    EXPECT_TRUE(Contains(settings, "Old.ppd"));
+    EXPECT_FALSE(Contains(settings, "New.ppd"));
+}
+
+TEST_F(ZelprintTest, PageSetup_PrinterOfTheOption_IsShownWithoutAWordAboutTheUsers) {
+    SetPreference(CFSTR("PPDBookmark"), nullptr);
+    const std::string option = WriteFile(mFolder, "New.ppd", PrinterNamed("New"));
+    Zelprint({"--ppd", option, "--page-setup", "--hot-folder", "hot"});
+    const Screen screen =
+        mPerson.WaitFor("a window", [](const Screen &s) { return !s.kind.empty(); });
+    EXPECT_EQ(screen.kind, "dialog") << screen.texts;
+    mPerson.WaitForWindow("dialog");
+    EXPECT_TRUE(Contains(mPerson.Look().texts, "New.ppd"));
+    mPerson.Press("Return");
+    EXPECT_EQ(mPerson.Status(), 0) << mPerson.Log();
+    EXPECT_FALSE(Contains(mPerson.Log(), "No PPD file")) << mPerson.Log();
+}
+
+TEST_F(ZelprintTest, PageSetup_ChosenPPDGoneBeforeOK_PrintsWhatIsShownAndSaysSo) {
+    const std::string chosen = WriteFile(mFolder, "New.ppd", PrinterNamed("New"));
+    Zelprint({"--page-setup", "--hot-folder", "hot"});
+    mPerson.WaitForWindow("dialog");
+    mPerson.ClickTo("choosePPDButton", "panel");
+    ChooseRow("New.ppd");
+    mPerson.ClickTo("OK", "dialog");
+    mPerson.WaitFor("the printer's name",
+                    [](const Screen &s) { return Contains(s.texts, "New.ppd"); });
+    mPerson.Choose("pagesMenu", 1); // A5
+    fs::remove(chosen);
+    mPerson.Press("Return");
+    EXPECT_EQ(mPerson.Status(), 0) << mPerson.Log();
+    EXPECT_TRUE(Contains(ReadAll(mHot + "/page.ps"), "(New) pop"));
+    EXPECT_TRUE(Contains(mPerson.Log(), chosen + ": it has gone since it was chosen"))
+        << mPerson.Log();
+}
+
+TEST_F(ZelprintTest, PrintDialog_RangeAndCopiesOfTheOptions_AreFilledInAndKept) {
+    SavePlace(CFSTR("HotFolderBookmark"), mHot);
+    Zelprint({"--print-dialog", "-P", "1", "-n", "3", "--save-settings", "saved", "page.pgm",
+              "page.pgm"});
+    mPerson.WaitForWindow("dialog");
+    mPerson.WaitFor("page 1", [](const Screen &s) {
+        return s.controls.at("fromPageText").value == "1" &&
+               s.controls.at("toPageText").value == "1";
+    });
+    mPerson.Type("fromPageText", "2");
+    mPerson.Type("toPageText", "3");
+    mPerson.Press("Return");
+    EXPECT_EQ(mPerson.Status(), 0) << mPerson.Log();
+    EXPECT_EQ(PagesOf(mHot + "/page.ps"), 6);
+    Record saved(ReadAll(mFolder + "/saved"));
+    EXPECT_EQ(saved.copies, 3);
+    EXPECT_EQ(saved.first, 2);
+    EXPECT_EQ(saved.last, 3);
+}
+
+TEST_F(ZelprintTest, PrintDialog_SeveralRanges_AreRefused) {
+    SavePlace(CFSTR("HotFolderBookmark"), mHot);
+    for (const char *range : {"1,3", "1000", "5-1200"}) {
+        Zelprint({"--print-dialog", "-P", range});
+        EXPECT_EQ(mPerson.Status(), 2) << range;
+        EXPECT_TRUE(Contains(mPerson.Log(), "one range of pages")) << mPerson.Log();
+    }
+}
+
+TEST_F(ZelprintTest, PageSetup_QueueOfTheOption_IsShownAndWhatIsConfirmedCounts) {
+    Zelprint({"--queue", "--page-setup", "--hot-folder", "hot"});
+    mPerson.WaitForWindow("dialog");
+    EXPECT_EQ(mPerson.Look().controls["sendToPrinterBox"].value, "1");
+    mPerson.Toggle("sendToPrinterBox");
+    mPerson.Press("Return");
+    EXPECT_EQ(mPerson.Status(), 0) << mPerson.Log();
+}
+
+struct EndingSignal {
+    int number, status;
+};
+
+class ZelprintSignalled
+    : public ZelprintTest,
+      public testing::WithParamInterface<std::tuple<const char *, EndingSignal>> {};
+
+TEST_P(ZelprintSignalled, WithAWindowAboveTheDialog_EndsItAsCancelled) {
+    const auto [dialog, signal] = GetParam();
+    WriteFile(mFolder, "New.ppd", PrinterNamed("New"));
+    const std::string preferences = PreferencesFile();
+    Zelprint({dialog});
+    mPerson.WaitForWindow("dialog");
+    if (std::string(dialog) == "--page-setup") {
+        mPerson.ClickTo("choosePPDButton", "panel");
+        ChooseRow("New.ppd");
+        mPerson.ClickTo("OK", "dialog");
+        mPerson.ClickTo("choosePPDButton", "panel");
+    } else {
+        mPerson.ClickTo("saveAsButton", "panel");
+    }
+    mPerson.Signal(signal.number);
+    EXPECT_EQ(mPerson.Status(), signal.status);
+    EXPECT_TRUE(Contains(mPerson.Log(), "zelprint: cancelled; nothing was printed"))
+        << mPerson.Log();
+    EXPECT_EQ(PreferencesFile(), preferences);
+    EXPECT_EQ(Files(mHot), std::vector<std::string>{});
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, ZelprintSignalled,
+                         testing::Combine(testing::Values("--page-setup", "--print-dialog"),
+                                          testing::Values(EndingSignal{SIGINT, 130},
+                                                          EndingSignal{SIGTERM, 143})));
+
+TEST_F(ZelprintTest, OpenMenu_Signal_EndsTheDialogAsCancelled) {
+    Zelprint({"--page-setup", "--hot-folder", "hot"});
+    mPerson.WaitForWindow("dialog");
+    mPerson.Click("pagesMenu", [](const Screen &s) { return !s.menuHandle.empty(); });
+    mPerson.Signal(SIGINT);
+    EXPECT_EQ(mPerson.Status(), 130);
+    EXPECT_TRUE(Contains(mPerson.Log(), "zelprint: cancelled; nothing was printed"))
+        << mPerson.Log();
+}
+
+TEST_F(ZelprintTest, AlertBeforeTheDialog_Signal_EndsTheProgram) {
+    SetPreference(CFSTR("PPDBookmark"), nullptr);
+    Zelprint({"--page-setup", "--hot-folder", "hot"});
+    mPerson.WaitForWindow("alert");
+    mPerson.Signal(SIGTERM);
+    EXPECT_EQ(mPerson.Status(), 143);
+}
+
+struct BrokenWindow {
+    const char *what, *option, *file;
+    const char *content; ///< null: removed; "half": its first half
+};
+
+class ZelprintBroken : public ZelprintTest, public testing::WithParamInterface<BrokenWindow> {};
+
+TEST_P(ZelprintBroken, DialogsWindow_IsSaidAndEndsTheJob) {
+    const BrokenWindow broken = GetParam();
+    const fs::path bundle = mFolder + "/ZELPostscript.bundle";
+    fs::copy(fs::path(ZELPRINT_PROGRAM).parent_path() / "ZELPostscript.bundle", bundle,
+             fs::copy_options::recursive);
+    const std::string file = bundle / "Resources" / broken.file;
+    const std::string whole = ReadAll(file);
+    ASSERT_NE(whole, "");
+    fs::remove(file);
+    if (broken.content != nullptr) {
+        const bool isHalf = std::string(broken.content) == "half";
+        std::ofstream(file) << (isHalf ? whole.substr(0, whole.size() / 2) : broken.content);
+    }
+    Zelprint({broken.option, "--bundle", bundle});
+    EXPECT_EQ(mPerson.Status(), 4) << mPerson.Log();
+    EXPECT_TRUE(Contains(mPerson.Log(), "dialog cannot be shown: its window")) << mPerson.Log();
+    EXPECT_TRUE(Contains(mPerson.Log(), "zelprint: the driver cannot show its dialog"))
+        << mPerson.Log();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, ZelprintBroken,
+    testing::Values(
+        BrokenWindow{"PageSetupMissing", "--page-setup", "PostscriptStyleDialog.xib", nullptr},
+        BrokenWindow{"PageSetupEmpty", "--page-setup", "PostscriptStyleDialog.xib", ""},
+        BrokenWindow{"PageSetupHalf", "--page-setup", "PostscriptStyleDialog.xib", "half"},
+        BrokenWindow{"PageSetupNoXML", "--page-setup", "PostscriptStyleDialog.xib", "hello"},
+        BrokenWindow{"PrintMissing", "--print-dialog", "JobDialog_NC.xib", nullptr},
+        BrokenWindow{"PrintEmpty", "--print-dialog", "JobDialog_NC.xib", ""},
+        BrokenWindow{"PrintHalf", "--print-dialog", "JobDialog_NC.xib", "half"},
+        BrokenWindow{"PrintNoWindow", "--print-dialog", "JobDialog_NC.xib",
+                     "<?xml version=\"1.0\"?><document><objects/></document>"}),
+    [](const auto &test) { return test.param.what; });
+
+class ZelprintWithoutFonts : public ZelprintTest,
+                             public testing::WithParamInterface<const char *> {};
+
+TEST_P(ZelprintWithoutFonts, Dialog_IsSaidAndEndsTheJob) {
+    WriteFile(mFolder, "fonts.conf",
+              "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"fonts.dtd\"><fontconfig>"
+              "<cachedir>" +
+                  mFolder + "/fonts</cachedir></fontconfig>");
+    setenv("FONTCONFIG_FILE", (mFolder + "/fonts.conf").c_str(), 1);
+    Zelprint({GetParam()});
+    const int status = mPerson.Status();
+    unsetenv("FONTCONFIG_FILE");
+    EXPECT_EQ(status, 4);
+    EXPECT_TRUE(Contains(mPerson.Log(), "dialog cannot be shown: ")) << mPerson.Log();
+    EXPECT_TRUE(Contains(mPerson.Log(), "zelprint: the driver cannot show its dialog"))
+        << mPerson.Log();
+}
+
+INSTANTIATE_TEST_SUITE_P(Dialogs, ZelprintWithoutFonts,
+                         testing::Values("--page-setup", "--print-dialog"));
+
+class ZelprintWithoutDisplay : public ZelprintTest,
+                               public testing::WithParamInterface<const char *> {};
+
+TEST_P(ZelprintWithoutDisplay, Dialog_IsAWrongCommandLineAndOneLine) {
+    SetPreference(CFSTR("PPDBookmark"), nullptr);
+    const std::string display = std::getenv("DISPLAY");
+    setenv("DISPLAY", GetParam(), 1);
+    Zelprint({"--print-dialog"});
+    const int status = mPerson.Status();
+    setenv("DISPLAY", display.c_str(), 1);
+    EXPECT_EQ(status, 2);
+    EXPECT_EQ(mPerson.Log(), "zelprint: there is no window system for a dialog; choose with "
+                             "options instead\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Displays, ZelprintWithoutDisplay,
+                         testing::Values("", ":7654", "nowhere:0"));
 
 class ZelprintSaveAs : public ZelprintTest, public testing::WithParamInterface<const char *> {};
 
