@@ -51,4 +51,19 @@ TEST(PageRange, OfTheDialog_999IsTheEnd) {
     EXPECT_TRUE(PageRange().Contains(1));
 }
 
+using Ends = std::pair<int, int>;
+
+TEST(PageRangeForDialog, OneRange_IsWrittenAsARecordHasIt) {
+    EXPECT_EQ(PageRange::Parse("3-7").ForDialog(), Ends(3, 7));
+    EXPECT_EQ(PageRange::Parse("4").ForDialog(), Ends(4, 4));
+    EXPECT_EQ(PageRange::Parse("-4").ForDialog(), Ends(1, 4));
+    EXPECT_EQ(PageRange::Parse("5-").ForDialog(), Ends(5, 999));
+    EXPECT_EQ(PageRange().ForDialog(), Ends(1, 999));
+}
+
+TEST(PageRangeForDialog, MoreThanARecordHolds_IsNone) {
+    for (const char *text : {"1,3", "1-2,3-4", "1000", "5-1000", "1000-"})
+        EXPECT_FALSE(PageRange::Parse(text).ForDialog()) << text;
+}
+
 } // namespace
