@@ -3,6 +3,8 @@
 
 #include "Common/Src/record/PageSetup.h"
 
+#import "dialogs/PagePicture.h"
+
 #import <AppKit/AppKit.h>
 
 /// Lives for one call of StyleDialog. Run on the main thread. It edits a copy of the record; the
@@ -19,6 +21,7 @@
     NSTextField *_pageWidth, *_pageHeight, *_resolution, *_ppdTitleText, *_versionText;
     NSButton *_rotateBox, *_flipHorizontalBox, *_flipVerticalBox, *_sendToPrinterBox;
     NSButton *_choosePPDButton, *_documentSizeButton, *_okButton, *_cancelButton;
+    ZELPagePicture *_pagePicture;
 }
 
 @property (nonatomic, assign) PSStyleParams *params; ///< must outlive the controller
@@ -43,6 +46,7 @@
 @property (nonatomic, assign) IBOutlet NSButton *sendToPrinterBox;
 @property (nonatomic, assign) IBOutlet NSButton *choosePPDButton, *documentSizeButton;
 @property (nonatomic, assign) IBOutlet NSButton *okButton, *cancelButton;
+@property (nonatomic, assign) IBOutlet ZELPagePicture *pagePicture;
 
 /// nil when the bundle lacks the window.
 - (id)initWithBundle:(NSBundle *)bundle;

@@ -30,6 +30,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 @synthesize flipVerticalBox = _flipVerticalBox, sendToPrinterBox = _sendToPrinterBox;
 @synthesize choosePPDButton = _choosePPDButton, documentSizeButton = _documentSizeButton;
 @synthesize okButton = _okButton, cancelButton = _cancelButton;
+@synthesize pagePicture = _pagePicture;
 
 - (id)initWithBundle:(NSBundle *)bundle {
     NSString *path = InterfaceFilePath(bundle, @"PostscriptStyleDialog");
@@ -38,6 +39,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
         return nil;
     }
     if ((self = [super initWithWindowNibPath:path owner:self])) {
+        [ZELPagePicture class]; // only the interface file names it: the linker would leave it out
         [self setMyBundle:bundle];
         _unitMode = kMillimetres;
     }
@@ -91,12 +93,14 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 }
 - (void)setFlipHorizontal:(BOOL)flag {
     _setup->SetFlippedHorizontally(flag);
+    [self showPagePicture];
 }
 - (BOOL)flipVertical {
     return _setup->IsFlippedVertically();
 }
 - (void)setFlipVertical:(BOOL)flag {
     _setup->SetFlippedVertically(flag);
+    [self showPagePicture];
 }
 
 - (BOOL)canUseCustomPageSizes {
@@ -322,12 +326,29 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 #pragma mark Page size
 
+- (void)showPagePicture {
+    const PagePlace place = _setup->PlaceOnSheet();
+    PagePictureContent content;
+    content.left = place.left;
+    content.bottom = place.bottom;
+    content.areaWidth = place.width;
+    content.areaHeight = place.height;
+    // A PPD file's margins on the other two sides are not kept: taken to be as wide.
+    content.sheetWidth = place.width + 2 * place.left;
+    content.sheetHeight = place.height + 2 * place.bottom;
+    content.isTurned = _setup->IsRotated();
+    content.isFlippedHorizontally = _setup->IsFlippedHorizontally();
+    content.isFlippedVertically = _setup->IsFlippedVertically();
+    [_pagePicture show:content];
+}
+
 - (void)showSize {
     const int unit = (int)_unitMode;
     const std::string width = FormatPoints(_setup->PaperWidth(), unit, _setup->XDpi());
     const std::string height = FormatPoints(_setup->PaperHeight(), unit, _setup->YDpi());
     [_pageWidth setStringValue:StringOf(width)];
     [_pageHeight setStringValue:StringOf(height)];
+    [self showPagePicture];
 }
 
 /// Shows a size that was chosen: what was typed before is gone and need not be checked any more.
@@ -410,6 +431,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     int tag = 0;
     if (_setup->TypeSize(FieldText(_pageWidth), FieldText(_pageHeight), (int)_unitMode, &tag))
         [self selectPageTag:tag];
+    [self showPagePicture];
 }
 
 /// Is there a typed size that is no page of the printer's, or not yet a size?

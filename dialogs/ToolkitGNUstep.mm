@@ -2,9 +2,11 @@
 
 #import "dialogs/DialogSupport.h"
 #import "dialogs/gnustep/PopUpMenu.h"
+#import "dialogs/gnustep/Theme.h"
 
 #include <csignal>
 #include <cstdlib>
+#include <objc/runtime.h>
 
 #import <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
@@ -119,27 +121,6 @@ static void AskForKeyboard(const ServerWindow &window) {
 }
 @end
 
-/// GNUstep's own palette is a dark grey; in a host that brings no AppKit of its own the dialogs
-/// come in a lighter one. What the user has set comes first.
-static void RegisterPalette() {
-    struct Colour {
-        NSString *name, *value;
-    };
-    const Colour colours[] = {{@"windowBackgroundColor", @"0.93 0.93 0.93"},
-                              {@"controlBackgroundColor", @"0.93 0.93 0.93"},
-                              {@"controlColor", @"0.96 0.96 0.96"},
-                              {@"controlShadowColor", @"0.7 0.7 0.7"},
-                              {@"controlDarkShadowColor", @"0.5 0.5 0.5"},
-                              {@"selectedMenuItemColor", @"0.25 0.5 0.9"},
-                              {@"selectedMenuItemTextColor", @"1 1 1"},
-                              {@"selectedTextBackgroundColor", @"0.7 0.82 0.98"},
-                              {@"selectedControlColor", @"0.7 0.82 0.98"}};
-    NSMutableDictionary *defaults = [NSMutableDictionary dictionary];
-    for (const Colour &colour : colours)
-        [defaults setObject:colour.value forKey:colour.name];
-    [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
-}
-
 /// Without this, typed keys do not arrive.
 static void FinishLaunching() {
     ZELLaunchDelegate *delegate = [ZELLaunchDelegate new];
@@ -182,12 +163,14 @@ static BOOL StartApplication() {
             registerDefaults:[NSDictionary dictionaryWithObject:@"YES"
                                                          forKey:@"GSSuppressAppIcon"]];
         const BOOL fresh = NSApp == nil; // a host may be a GNUstep application itself
-        if (fresh) RegisterPalette();
+        if (fresh) RegisterThemeColours();
         [NSApplication sharedApplication];
-        if (fresh)
+        if (fresh) {
+            UseTheme();
             FinishLaunching();
-        else
+        } else {
             [NSScreen mainScreen]; // raises when an earlier start found no server
+        }
         signals.PutBack();
         PrepareMouse();
         [[NSNotificationCenter defaultCenter] addObserver:[ZELDialogWindowGuard new]
@@ -214,61 +197,28 @@ BOOL EnsureApplication(void) {
 
 enum { kHeadingTag = 1 };
 
-typedef void (*MarkDrawing)(BOOL isOn);
+/// Gives the pressed look up before its action: that may show a sheet, and returns when the sheet
+/// has gone. No instance variables: buttons that an interface file has made become ones of this
+/// class.
+@interface ZELButton : NSButton
+@end
 
-/// The theme tells a selected radio button by shades of grey that a light palette does not have.
-static void DrawRadioMark(BOOL isOn) {
-    NSBezierPath *ring = [NSBezierPath bezierPathWithOvalInRect:NSMakeRect(1.5, 1.5, 12, 12)];
-    [[NSColor whiteColor] set];
-    [ring fill];
-    [[NSColor darkGrayColor] set];
-    [ring stroke];
-    [[NSColor blackColor] set];
-    if (isOn) [[NSBezierPath bezierPathWithOvalInRect:NSMakeRect(4.5, 4.5, 6, 6)] fill];
+@implementation ZELButton
+- (BOOL)sendAction:(SEL)action to:(id)target {
+    [[self cell] setHighlighted:NO];
+    [self display];
+    [[self window] flushWindow];
+    return [super sendAction:action to:target];
 }
-
-static void DrawCheckMark(BOOL isOn) {
-    const NSRect box = NSMakeRect(1.5, 1.5, 12, 12);
-    [[NSColor whiteColor] set];
-    NSRectFill(box);
-    [[NSColor darkGrayColor] set];
-    [NSBezierPath strokeRect:box];
-    if (!isOn) return;
-    NSBezierPath *tick = [NSBezierPath bezierPath];
-    [tick setLineWidth:2];
-    [tick moveToPoint:NSMakePoint(4, 7.5)];
-    [tick lineToPoint:NSMakePoint(6.5, 4.5)];
-    [tick lineToPoint:NSMakePoint(11, 11)];
-    [[NSColor blackColor] set];
-    [tick stroke];
-}
-
-/// Wider than the mark, for a gap before the title.
-static NSImage *CreateMark(MarkDrawing draw, BOOL isOn) {
-    NSImage *image = [[NSImage alloc] initWithSize:NSMakeSize(19, 15)];
-    [image lockFocus];
-    draw(isOn);
-    [image unlockFocus];
-    return image;
-}
+@end
 
 static void PrepareMatrix(NSMatrix *matrix) {
-    static NSImage *const off = CreateMark(DrawRadioMark, NO);
-    static NSImage *const on = CreateMark(DrawRadioMark, YES);
     for (NSButtonCell *cell in [matrix cells]) {
         // Button cells come out editable: a click would start text editing in the cell.
         [cell setEditable:NO];
         [cell setSelectable:NO];
-        [cell setImage:off];
-        [cell setAlternateImage:on];
+        if (IsThemeInUse()) UseDrawnMark(cell, YES);
     }
-}
-
-static void PrepareCheckBox(NSButton *button) {
-    static NSImage *const off = CreateMark(DrawCheckMark, NO);
-    static NSImage *const on = CreateMark(DrawCheckMark, YES);
-    [button setImage:off];
-    [button setAlternateImage:on];
 }
 
 /// Push buttons in the shape that alerts and panels have here. An interface file gives them macOS's
@@ -276,16 +226,18 @@ static void PrepareCheckBox(NSButton *button) {
 static void PreparePushButton(NSButton *button) {
     [button setBezelStyle:NSRegularSquareBezelStyle];
     [button setFrame:NSInsetRect([button frame], 6, 4)];
-    if (![[button keyEquivalent] isEqual:@"\r"]) return;
+    UseThemeButtons(button);
+    if (IsThemeInUse() || ![[button keyEquivalent] isEqual:@"\r"]) return;
     [button setImage:[NSImage imageNamed:@"common_ret"]];
     [button setImagePosition:NSImageRight];
 }
 
 static void PrepareButton(NSButton *button) {
-    if (![button isBordered])
-        PrepareCheckBox(button);
-    else if ([[button cell] bezelStyle] == NSRoundedBezelStyle)
+    object_setClass(button, [ZELButton class]);
+    if ([[button cell] bezelStyle] == NSRoundedBezelStyle && [button isBordered])
         PreparePushButton(button);
+    else if (![button isBordered] && IsThemeInUse())
+        UseDrawnMark([button cell], NO);
 }
 
 static void PreparePopUp(NSPopUpButton *popup) {
@@ -300,12 +252,32 @@ static void PreparePopUp(NSPopUpButton *popup) {
         [item setState:NSOffState];
 }
 
+/// Shows by its border whether keys go to it. No instance variables, as above.
+@interface ZELField : NSTextField
+@end
+
+@implementation ZELField
+- (void)selectText:(id)sender {
+    [super selectText:sender];
+    [self setNeedsDisplay:YES];
+}
+- (void)textDidEndEditing:(NSNotification *)notification {
+    [super textDidEndEditing:notification];
+    [self setNeedsDisplay:YES];
+}
+@end
+
 /// Labels come out editable, and an interface file's bold system font is read as the plain one:
 /// headings carry a tag as well.
 static void PrepareLabel(NSTextField *label) {
-    if ([label isBezeled]) return; // a field to type in
+    if ([label isBezeled]) { // a field to type in
+        object_setClass(label, [ZELField class]);
+        return;
+    }
     [label setEditable:NO];
     [label setSelectable:NO];
+    if ([[label cell] lineBreakMode] == NSLineBreakByClipping)
+        [[label cell] setLineBreakMode:NSLineBreakByTruncatingTail];
     if ([[label cell] tag] == kHeadingTag) [label setFont:[NSFont boldSystemFontOfSize:13]];
 }
 

@@ -3,6 +3,8 @@
 #import "dialogs/gnustep/MenuList.h"
 #import "dialogs/gnustep/MenuTracking.h"
 
+#include <cmath>
+#include <initializer_list>
 #include <objc/runtime.h>
 
 // Both without instance variables: what an interface file has made becomes one of them.
@@ -18,6 +20,40 @@
     [self setMenuItem:(NSMenuItem *)[self selectedItem]];
     if ([[self controlView] isKindOfClass:[NSControl class]])
         [(NSControl *)[self controlView] updateCell:self];
+}
+
+/// Up and down, as lines that are crisp at any scale.
+- (void)drawChevronsIn:(NSRect)room {
+    const CGFloat x = NSMidX(room), y = NSMidY(room);
+    for (const CGFloat direction : {-1.0, 1.0}) {
+        NSBezierPath *chevron = [NSBezierPath bezierPath];
+        [chevron setLineWidth:1.5];
+        [chevron moveToPoint:NSMakePoint(x - 3.5, y + 2.5 * direction)];
+        [chevron lineToPoint:NSMakePoint(x, y + 6 * direction)];
+        [chevron lineToPoint:NSMakePoint(x + 3.5, y + 2.5 * direction)];
+        [chevron stroke];
+    }
+}
+
+/// A title that is too long ends in an ellipsis before the chevrons.
+- (void)drawInteriorWithFrame:(NSRect)frame inView:(NSView *)view {
+    constexpr CGFloat kMargin = 8, kChevrons = 20;
+    NSColor *colour =
+        [self isEnabled] ? [NSColor controlTextColor] : [NSColor disabledControlTextColor];
+    NSMutableParagraphStyle *style = [[[NSMutableParagraphStyle alloc] init] autorelease];
+    [style setLineBreakMode:NSLineBreakByTruncatingTail];
+    NSDictionary *attributes =
+        [NSDictionary dictionaryWithObjectsAndKeys:[self font], NSFontAttributeName, colour,
+                                                   NSForegroundColorAttributeName, style,
+                                                   NSParagraphStyleAttributeName, nil];
+    NSString *title = [[self selectedItem] title];
+    const CGFloat height = [title sizeWithAttributes:attributes].height;
+    const NSRect room = NSMakeRect(NSMinX(frame) + kMargin, std::floor(NSMidY(frame) - height / 2),
+                                   NSWidth(frame) - kMargin - kChevrons, height);
+    [title drawInRect:room withAttributes:attributes];
+    [colour set];
+    [self drawChevronsIn:NSMakeRect(NSMaxX(frame) - kChevrons, NSMinY(frame), kChevrons - 2,
+                                    NSHeight(frame))];
 }
 
 - (void)choose:(NSInteger)row {

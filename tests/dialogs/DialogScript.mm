@@ -90,7 +90,8 @@ id DialogValue(NSString *key) { return [[DialogWindow() windowController] valueF
 
 static NSButton *FindButtonIn(NSView *view, NSString *title) {
     for (NSView *sub in [view subviews]) {
-        if ([sub isMemberOfClass:[NSButton class]] && [[(NSButton *)sub title] isEqual:title])
+        if ([sub isKindOfClass:[NSButton class]] && ![sub isKindOfClass:[NSPopUpButton class]] &&
+            [[(NSButton *)sub title] isEqual:title])
             return (NSButton *)sub;
         NSButton *found = FindButtonIn(sub, title);
         if (found != nil) return found;

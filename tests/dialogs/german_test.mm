@@ -15,7 +15,8 @@ bool IsCutOff(NSControl *control) {
 void ExpectNothingCutOff(NSView *view) {
     for (NSView *sub in [view subviews]) {
         const bool hasText =
-            [sub isMemberOfClass:[NSButton class]] || [sub isKindOfClass:[NSTextField class]];
+            ([sub isKindOfClass:[NSButton class]] && ![sub isKindOfClass:[NSPopUpButton class]]) ||
+            [sub isKindOfClass:[NSTextField class]];
         if (hasText)
             EXPECT_FALSE(IsCutOff((NSControl *)sub))
                 << [[[(NSControl *)sub cell] title] UTF8String];

@@ -8,7 +8,7 @@ level() {
     case $1 in
         host/readers/images/*) echo 95 ;; # a library that the host loads at run time
         host/*) echo 90 ;;
-        dialogs/Alert* | dialogs/DialogSupport.* | dialogs/Toolkit* | dialogs/gnustep/* | dialogs/Units.*) echo 15 ;;
+        dialogs/Alert* | dialogs/DialogSupport.* | dialogs/Toolkit* | dialogs/gnustep/* | dialogs/PagePicture.* | dialogs/Units.*) echo 15 ;;
         dialogs/*) echo 80 ;; # dialogs and driver core call each other
         Common/Src/PageOutput* | Common/Src/BandScaler*) echo 70 ;;
         Common/Src/postscript/PostscriptDocument*) echo 10 ;;

@@ -104,6 +104,19 @@ void PageSetup::SetPaperSize(double width, double height) {
     mRecord.mPageHeight_be = DoubleToBigEndian(height);
 }
 
+PagePlace PageSetup::PlaceOnSheet() const {
+    PagePlace place;
+    place.width = PaperWidth();
+    place.height = PaperHeight();
+    if (IsRotated()) std::swap(place.width, place.height);
+    const PostscriptPages &pages = Printer().Pages();
+    const int index = pages.FindPageByName(RecordName(mRecord.mPageName));
+    if (IsCustomPaper() || index < 0) return place;
+    place.left = std::max(0.0, pages.GetPage(index).Getllx());
+    place.bottom = std::max(0.0, pages.GetPage(index).Getlly());
+    return place;
+}
+
 int PageSetup::ColourSpace() const {
     return static_cast<int>(SwapBigEndian(mRecord.mColourSpace_be));
 }

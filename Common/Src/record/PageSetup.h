@@ -15,6 +15,12 @@ struct CustomDimensions {
     NumberRange width, height;
 };
 
+/// Where the page lies on the sheet, in points, as the printer sees the sheet: not turned.
+struct PagePlace {
+    double left = 0, bottom = 0; ///< margins; 0 on custom paper
+    double width = 0, height = 0;
+};
+
 /// A copy of a record together with what it is edited with. Nothing here throws: AppKit calls it,
 /// and no C++ exception may reach AppKit.
 ///
@@ -41,6 +47,7 @@ public:
     virtual double PaperWidth() const; ///< points
     virtual double PaperHeight() const;
     virtual void SetPaperSize(double width, double height);
+    virtual PagePlace PlaceOnSheet() const;
     virtual double XDpi() const;
     virtual double YDpi() const;
     bool IsCustomPaper() const { return mRecord.mPageIsCustom_be != 0; }
