@@ -27,6 +27,11 @@ void PlatformKeepFreedMemory(int bytes);
 /// ENOSYS or another.
 [[nodiscard]] int PlatformMoveWithoutReplacing(const std::string &from, const std::string &to);
 
+/// Makes the folder `to`, which only its owner may use, give the group and the access rights to
+/// files made in it that the folder `from` gives. Returns 0 or an errno value: EPERM when the user
+/// may not.
+[[nodiscard]] int PlatformInheritRights(const std::string &from, const std::string &to);
+
 /// Runs `program` (a path) with `arguments` (argument 0 not included) and waits for its end.
 /// Returns its exit status, or 1 when it could not be started or was ended by a signal.
 int PlatformRunTask(const char *program, const char *const *arguments, int count);

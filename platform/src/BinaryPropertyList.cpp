@@ -2,7 +2,9 @@
 // table of their offsets, and a trailer of 32 bytes. All numbers are big-endian.
 #include "BinaryPropertyList.h"
 #include "Owned.h"
+#include <cmath>
 #include <cstring>
+#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -10,7 +12,7 @@ namespace {
 constexpr size_t kHeaderSize = 8;
 constexpr size_t kTrailerSize = 32;
 constexpr int kMaximumDepth = 128;
-/// An object that several containers share is read once for each of them.
+/// A container that several others share is read once for each of them.
 constexpr int kMaximumObjects = 1 << 16;
 
 struct Span {
@@ -27,7 +29,8 @@ uint64_t BigEndian(const UInt8 *bytes, size_t count) {
 
 class Reader {
 public:
-    Reader(const UInt8 *bytes, size_t length) : mBytes(bytes), mLength(length) {}
+    Reader(const UInt8 *bytes, size_t length)
+        : mBytes(bytes), mLength(length), mBytesLeft(length) {}
     CFPropertyListRef Read();
 
 private:
@@ -38,6 +41,7 @@ private:
 
     bool ReadTrailer();
     CFTypeRef ReadObject(uint64_t index, int depth);
+    CFTypeRef ReadScalarOnce(uint64_t index, UInt8 marker, Cursor cursor);
     CFTypeRef ReadScalar(UInt8 marker, Cursor cursor);
     CFTypeRef ReadSimple(UInt8 marker);
     CFTypeRef ReadInteger(size_t size, Cursor cursor);
@@ -55,6 +59,10 @@ private:
     size_t mOffsetSize = 0, mReferenceSize = 0, mTable = 0;
     uint64_t mObjectCount = 0, mTop = 0;
     int mObjectsRead = 0;
+    /// What has been read, for the containers that share it.
+    std::unordered_map<uint64_t, Owned<CFTypeRef>> mScalars;
+    /// Bytes that they may still take: objects of a whole file lie side by side.
+    uint64_t mBytesLeft;
 };
 
 bool Reader::ReadTrailer() {
@@ -109,10 +117,16 @@ CFTypeRef Reader::ReadObject(uint64_t index, int depth) {
     const UInt8 marker = mBytes[offset];
     Cursor cursor{static_cast<size_t>(offset) + 1};
     const bool isArray = (marker & 0xf0) == 0xa0;
-    if (!isArray && (marker & 0xf0) != 0xd0) return ReadScalar(marker, cursor);
+    if (!isArray && (marker & 0xf0) != 0xd0) return ReadScalarOnce(index, marker, cursor);
     uint64_t count = 0;
     if (!ReadCount(marker, cursor, count)) return nullptr;
     return isArray ? ReadArray(count, cursor, depth) : ReadDictionary(count, cursor, depth);
+}
+
+CFTypeRef Reader::ReadScalarOnce(uint64_t index, UInt8 marker, Cursor cursor) {
+    Owned<CFTypeRef> &scalar = mScalars[index];
+    if (!scalar) scalar.reset(ReadScalar(marker, cursor));
+    return scalar ? CFRetain(scalar.get()) : nullptr;
 }
 
 CFTypeRef Reader::ReadScalar(UInt8 marker, Cursor cursor) {
@@ -134,6 +148,8 @@ CFTypeRef Reader::ReadScalar(UInt8 marker, Cursor cursor) {
     const bool isUnicode = (marker & 0xf0) == 0x60;
     if (isUnicode && count > mLength) return nullptr;
     if (!Take(isUnicode ? count * 2 : count, cursor, span)) return nullptr;
+    if (span.size > mBytesLeft) return nullptr;
+    mBytesLeft -= span.size;
     switch (marker & 0xf0) {
         case 0x40:
             return CFDataCreate(kCFAllocatorDefault, span.data, CFIndex(span.size));
@@ -170,6 +186,8 @@ CFTypeRef Reader::ReadReal(size_t size, Cursor cursor) {
     std::memcpy(&narrow, &narrowBits, sizeof narrow);
     std::memcpy(&wide, &bits, sizeof wide);
     const double value = size == 4 ? narrow : wide;
+    // No property list can hold anything else, and none with it could be written again.
+    if (!std::isfinite(value)) return nullptr;
     return CFNumberCreate(kCFAllocatorDefault, kCFNumberDoubleType, &value);
 }
 

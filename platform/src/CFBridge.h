@@ -45,7 +45,8 @@ template <class F> static inline CFTypeRef CreateCopy(F make) {
 bool IsFloat(NSNumber *number);
 /// The number as an integer, the nearest one when it does not fit; `*exact` tells whether it did.
 int64_t IntegerValue(NSNumber *number, bool *exact);
-/// Can a file hold the object: data, text, a number, a date, or a collection of such, with text for
-/// keys and no deeper than kMaximumListDepth? Foundation's own test says yes to everything.
+/// Can a file hold the object: data, text, a finite number, a date, or a collection of such, with
+/// text for keys and no deeper than kMaximumListDepth? Foundation's own test says yes to
+/// everything.
 bool IsPropertyList(id object);
 constexpr int kMaximumListDepth = 128;

@@ -25,7 +25,10 @@ bool IsList(id object, int depth) {
     if ([object isKindOfClass:[NSArray class]]) return AreLists(object, depth + 1);
     if ([object isKindOfClass:[NSDictionary class]])
         return AreText([object allKeys]) && AreLists([object allValues], depth + 1);
-    for (Class leaf : {[NSString class], [NSNumber class], [NSData class], [NSDate class]})
+    // GNUstep's binary writer finds its objects by equality. A number that equals nothing, not even
+    // itself, gets an index of 32 ones, and the table for it 16 GiB; infinity it writes as nothing.
+    if ([object isKindOfClass:[NSNumber class]]) return std::isfinite([object doubleValue]);
+    for (Class leaf : {[NSString class], [NSData class], [NSDate class]})
         if ([object isKindOfClass:leaf]) return true;
     return false;
 }
@@ -35,27 +38,18 @@ CFPropertyListRef CreateFromXML(CFDataRef data, CFOptionFlags options) {
                                 (size_t)CFDataGetLength(data));
     if (!IsShallowPropertyListXML(text, kMaximumListDepth)) return nullptr;
     return Create([&] {
-        return [NSPropertyListSerialization propertyListWithData:As<NSData>([NSData class], data)
-                                                         options:(NSPropertyListReadOptions)options
-                                                          format:NULL
-                                                           error:NULL];
+        NSData *bytes = As<NSData>([NSData class], data);
+        id list =
+            [NSPropertyListSerialization propertyListWithData:bytes
+                                                      options:(NSPropertyListReadOptions)options
+                                                       format:NULL
+                                                        error:NULL];
+        return IsPropertyList(list) ? list : nil;
     });
-}
-
-bool ContainsNaN(id object) {
-    if ([object isKindOfClass:[NSNumber class]]) return std::isnan([object doubleValue]);
-    if ([object isKindOfClass:[NSDictionary class]]) object = [object allValues];
-    if (![object isKindOfClass:[NSArray class]]) return false;
-    for (id element in object)
-        if (ContainsNaN(element)) return true;
-    return false;
 }
 
 NSData *WritePropertyList(id list, NSPropertyListFormat format) {
     if (!IsPropertyList(list)) return nil;
-    // The binary writer finds its objects by equality. A number that equals nothing, not even
-    // itself, gets an index of 32 ones, and the table for it 16 GiB.
-    if (format == NSPropertyListBinaryFormat_v1_0 && ContainsNaN(list)) return nil;
     return [NSPropertyListSerialization dataWithPropertyList:list
                                                       format:format
                                                      options:0

@@ -376,6 +376,30 @@ TEST(PreferencesHelper, DISABLED_CannotWrite) {
     EXPECT_EQ(Text(static_cast<CFStringRef>(application.Get("Before").Get())), "kept");
 }
 
+TEST(Preferences, FolderInTheFilesPlaceIsReported) {
+    const Application application{"com.zel.test.folder"};
+    fs::create_directory(PreferencesFile(application.name));
+    EXPECT_FALSE(application.Get("Key"));
+    application.Set("Key", CFSTR("new"));
+    EXPECT_FALSE(application.Synchronize());
+    EXPECT_EQ(Text(static_cast<CFStringRef>(application.Get("Key").Get())), "new");
+    fs::remove(PreferencesFile(application.name));
+    EXPECT_TRUE(application.Synchronize());
+}
+
+TEST(Preferences, LinkToTheFileStays) {
+    const Application application{"com.zel.test.link"};
+    const TempFolder elsewhere;
+    const fs::path target = elsewhere.Path() / "kept elsewhere.plist";
+    std::ofstream(target) << "{ Theirs = kept; }";
+    fs::create_symlink(target, PreferencesFile(application.name));
+    application.Set("Key", CFSTR("new"));
+    EXPECT_TRUE(application.Synchronize());
+    EXPECT_TRUE(fs::is_symlink(PreferencesFile(application.name)));
+    EXPECT_NE(ReadFile(target).find("new"), std::string::npos);
+    EXPECT_NE(ReadFile(target).find("kept"), std::string::npos);
+}
+
 TEST(Preferences, ReadOnlyFolderIsReadAndReported) {
     const Application application{"com.zel.test.readonly"};
     application.Set("Before", CFSTR("kept"));

@@ -1,5 +1,6 @@
 // Property lists: types kept on the way through both formats, and data that cannot be trusted.
 #include "tests/platform/CFTest.h"
+#include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
 #include <vector>
@@ -341,4 +342,54 @@ TEST(PropertyList, TablesOfEverySizeAreRead) {
 TEST(PropertyList, DictionaryKeysMustBeText) {
     EXPECT_FALSE(
         Read(Binary{{std::string("\xd1") + BigEndian(1, 4) + BigEndian(1, 4), "\x10\x05"}}.Make()));
+}
+
+TEST(PropertyList, NumbersWithoutAValueAreNeitherReadNorWritten) {
+    const struct {
+        double value;
+        std::string bits, text;
+    } numbers[] = {
+        {NAN, "\x7f\xf8", "nan"}, {INFINITY, "\x7f\xf0", "inf"}, {-INFINITY, "\xff\xf0", "-inf"}};
+    for (const auto &number : numbers) {
+        Binary list;
+        list.objects = {ArrayOf({1}), "\x23" + number.bits + std::string(6, '\0')};
+        EXPECT_FALSE(Read(list.Make())) << number.text;
+        EXPECT_FALSE(Read("<?xml version=\"1.0\"?><plist version=\"1.0\"><array><real>" +
+                          number.text + "</real></array></plist>"))
+            << number.text;
+        const auto array = Array();
+        CFArrayAppendValue(array.Get(), Real(number.value).Get());
+        for (const CFPropertyListFormat format :
+             {kCFPropertyListBinaryFormat_v1_0, kCFPropertyListXMLFormat_v1_0})
+            EXPECT_FALSE(Write(array.Get(), format)) << number.text;
+    }
+}
+
+TEST(PropertyList, SharedDataTakeTheirMemoryOnce) {
+    Binary list;
+    list.objects = {ArrayOf(std::vector<uint64_t>(60000, 1)),
+                    "\x4f\x12" + BigEndian(1 << 20, 4) + std::string(1 << 20, 'd')};
+    const auto read = Read(list.Make());
+    ASSERT_TRUE(read);
+    const auto *array = static_cast<CFArrayRef>(read.Get());
+    ASSERT_EQ(CFArrayGetCount(array), 60000);
+    EXPECT_EQ(CFArrayGetValueAtIndex(array, 0), CFArrayGetValueAtIndex(array, 59999));
+}
+
+TEST(PropertyList, DataThatLieOverEachOtherAreRefused) {
+    // Sixteen objects, each of which claims all the bytes behind it.
+    constexpr size_t size = 1 << 16;
+    std::string bytes = "bplist00", table;
+    std::vector<uint64_t> references;
+    for (size_t i = 0; i < 16; ++i) {
+        table += BigEndian(bytes.size(), 4);
+        references.push_back(i);
+        bytes += "\x4f\x12" + BigEndian(size, 4);
+    }
+    bytes += std::string(size + 100, 'd');
+    table += BigEndian(bytes.size(), 4);
+    bytes += ArrayOf(references);
+    const size_t tableAt = bytes.size();
+    EXPECT_FALSE(Read(bytes + table + std::string(6, '\0') + "\x04\x04" + BigEndian(17, 8) +
+                      BigEndian(16, 8) + BigEndian(tableAt, 8)));
 }
