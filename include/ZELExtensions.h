@@ -85,6 +85,12 @@ ZEL_EXPORT Boolean ZELPrCanShowDialogs(void);
 /// or another when that file system cannot do it.
 ZEL_EXPORT int32_t ZELPrMoveWithoutReplacing(const char *from, const char *to);
 
+/// Makes the folder `to`, which the user has made and only the user may enter, give the group and
+/// the access rights to files made in it that the folder `from` gives: so that a document that is
+/// moved from one to the other is as if it had been made there. 0, or an `errno` value: EPERM when
+/// the user may not.
+ZEL_EXPORT int32_t ZELPrInheritRights(const char *from, const char *to);
+
 /// Hands a copy of the finished document `path` to the default print queue, as the driver does with
 /// documents of its own, and waits until the queue has it. The file stays. False when the queue
 /// does not take it, or when there is no print command.

@@ -109,6 +109,10 @@ int32_t ZELPrMoveWithoutReplacing(const char *from, const char *to) {
     return PlatformMoveWithoutReplacing(from, to);
 }
 
+int32_t ZELPrInheritRights(const char *from, const char *to) {
+    return PlatformInheritRights(from, to);
+}
+
 Boolean ZELPrHandToPrintQueue(const char *path) {
     return PrintCopyOfFile(path) == 0;
 }

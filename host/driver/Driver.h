@@ -41,6 +41,7 @@
     X(ZELPrUserSendsToPrintQueue)                                                                  \
     X(ZELPrCanShowDialogs)                                                                         \
     X(ZELPrMoveWithoutReplacing)                                                                   \
+    X(ZELPrInheritRights)                                                                          \
     X(ZELPrHandToPrintQueue)                                                                       \
     X(ZELPrKeepFreedMemory)
 

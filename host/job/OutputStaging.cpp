@@ -37,18 +37,6 @@ std::string RealFolder(const std::string &folder) {
     return real;
 }
 
-bool OnSameFileSystem(const std::string &a, const std::string &b) {
-    struct stat first {};
-    struct stat second {};
-    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 &&
-           first.st_dev == second.st_dev;
-}
-
-std::string MakeHiddenFolder(const std::string &parent) {
-    std::string name = (parent == "/" ? "" : parent) + "/.zelprint-XXXXXX";
-    return mkdtemp(name.data()) ? name : std::string();
-}
-
 std::string SplitExtension(std::string &name) {
     const size_t dot = name.rfind('.');
     if (dot == std::string::npos || dot == 0) return {};
@@ -57,8 +45,18 @@ std::string SplitExtension(std::string &name) {
     return extension;
 }
 
+/// Waits until the file or folder is on the disk. 0 or an errno value.
+int Synchronize(const std::string &path) {
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return errno;
+    const int code = fsync(fd) == 0 ? 0 : errno;
+    (void)close(fd);
+    return code;
+}
+
 /// Gives `from` the name `to` unless it is taken. Returns 0 or an errno value.
-int MoveWithoutReplacing(NamingFunction inOneStep, const std::string &from, const std::string &to) {
+int MoveWithoutReplacing(decltype(StagingFunctions::move) inOneStep, const std::string &from,
+                         const std::string &to) {
     const int moved = inOneStep ? inOneStep(from.c_str(), to.c_str()) : ENOSYS;
     if (moved == 0 || moved == EEXIST) return moved;
     // Many a network's file system cannot, but knows hard links.
@@ -79,30 +77,26 @@ int MoveWithoutReplacing(NamingFunction inOneStep, const std::string &from, cons
 
 } // namespace
 
-OutputStaging::OutputStaging(const std::string &folder, NamingFunction inOneStep)
-    : mFolder(RealFolder(folder)), mInOneStep(inOneStep) {
+OutputStaging::OutputStaging(const std::string &folder, const StagingFunctions &driver, Sync sync)
+    : mFolder(RealFolder(folder)), mDriver(driver), mSync(sync) {
     if (mFolder.size() + kLongestName > kLongestPath)
         Refuse(mFolder.substr(0, 80) + "...", "the path is too long; choose another folder");
     const size_t slash = mFolder.rfind('/');
     const std::string parent = slash == 0 ? "/" : mFolder.substr(0, slash);
-    if (OnSameFileSystem(parent, mFolder)) mStaging = MakeHiddenFolder(parent);
-    if (mStaging.empty()) mStaging = MakeHiddenFolder(mFolder);
-    if (mStaging.empty()) Refuse(folder, strerror(errno));
-}
-
-OutputStaging::~OutputStaging() {
-    for (const std::string &name : Files())
-        (void)unlink((mStaging + "/" + name).c_str());
-    (void)rmdir(mStaging.c_str());
+    for (const std::string &place : {parent, mFolder})
+        StagingFolder::RemoveAbandoned(place);
+    mStaging = StagingFolder::Make(parent, mFolder, mDriver.inheritRights);
+    if (!mStaging) mStaging = StagingFolder::Make(mFolder, mFolder, nullptr);
+    if (!mStaging) Refuse(folder, strerror(errno));
 }
 
 std::vector<std::string> OutputStaging::Files() const {
     std::vector<std::string> names;
-    DIR *folder = opendir(mStaging.c_str());
+    DIR *folder = opendir(Folder().c_str());
     if (!folder) return names;
     while (const dirent *entry = readdir(folder)) {
         const std::string name = entry->d_name;
-        if (name != "." && name != "..") names.push_back(name);
+        if (name != "." && name != ".." && !StagingFolder::IsOwn(name)) names.push_back(name);
     }
     (void)closedir(folder);
     // base.eps, base_p02.eps, ..., base_p99.eps, base_p100.eps
@@ -120,7 +114,7 @@ std::string OutputStaging::MoveUnique(const std::string &name) const {
         if (number > 0) (void)snprintf(suffix, sizeof suffix, "_%02d", number);
         std::string target = mFolder + "/" + base;
         target.append(suffix).append(extension);
-        const int code = MoveWithoutReplacing(mInOneStep, mStaging + "/" + name, target);
+        const int code = MoveWithoutReplacing(mDriver.move, Folder() + "/" + name, target);
         if (code == 0) return target;
         if (code != EEXIST) Refuse(target, strerror(code));
     }
@@ -131,7 +125,7 @@ std::string OutputStaging::MoveUnique(const std::string &name) const {
 std::string OutputStaging::MoveOver(const std::string &file, const std::string &name) const {
     std::string target = mFolder + "/" + name;
     CheckReplaceable(target);
-    if (rename((mStaging + "/" + file).c_str(), target.c_str()) != 0)
+    if (rename((Folder() + "/" + file).c_str(), target.c_str()) != 0)
         Refuse(target, std::string(strerror(errno)) + "; choose another name with -o");
     return target;
 }
@@ -139,23 +133,35 @@ std::string OutputStaging::MoveOver(const std::string &file, const std::string &
 std::vector<FinishedFile> OutputStaging::Publish(const std::string &name) {
     const std::vector<std::string> files = Files();
     std::vector<FinishedFile> published(files.size());
+    if (mSync == Sync::Yes) SynchronizeFiles(files);
     // A file that replaces another goes last: that step cannot be undone.
     const size_t first = name.empty() ? 0 : 1;
     try {
         for (size_t i = 0; i < files.size(); ++i) {
             const size_t page = (i + first) % files.size();
             struct stat info {};
-            (void)stat((mStaging + "/" + files[page]).c_str(), &info);
+            (void)stat((Folder() + "/" + files[page]).c_str(), &info);
             published[page].bytes = static_cast<uint64_t>(info.st_size);
             published[page].path =
                 page == 0 && !name.empty() ? MoveOver(files[page], name) : MoveUnique(files[page]);
         }
-    } catch (const HostError &) {
+    } catch (...) {
         for (const FinishedFile &file : published)
             if (!file.path.empty()) (void)unlink(file.path.c_str());
         throw;
     }
+    // The documents are whole and there; a folder that cannot be waited for changes nothing in
+    // that.
+    if (mSync == Sync::Yes) (void)Synchronize(mFolder);
     return published;
+}
+
+/// What a network's file system could not take, it says here at the latest.
+void OutputStaging::SynchronizeFiles(const std::vector<std::string> &files) const {
+    for (const std::string &name : files)
+        if (const int code = Synchronize(Folder() + "/" + name))
+            Refuse(mFolder, std::string("the document cannot be brought to the disk: ") +
+                                strerror(code) + "; nothing was kept");
 }
 
 void CheckReplaceable(const std::string &path) {

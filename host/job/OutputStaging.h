@@ -4,7 +4,9 @@
 #define ZEL_HOST_OUTPUTSTAGING_H
 
 #include "ZELExtensions.h"
+#include "host/job/StagingFolder.h"
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,22 +15,28 @@ struct FinishedFile {
     uint64_t bytes = 0;
 };
 
-/// The driver's function that names a file in one step and replaces nothing.
-using NamingFunction = decltype(&ZELPrMoveWithoutReplacing);
+/// Whether documents are on the disk, and not only in the system's memory, before they get their
+/// name.
+enum class Sync { Yes, No };
+
+/// The driver's functions that staging uses. Without `move` hard links give files their names;
+/// without `inheritRights` they keep the rights that they have beside the folder.
+struct StagingFunctions {
+    decltype(&ZELPrMoveWithoutReplacing) move = nullptr;
+    RightsFunction inheritRights = nullptr;
+};
 
 class OutputStaging {
 public:
-    /// Makes the hidden folder: beside `folder` if that is on the same file system and may be
-    /// written, else inside it. `inOneStep` gives finished files their names; without it hard links
-    /// do. Throws HostError (Output) when `folder` cannot take files.
-    explicit OutputStaging(const std::string &folder, NamingFunction inOneStep = nullptr);
-    /// Removes the hidden folder with everything that is still in it.
-    ~OutputStaging();
-    OutputStaging(const OutputStaging &) = delete;
-    OutputStaging &operator=(const OutputStaging &) = delete;
+    /// Makes the hidden folder: beside `folder` if files can be moved from there and get the same
+    /// rights, else inside it; removes those that killed processes have left. Throws HostError
+    /// (Output) when `folder` cannot take files. The hidden folder goes with its owner, and
+    /// everything that is still in it.
+    explicit OutputStaging(const std::string &folder, const StagingFunctions &driver = {},
+                           Sync sync = Sync::Yes);
 
     /// Where the driver writes.
-    [[nodiscard]] const std::string &Folder() const { return mStaging; }
+    [[nodiscard]] const std::string &Folder() const { return mStaging->Path(); }
     /// Names of the files there, in the order of the pages.
     [[nodiscard]] std::vector<std::string> Files() const;
 
@@ -41,9 +49,12 @@ private:
     [[nodiscard]] std::string MoveUnique(const std::string &name) const;
     [[nodiscard]] std::string MoveOver(const std::string &file, const std::string &name) const;
 
+    void SynchronizeFiles(const std::vector<std::string> &files) const;
+
     std::string mFolder;
-    std::string mStaging;
-    NamingFunction mInOneStep;
+    StagingFunctions mDriver;
+    Sync mSync;
+    std::unique_ptr<StagingFolder> mStaging;
 };
 
 /// Throws HostError (Output) when something other than a regular file has the name that a new file

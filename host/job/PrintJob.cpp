@@ -187,7 +187,9 @@ bool IsQueued(const DriverBundle &bundle, const std::string &path) {
 JobResult PrintJob(const DriverSession &session, Handle record, const JobPlan &plan, int bandHeight,
                    bool quiet) {
     const Cancellation cancellation;
-    OutputStaging staging(plan.folder, session.Bundle().Functions().ZELPrMoveWithoutReplacing);
+    const DriverFunctions &driver = session.Bundle().Functions();
+    OutputStaging staging(plan.folder,
+                          {driver.ZELPrMoveWithoutReplacing, driver.ZELPrInheritRights});
     CheckRoom(plan.folder, plan.LeastFileSize(plan.TotalPages()));
     SetOutputFolder(session, record, staging.Folder());
     DocumentWriter writer(session, plan, bandHeight, quiet);

@@ -17,6 +17,9 @@ namespace {
 /// What the file system answers; 0: it does as it is told.
 int renameWithoutReplacingFails = 0;
 int linkFails = 0;
+/// What bringing a file to the disk answers.
+int fsyncFails = 0;
+int filesSynchronized = 0;
 /// Whether an empty file was ever seen under the final name.
 bool wasHeld = false;
 
@@ -43,6 +46,13 @@ int link(const char *from, const char *to) noexcept {
 int rename(const char *from, const char *to) noexcept {
     wasHeld = wasHeld || IsEmptyFile(to);
     return Real<int(const char *, const char *)>("rename")(from, to);
+}
+
+int fsync(int fd) {
+    ++filesSynchronized;
+    errno = fsyncFails;
+    if (errno != 0) return -1;
+    return Real<int(int)>("fsync")(fd);
 }
 
 } // extern "C"
@@ -85,7 +95,7 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
     [[nodiscard]] std::string Publish() const {
-        OutputStaging staging((mRoot / "hot").string(), MoveInOneStep);
+        OutputStaging staging((mRoot / "hot").string(), {MoveInOneStep, nullptr});
         Write(fs::path(staging.Folder()) / "report.ps", "new");
         return fs::path(staging.Publish("")[0].path).filename();
     }
@@ -108,6 +118,23 @@ TEST_P(OutputMoving, ToATakenName_ReplacesNothing) {
     EXPECT_EQ(Read(mRoot / "hot/report_01.ps"), "");
     EXPECT_EQ(Read(mRoot / "hot/report_02.ps"), "new");
     EXPECT_EQ(fs::hard_link_count(mRoot / "hot/report_02.ps"), 1U);
+}
+
+TEST_P(OutputMoving, WhatDoesNotReachTheDiskGetsNoName) {
+    fsyncFails = ENOSPC;
+    EXPECT_THROW((void)Publish(), HostError);
+    fsyncFails = 0;
+    EXPECT_TRUE(fs::is_empty(mRoot / "hot"));
+}
+
+TEST_P(OutputMoving, WithoutSynchronizing_NothingIsWaitedFor) {
+    for (const Sync sync : {Sync::No, Sync::Yes}) {
+        filesSynchronized = 0;
+        OutputStaging staging((mRoot / "hot").string(), {MoveInOneStep, nullptr}, sync);
+        Write(fs::path(staging.Folder()) / "report.ps", "new");
+        (void)staging.Publish("");
+        EXPECT_EQ(filesSynchronized, sync == Sync::No ? 0 : 2) << "the file and its folder";
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(FileSystems, OutputMoving,

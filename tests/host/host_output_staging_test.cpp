@@ -5,7 +5,34 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <new>
+#include <platform/Platform.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
+
+namespace {
+
+/// How many allocations are still granted; negative: all.
+long allocationsLeft = -1;
+
+} // namespace
+
+void *operator new(size_t size) {
+    if (allocationsLeft == 0) throw std::bad_alloc();
+    if (allocationsLeft > 0) --allocationsLeft;
+    void *memory = malloc(size);
+    if (!memory) throw std::bad_alloc();
+    return memory;
+}
+void operator delete(void *memory) noexcept {
+    free(memory);
+}
+void operator delete(void *memory, size_t) noexcept {
+    free(memory);
+}
 
 namespace {
 
@@ -175,6 +202,162 @@ TEST_F(OutputStagingTest, UnwritableParent_StagesInside) {
     }
     fs::permissions(mRoot, fs::perms::owner_all);
     EXPECT_TRUE(fs::is_empty(mHot));
+}
+
+TEST_F(OutputStagingTest, Publish_WhenMemoryEnds_AllOrNone) {
+    bool isDone = false;
+    for (long count = 0; !isDone; ++count) {
+        OutputStaging staging(mHot);
+        for (const char *name : {"a page with a long name.eps", "a page with a long name_p02.eps",
+                                 "a page with a long name_p03.eps"})
+            Stage(staging, name, "new");
+        allocationsLeft = count;
+        try {
+            (void)staging.Publish("");
+            isDone = true;
+        } catch (const std::bad_alloc &) {
+        }
+        allocationsLeft = -1;
+        EXPECT_EQ(Listing(mHot).size(), isDone ? 3U : 0U) << count;
+    }
+}
+
+TEST_F(OutputStagingTest, LeftByAKilledProcess_IsRemovedByTheNext) {
+    for (const bool isInside : {false, true}) {
+        const fs::path left = (isInside ? mHot : mRoot) / ".zelprint-LeftBy";
+        fs::create_directory(left);
+        Write(left / ".lock", "");
+        Write(left / "huge.ps", "gigabytes");
+        const OutputStaging staging(mHot);
+        EXPECT_FALSE(fs::exists(left));
+    }
+}
+
+TEST_F(OutputStagingTest, OfAKilledProcess_IsRemovedByTheNext) {
+    const pid_t child = fork();
+    if (child == 0) {
+        OutputStaging staging(mHot);
+        Stage(staging, "half.ps", "half");
+        (void)raise(SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    ASSERT_EQ(Listing(mRoot).size(), 2U) << "it left nothing";
+    { const OutputStaging staging(mHot); }
+    EXPECT_EQ(Listing(mRoot), Names{"hot"});
+}
+
+TEST_F(OutputStagingTest, OfALivingProcess_IsLeftAlone) {
+    OutputStaging first(mHot);
+    Stage(first, "first.ps", "first");
+    {
+        OutputStaging second(mHot);
+        Stage(second, "second.ps", "second");
+        (void)second.Publish("");
+    }
+    (void)first.Publish("");
+    EXPECT_EQ(Listing(mHot), (Names{"first.ps", "second.ps"}));
+}
+
+TEST_F(OutputStagingTest, WhatOnlyLooksLikeOurs_IsLeftAlone) {
+    Write(mRoot / ".zelprint-AFile1", "a file");
+    fs::create_directory(mRoot / ".zelprint-AFolde");
+    Write(mRoot / ".zelprint-AFolde" / "kept", "without a lock");
+    fs::create_directory(mRoot / "elsewhere");
+    Write(mRoot / "elsewhere" / ".lock", "");
+    fs::create_directory_symlink(mRoot / "elsewhere", mRoot / ".zelprint-ALink1");
+    { const OutputStaging staging(mHot); }
+    EXPECT_EQ(Read(mRoot / ".zelprint-AFile1"), "a file");
+    EXPECT_EQ(Read(mRoot / ".zelprint-AFolde" / "kept"), "without a lock");
+    EXPECT_TRUE(fs::exists(mRoot / "elsewhere" / ".lock"));
+}
+
+/// The document's rights, and those of a file that is made in the hot folder.
+class RightsOfADocument : public OutputStagingTest {
+protected:
+    ~RightsOfADocument() override { (void)umask(mOldMask); }
+
+    void ExpectAsIfMadeThere() const {
+        Write(mHot / "made there", "");
+        {
+            OutputStaging staging(mHot, {nullptr, InheritRights});
+            Stage(staging, "document.ps", "");
+            (void)staging.Publish("");
+        }
+        struct stat expected {};
+        struct stat document {};
+        ASSERT_EQ(stat((mHot / "made there").c_str(), &expected), 0);
+        ASSERT_EQ(stat((mHot / "document.ps").c_str(), &document), 0);
+        EXPECT_EQ(document.st_mode, expected.st_mode);
+        EXPECT_EQ(document.st_gid, expected.st_gid);
+        EXPECT_EQ(AccessList(mHot / "document.ps"), AccessList(mHot / "made there"));
+        fs::remove(mHot / "made there");
+        fs::remove(mHot / "document.ps");
+    }
+    /// What the driver does.
+    static int32_t InheritRights(const char *from, const char *to) {
+        return PlatformInheritRights(from, to);
+    }
+    static std::string AccessList(const fs::path &path) {
+        char list[512];
+        const ssize_t size = getxattr(path.c_str(), "system.posix_acl_access", list, sizeof list);
+        return size < 0 ? "" : std::string(list, static_cast<size_t>(size));
+    }
+    /// Makes `user` 1 read what is made in the folder. False where there are no such lists.
+    static bool SetDefaultList(const fs::path &folder) {
+        // version 2; entries: tag, permissions, id
+        static const unsigned char list[] = {2,  0, 0, 0,                          //
+                                             1,  0, 6, 0, 0xff, 0xff, 0xff, 0xff,  // owner
+                                             2,  0, 4, 0, 1,    0,    0,    0,     // user 1
+                                             4,  0, 4, 0, 0xff, 0xff, 0xff, 0xff,  // group
+                                             16, 0, 6, 0, 0xff, 0xff, 0xff, 0xff,  // mask
+                                             32, 0, 0, 0, 0xff, 0xff, 0xff, 0xff}; // others
+        return setxattr(folder.c_str(), "system.posix_acl_default", list, sizeof list, 0) == 0;
+    }
+
+    mode_t mOldMask = umask(022);
+};
+
+TEST_F(RightsOfADocument, FollowTheMask) {
+    for (const mode_t mask : {0022, 0077, 0002, 0}) {
+        (void)umask(mask);
+        ExpectAsIfMadeThere();
+    }
+}
+
+TEST_F(RightsOfADocument, FollowTheFoldersGroup) {
+    if (geteuid() != 0) GTEST_SKIP() << "only the superuser may choose any group";
+    for (const fs::path &folder : {mHot, mRoot}) {
+        ASSERT_EQ(chown(folder.c_str(), static_cast<uid_t>(-1), 1234), 0);
+        ASSERT_EQ(chmod(folder.c_str(), 02755), 0);
+        ExpectAsIfMadeThere();
+        ASSERT_EQ(chmod(folder.c_str(), 0755), 0);
+    }
+}
+
+TEST_F(RightsOfADocument, FollowTheFoldersDefaultList) {
+    for (const fs::path &folder : {mRoot, mHot}) {
+        if (!SetDefaultList(folder)) GTEST_SKIP() << "the file system has no access lists";
+        ExpectAsIfMadeThere();
+        (void)removexattr(folder.c_str(), "system.posix_acl_default");
+    }
+}
+
+TEST_F(OutputStagingTest, FolderMountedASecondTime_StagesInside) {
+    const fs::path other = mRoot / "other";
+    fs::create_directory(other);
+    if (mount(other.c_str(), mHot.c_str(), nullptr, MS_BIND, nullptr) != 0)
+        GTEST_SKIP() << "only the superuser may mount";
+    {
+        OutputStaging staging(mHot);
+        EXPECT_EQ(fs::path(staging.Folder()).parent_path(), fs::canonical(mHot));
+        Stage(staging, "report.ps", "whole");
+        EXPECT_NO_THROW((void)staging.Publish(""));
+    }
+    EXPECT_EQ(Listing(mHot), Names{"report.ps"});
+    (void)umount(mHot.c_str());
+    EXPECT_EQ(Listing(mRoot), (Names{"hot", "other"}));
 }
 
 class CheckFinishedFileTest : public OutputStagingTest {
