@@ -40,7 +40,8 @@ void SetProgramPath(const char *argv0) {
 std::string FindBesideProgram(const std::string &name) {
     const std::string &program = ProgramPath();
     const std::string folder = program.substr(0, program.rfind('/'));
-    for (const char *place : {"/", "/../", "/../resources/", "/../lib/zel/", "/../lib/"}) {
+    for (const char *place :
+         {"/", "/../", "/../resources/", "/../" ZEL_INSTALL_FOLDER "/", "/../lib/"}) {
         std::string path = RealPath(std::string(folder).append(place).append(name));
         if (!path.empty()) return path;
     }

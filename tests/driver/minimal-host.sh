@@ -24,6 +24,6 @@ grep -v '^#' "$folder/page.pgm" | tr -s ' \n' '\n\n' | grep . | awk '
   }' || fail "the page is not the ramp"
 
 "$1" "$2" "$folder/missing" 2>"$folder/messages" && fail "it prints into a missing folder"
-grep -q '^minimal_host: the folder does not exist$' "$folder/messages" || fail "no clear message"
+grep -q '^[a-z_]*: the folder does not exist$' "$folder/messages" || fail "no clear message"
 "$1" "$folder" "$folder/out" 2>/dev/null && fail "it takes any folder for the bundle"
 exit 0
