@@ -1,4 +1,4 @@
-#include "dialogs/Alerts.h"
+#include "support/Alerts.h"
 
 #include "dialogs/AlertWindow.h"
 

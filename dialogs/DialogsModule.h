@@ -8,7 +8,8 @@
 #include "dialogs/JobDialog.h"
 #include "dialogs/StyleDialog.h"
 
-/// What the driver calls. What the windows need of the driver comes with the calls: PSStyleParams.
+/// What the driver calls. What the windows need of the driver comes with the calls: see
+/// PageSetupModel.
 struct DialogFunctions {
     decltype(&StyleDialog) styleDialog;
     decltype(&JobDialog) jobDialog;

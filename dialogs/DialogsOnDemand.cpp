@@ -37,9 +37,8 @@ const DialogFunctions *Module() {
 
 } // namespace
 
-bool StyleDialog(CFBundleRef bundle, CFStringRef preferencesDomain, PSStyleParams *params,
-                 PSHPrint *record) {
-    return Module() && Module()->styleDialog(bundle, preferencesDomain, params, record);
+bool StyleDialog(CFBundleRef bundle, PageSetupModel &setup) {
+    return Module() && Module()->styleDialog(bundle, setup);
 }
 
 bool JobDialog(CFBundleRef bundle, CFStringRef bundleIdentifier, CFStringRef title,

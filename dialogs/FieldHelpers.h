@@ -1,8 +1,8 @@
 /// Reading and writing numbers in text fields. A field is an NSTextField or any control with a
-/// `stringValue`. Units and results are those of dialogs/Units.h. Main thread only.
+/// `stringValue`. Units and results are those of support/Units.h. Main thread only.
 #pragma once
 
-#include "dialogs/Units.h"
+#include "support/Units.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,6 +1,6 @@
 #import "dialogs/FieldHelpers.h"
 
-#include "dialogs/Alerts.h"
+#include "support/Alerts.h"
 
 #include <algorithm>
 

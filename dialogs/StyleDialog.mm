@@ -7,45 +7,22 @@ namespace {
 
 typedef PostscriptPrinterStyleDialogController Controller;
 
-void ReadPreferences(Controller *controller, CFStringRef domain) {
-    Boolean exists = 0;
-    const CFIndex unit = CFPreferencesGetAppIntegerValue(CFSTR("MeasurementUnit"), domain, &exists);
-    if (exists && kPixels <= unit && unit <= kInches) [controller setUnitMode:unit];
-    const Boolean send =
-        CFPreferencesGetAppBooleanValue(CFSTR("SendToDefaultPrintQueue"), domain, &exists);
-    if (exists) [controller setSendToPrinter:send != 0];
-}
-
-void SavePreferences(Controller *controller, CFStringRef domain) {
-    const SInt32 unit = (SInt32)[controller unitMode];
-    CFNumberRef number = CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt32Type, &unit);
-    CFPreferencesSetAppValue(CFSTR("MeasurementUnit"), number, domain);
-    CFRelease(number);
-    CFPreferencesSetAppValue(CFSTR("SendToDefaultPrintQueue"),
-                             [controller sendToPrinter] ? kCFBooleanTrue : kCFBooleanFalse, domain);
-}
-
-Controller *CreateController(CFBundleRef bundle, CFStringRef domain, PSStyleParams *params,
-                             const PSHPrint &record) {
+Controller *CreateController(CFBundleRef bundle, PageSetupModel &setup) {
     NSBundle *resources = [NSBundle bundleWithIdentifier:(NSString *)CFBundleGetIdentifier(bundle)];
     Controller *controller = [[Controller alloc] initWithBundle:resources];
-    [controller setParams:params];
-    [controller setPrintRecord:record];
-    [controller setPreferencesDomain:(NSString *)domain];
-    ReadPreferences(controller, domain);
-    if (params->sendToPrinter) [controller setSendToPrinter:*params->sendToPrinter];
+    [controller setSetup:&setup];
+    [controller setUnitMode:setup.SavedUnit()];
+    [controller setSendToPrinter:setup.SendsToPrintQueue()];
     return controller;
 }
 
 /// `*controller` is the caller's to release, whatever happens.
-bool RunAndReadBack(Controller **controller, CFBundleRef bundle, CFStringRef domain,
-                    PSStyleParams *params, PSHPrint *record) {
+bool RunController(Controller **controller, CFBundleRef bundle, PageSetupModel &setup) {
     @try {
-        *controller = CreateController(bundle, domain, params, *record);
+        *controller = CreateController(bundle, setup);
         if (!LoadDialog(*controller, "page-setup")) return false;
         if (![*controller runStyleDialog]) return false;
-        *record = [*controller printRecord];
-        SavePreferences(*controller, domain);
+        setup.SavePreferences((int)[*controller unitMode], [*controller sendToPrinter]);
         return true;
     } @catch (NSException *e) {
         return DialogFailed("page-setup", [e reason]);
@@ -54,14 +31,13 @@ bool RunAndReadBack(Controller **controller, CFBundleRef bundle, CFStringRef dom
 
 } // namespace
 
-bool StyleDialog(CFBundleRef bundle, CFStringRef preferencesDomain, PSStyleParams *params,
-                 PSHPrint *record) {
+bool StyleDialog(CFBundleRef bundle, PageSetupModel &setup) {
     if (!BeginDialog("page-setup")) return false;
     bool confirmed = false;
     @autoreleasepool {
         Controller *controller = nil;
-        confirmed = RunAndReadBack(&controller, bundle, preferencesDomain, params, record);
-        if (!confirmed) params->setup->RestoreSavedPrinter(preferencesDomain);
+        confirmed = RunController(&controller, bundle, setup);
+        if (!confirmed) setup.RestoreSavedPrinter();
         EndDialog(controller);
     }
     return confirmed;

@@ -1,19 +1,17 @@
 /// The page-setup dialog's window.
 #pragma once
 
-#include "Common/Src/record/PageSetup.h"
+#include "dialogs/PageSetupModel.h"
 
 #import "dialogs/PagePicture.h"
 
 #import <AppKit/AppKit.h>
 
-/// Lives for one call of StyleDialog. Run on the main thread. It edits a copy of the record; the
-/// printer in `params` and the saved PPD file change as soon as the user picks another PPD file.
+/// Lives for one call of StyleDialog. Run on the main thread. The
+/// printer of the setup and the saved PPD file change as soon as the user picks another PPD file.
 @interface PostscriptPrinterStyleDialogController : NSWindowController {
-    PSStyleParams *_params;
-    PageSetup *_setup; // the one in `_params`
+    PageSetupModel *_setup;
     NSBundle *_myBundle;
-    NSString *_preferencesDomain;
     NSInteger _unitMode;
     BOOL _sendToPrinter, _isOK, mCheckTypingOnExit, mCheckResolutionOnExit;
     NSPopUpButton *_pagesMenu, *_resolutionMenu, *_cmykMenu, *_colourMenu, *_unitsMenu;
@@ -24,10 +22,8 @@
     ZELPagePicture *_pagePicture;
 }
 
-@property (nonatomic, assign) PSStyleParams *params; ///< must outlive the controller
-@property (nonatomic, assign) PSHPrint printRecord;  ///< the copy; set it after `params`
+@property (nonatomic, assign) PageSetupModel *setup; ///< must outlive the controller
 @property (nonatomic, retain) NSBundle *myBundle;    ///< the driver's
-@property (nonatomic, copy) NSString *preferencesDomain;
 @property (nonatomic, assign) NSInteger unitMode;    ///< a DialogUnit
 @property (nonatomic, assign) BOOL sendToPrinter;    ///< to the default print queue
 @property (nonatomic, assign) BOOL isOK;             ///< confirmed

@@ -1,8 +1,9 @@
 #import "dialogs/StyleDialogController.h"
 
-#include "dialogs/Alerts.h"
+#include "PSHPrint.h"
 #import "dialogs/DialogSupport.h"
 #import "dialogs/FieldHelpers.h"
+#include "support/Alerts.h"
 
 enum { kPostscriptTag = 1, kEPSTag = 2 };
 
@@ -20,7 +21,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 @implementation PostscriptPrinterStyleDialogController
 
-@synthesize params = _params, myBundle = _myBundle, preferencesDomain = _preferencesDomain;
+@synthesize setup = _setup, myBundle = _myBundle;
 @synthesize unitMode = _unitMode, sendToPrinter = _sendToPrinter, isOK = _isOK;
 @synthesize pagesMenu = _pagesMenu, resolutionMenu = _resolutionMenu, cmykMenu = _cmykMenu;
 @synthesize colourMenu = _colourMenu, unitsMenu = _unitsMenu, formatMenu = _formatMenu;
@@ -48,23 +49,10 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 - (void)dealloc {
     [_myBundle release];
-    [_preferencesDomain release];
     [super dealloc];
 }
 
 #pragma mark Values
-
-- (void)setParams:(PSStyleParams *)params {
-    _params = params;
-    _setup = params->setup;
-}
-
-- (PSHPrint)printRecord {
-    return _setup->Record();
-}
-- (void)setPrintRecord:(PSHPrint)record {
-    _setup->Use(record, _params);
-}
 
 - (NSInteger)colourspace {
     return _setup->ColourSpace();
@@ -239,7 +227,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     const BOOL custom = [self canUseCustomPageSizes];
     [_pageWidth setEnabled:custom];
     [_pageHeight setEnabled:custom];
-    const NSInteger item = [_pagesMenu indexOfItemWithTag:PageSetup::kCustomPageTag];
+    const NSInteger item = [_pagesMenu indexOfItemWithTag:PageSetupModel::kCustomPageTag];
     if (item >= 0) [[_pagesMenu itemAtIndex:item] setEnabled:custom];
     [self selectPageTag:_setup->SyncPage()];
     if (keepsTyping && custom)
@@ -249,7 +237,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 }
 
 - (void)selectPageTag:(int)tag {
-    if (tag == PageSetup::kNoPageTag)
+    if (tag == PageSetupModel::kNoPageTag)
         [_pagesMenu selectItem:nil];
     else
         [_pagesMenu selectItemWithTag:tag];
@@ -320,7 +308,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     [panel setDelegate:nil]; // the panel is shared and does not retain its delegate
     NSArray *urls = [panel URLs];
     if (code != NSModalResponseOK || [urls count] == 0) return;
-    _setup->LoadPrinter((CFURLRef)[urls objectAtIndex:0], (CFStringRef)_preferencesDomain);
+    _setup->LoadPrinter((CFURLRef)[urls objectAtIndex:0]);
     [self handlePPDChange];
 }
 
@@ -369,8 +357,9 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 - (IBAction)doSetPage:(id)sender {
     const NSInteger tag = [[_pagesMenu selectedItem] tag];
-    if (tag == PageSetup::kCustomPageTag && _setup->IsCustomPaper()) return; // nothing else chosen
-    if (tag == PageSetup::kCustomPageTag)
+    if (tag == PageSetupModel::kCustomPageTag && _setup->IsCustomPaper())
+        return; // nothing else chosen
+    if (tag == PageSetupModel::kCustomPageTag)
         _setup->ChooseCustomPage();
     else
         _setup->ChoosePage((int)tag);
@@ -436,10 +425,10 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
 
 /// Is there a typed size that is no page of the printer's, or not yet a size?
 - (BOOL)isTypingSize {
-    int tag = PageSetup::kCustomPageTag;
+    int tag = PageSetupModel::kCustomPageTag;
     if (mCheckTypingOnExit)
         _setup->TypeSize(FieldText(_pageWidth), FieldText(_pageHeight), (int)_unitMode, &tag);
-    return mCheckTypingOnExit && tag == PageSetup::kCustomPageTag;
+    return mCheckTypingOnExit && tag == PageSetupModel::kCustomPageTag;
 }
 
 - (void)handleResolutionTyping {
@@ -492,7 +481,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     // Dots per inch are checked as what they equal here: the pixels of an inch.
     constexpr double kPointsPerInch = 72;
     double dpi = 0;
-    const double low = _params->minResolution, high = _params->maxResolution;
+    const auto [low, high] = _setup->ResolutionLimits();
     NSString *hint = [self hint:@"Resolution:"
                             low:FormatDouble(0, low)
                            high:FormatDouble(0, high)

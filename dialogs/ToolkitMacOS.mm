@@ -9,6 +9,4 @@ BOOL EnsureApplication(void) {
 
 void PrepareToolkitView(NSView *) {}
 
-void PrepareToolkitPanel(NSSavePanel *) {}
-
 void SoundToolkitBeep(void) { NSBeep(); }

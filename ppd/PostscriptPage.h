@@ -1,6 +1,8 @@
 /// One page size of a printer.
 #pragma once
 
+#include "ppd/FeatureCode.h"
+
 #include <string>
 #include <utility>
 
@@ -16,6 +18,7 @@ public:
     const std::string &GetUIName() const { return mUIName; }
     /// The code that selects the page.
     const std::string &GetPostscript() const { return mPostscript; }
+    FeatureCode Code() const { return {FeatureKind::kPage, mPostscript}; }
     /// The imageable area in points; paper dimensions are not kept.
     double Getllx() const { return mllx; }
     double Getlly() const { return mlly; }

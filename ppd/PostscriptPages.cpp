@@ -105,14 +105,6 @@ int32_t PostscriptPages::FindPageByName(const std::string &name) const {
     return -1;
 }
 
-PostscriptDocument::Section PostscriptPages::GetSection() const {
-    return mSection;
-}
-
-double PostscriptPages::GetPriority() const {
-    return mPriority;
-}
-
 bool PostscriptPages::HasCustomPageSetup() const {
     return mHasCustomPageSetup;
 }

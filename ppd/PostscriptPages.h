@@ -1,7 +1,6 @@
 /// The page sizes that a printer offers, and its custom page sizes.
 #pragma once
 
-#include "Common/Src/postscript/PostscriptDocument.h"
 #include "ppd/PostscriptPage.h"
 
 #include <cstdint>
@@ -49,8 +48,6 @@ public:
     int32_t DefaultPageIndex() const;
     /// Index of the first page of exactly that name, or -1.
     int32_t FindPageByName(const std::string &name) const;
-    PostscriptDocument::Section GetSection() const;
-    double GetPriority() const;
 
     bool HasCustomPageSetup() const;
     const std::string &GetCustomPageCode() const;
@@ -69,8 +66,6 @@ private:
     void ReadCustomPageSetup(PPD::MiniParser &parser);
     std::string CustomPagePostscript() const;
 
-    PostscriptDocument::Section mSection = PostscriptDocument::kSetup;
-    double mPriority = 30.0;
     std::vector<PostscriptPage> mPages;
     int32_t mDefaultPageIndex = 0;
     bool mHasCustomPageSetup = false;

@@ -66,11 +66,3 @@ int32_t PostscriptResolutions::FindResolutionByName(const std::string &name) con
         if (mResolutions[i].GetName() == name) return static_cast<int32_t>(i);
     return -1;
 }
-
-PostscriptDocument::Section PostscriptResolutions::GetSection() const {
-    return mSection;
-}
-
-double PostscriptResolutions::GetPriority() const {
-    return mPriority;
-}

@@ -1,7 +1,7 @@
 /// The resolutions that a printer offers.
 #pragma once
 
-#include "Common/Src/postscript/PostscriptDocument.h"
+#include "ppd/FeatureCode.h"
 
 #include <cstdint>
 #include <string>
@@ -22,6 +22,7 @@ public:
     const std::string &GetName() const { return mName; }
     const std::string &GetUIName() const { return mUIName; }
     const std::string &GetPostscript() const { return mPostscript; }
+    FeatureCode Code() const { return {FeatureKind::kResolution, mPostscript}; }
     double GetXDpi() const { return mXDpi; }
     double GetYDpi() const { return mYDpi; }
 
@@ -43,12 +44,8 @@ public:
     int32_t DefaultResolutionIndex() const;
     /// Index of the first resolution of exactly that name, or -1.
     int32_t FindResolutionByName(const std::string &name) const;
-    PostscriptDocument::Section GetSection() const;
-    double GetPriority() const;
 
 private:
-    PostscriptDocument::Section mSection = PostscriptDocument::kSetup;
-    double mPriority = 10.0;
     std::vector<PostscriptResolution> mResolutions;
     int32_t mDefaultResolutionIndex = 0;
 };

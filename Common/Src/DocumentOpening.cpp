@@ -3,11 +3,11 @@
 #include "Common/Src/DriverContext.h"
 #include "Common/Src/PageOutput.h"
 #include "Common/Src/postscript/PostscriptDocument.h"
+#include "Common/Src/record/Preferences.h"
 #include "Common/Src/record/PrintRecord.h"
-#include "Common/Src/record/Settings.h"
-#include "dialogs/Alerts.h"
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"
+#include "support/Alerts.h"
 
 #include <utility>
 
@@ -29,13 +29,21 @@ uint16_t PixelFormat(int32_t colourSpace, uint16_t hostDepth) {
     return hostDepth == kZELFormatXRGB32 ? kZELFormatXRGB32 : kZELFormatCMYK32;
 }
 
+/// Within the section: the resolution before the page.
+double PriorityOf(FeatureKind kind) {
+    return kind == FeatureKind::kResolution ? 10.0 : 30.0;
+}
+
+void AddFeature(const FeatureCode &code, PostscriptDocument &document) {
+    document.AddCodeToSection(code.text, PostscriptDocument::kSetup, PriorityOf(code.kind));
+}
+
 void AddResolution(const PostscriptResolutions &resolutions, const PSHPrint &record,
                    PostscriptDocument &document) {
     const std::string name = RecordName(record.mResolutionName);
     int32_t index = resolutions.FindResolutionByName(name);
     if (index < 0) Fail("Printer does not have a resolution called: " + name);
-    document.AddCodeToSection(resolutions.GetResolution(index).GetPostscript(),
-                              resolutions.GetSection(), resolutions.GetPriority());
+    AddFeature(resolutions.GetResolution(index).Code(), document);
 }
 
 PostscriptPage NamedPage(const PostscriptPages &pages, const PSHPrint &record) {
@@ -57,7 +65,7 @@ PostscriptPage CustomPage(const PostscriptPages &pages, const PSHPrint &record) 
 Box AddPage(const PostscriptPages &pages, const PSHPrint &record, PostscriptDocument &document) {
     const PostscriptPage page =
         record.mPageIsCustom_be ? CustomPage(pages, record) : NamedPage(pages, record);
-    document.AddCodeToSection(page.GetPostscript(), pages.GetSection(), pages.GetPriority());
+    AddFeature(page.Code(), document);
     return {page.Getllx(), page.Getlly(), page.Geturx(), page.Getury()};
 }
 

@@ -5,6 +5,7 @@
 #include "Common/Src/DriverContext.h"
 #include "Common/Src/PageOutput.h"
 #include "Common/Src/record/JobSettings.h"
+#include "Common/Src/record/PageFitting.h"
 #include "Common/Src/record/PrintRecord.h"
 #include "Common/Src/record/PrinterLoading.h"
 #include "ZELPrint.h"
@@ -109,16 +110,18 @@ Boolean ZELPrValidate(DriverContext *context, Handle record) {
     if (context->state != SessionState::kOk) return false;
     const bool forced = OptionKeyIsHeld();
     if (forced) SoundBeep();
-    if (!forced && !HPrintIsBad(context, record)) return false;
-    SetDefaults(context, record);
-    SetSuggestions(context, record, &context->pageInfo);
-    if (HPrintIsBad(context, record)) SetDefaults(context, record);
+    const PostscriptPrinterInfo &printer = *context->printerInfo;
+    if (!forced && !HPrintIsBad(printer, record)) return false;
+    CFStringRef applicationID = context->bundleIdentifier.Get();
+    SetDefaults(printer, applicationID, record);
+    SetSuggestions(&printer, record, &context->pageInfo);
+    if (HPrintIsBad(printer, record)) SetDefaults(printer, applicationID, record);
     return true;
 }
 
 void ZELPrDefaults(DriverContext *context, Handle record) {
     context->record = record;
-    SetDefaults(context, record);
+    SetDefaults(*context->printerInfo, context->bundleIdentifier.Get(), record);
 }
 
 int32_t ZELPrGetInfo(DriverContext * /*context*/, Handle handle, ZELDriverInfo *info) {
@@ -142,12 +145,12 @@ int32_t ZELPrSetJobName(DriverContext *context, void * /*ignored*/, CFStringRef 
 
 CFDictionaryRef ZELPrCopyJobSettings(DriverContext *context, Handle record) {
     context->record = record;
-    return DoCopyJobSettings(context, record).Detach();
+    return DoCopyJobSettings(record, context->hotFolder.Get()).Detach();
 }
 
 Boolean ZELPrSetJobSettings(DriverContext *context, Handle record, CFDictionaryRef settings) {
     context->record = record;
-    return DoSetJobSettings(context, record, settings);
+    return DoSetJobSettings(record, settings, context->hotFolder);
 }
 
 void ZELPrJobMerge(DriverContext * /*context*/, Handle source, Handle destination) {

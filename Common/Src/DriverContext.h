@@ -1,7 +1,7 @@
 /// The record behind one open driver.
 #pragma once
 
-#include "Common/Src/PageInfo.h"
+#include "Common/Src/record/PageInfo.h"
 #include "ZELTypes.h"
 #include "support/CFRef.h"
 #include <CoreServices/CoreServices.h>

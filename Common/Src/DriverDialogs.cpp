@@ -2,16 +2,13 @@
 
 #include "Common/Src/DriverContext.h"
 #include "Common/Src/record/PageSetup.h"
+#include "Common/Src/record/Preferences.h"
 #include "Common/Src/record/PrintRecord.h"
-#include "Common/Src/record/Settings.h"
 #include "ZELPrint.h"
 #include "dialogs/JobDialog.h"
 #include "dialogs/StyleDialog.h"
 
 namespace {
-
-constexpr double kMinimumDpi = 10.0;
-constexpr double kMaximumDpi = 10000.0;
 
 CFStringRef JobDialogTitle(CFBundleRef bundle) {
     CFTypeRef name = CFBundleGetValueForInfoDictionaryKey(bundle, kCFBundleNameKey);
@@ -34,24 +31,15 @@ bool BeginDialog(DriverContext *context, Handle record) {
 } // namespace
 
 bool DoStyle(DriverContext *context, Handle record) {
-    PSHPrint copy = CopyRecord(record);
-    const PageInfo_tag &page = context->pageInfo;
+    const PageSetupSources sources = {context->pageInfo, context->separations,
+                                      &context->printerInfo, context->bundleIdentifier.Get(),
+                                      context->sendToPrintQueue};
     PageSetup setup;
-    PSStyleParams params = {page.widthMM,
-                            page.heightMM,
-                            page.widthPixels,
-                            page.heightPixels,
-                            kMinimumDpi,
-                            kMaximumDpi,
-                            context->separations,
-                            &context->printerInfo,
-                            &setup,
-                            context->sendToPrintQueue};
-    if (!StyleDialog(context->bundle.Get(), context->bundleIdentifier.Get(), &params, &copy))
-        return false;
+    setup.Use(CopyRecord(record), &sources);
+    if (!StyleDialog(context->bundle.Get(), setup)) return false;
     const RecordLock lock(record);
     if (!lock.Record()) return false;
-    *lock.Record() = copy;
+    *lock.Record() = setup.Record();
     context->sendToPrintQueue.reset(); // what was confirmed is the user's preference now
     return true;
 }
@@ -86,7 +74,7 @@ bool DoJob(DriverContext *context, Handle record) {
 Boolean ZELPrStyle(DriverContext *context, Handle record) {
     if (!BeginDialog(context, record)) return false;
     const bool confirmed = DoStyle(context, record);
-    if (confirmed) SaveDefaults(context, record);
+    if (confirmed) SaveDefaults(context->bundleIdentifier.Get(), CopyRecord(record));
     return ConfirmedOrCancelled(context, confirmed);
 }
 

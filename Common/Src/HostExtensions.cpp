@@ -1,7 +1,7 @@
 // What a host needs beyond the classic call sequence: see ZELExtensions.h.
 #include "Common/Src/DriverContext.h"
 #include "Common/Src/postscript/PrintQueue.h"
-#include "Common/Src/record/Settings.h"
+#include "Common/Src/record/Preferences.h"
 #include "ZELExtensions.h"
 #include "dialogs/DialogEnd.h"
 #include "ppd/ParserError.h"

@@ -1,10 +1,11 @@
 // A print record of any bytes, with printers of every kind: checked, described, fitted, opened as
 // EPS.
+#include "Common/Src/DocumentOpening.h"
 #include "Common/Src/DriverContext.h"
 #include "Common/Src/PageOutput.h"
 #include "Common/Src/record/JobSettings.h"
+#include "Common/Src/record/PageFitting.h"
 #include "Common/Src/record/PrintRecord.h"
-#include "Common/Src/record/PrinterLoading.h"
 #include "colour/Separations.h"
 #include "ppd/PostscriptPrinterInfo.h"
 #include "tests/driver/TestPPD.h"
@@ -67,11 +68,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     context->pageInfo = {data[1] * 20, data[2] * 20, data[3] * 2.0, data[1] * 3.0, 32};
     Handle handle = NewHandle(static_cast<Size>(size - 4));
     std::memcpy(*handle, data + 4, size - 4);
-    (void)HPrintIsBad(context, handle);
+    const PostscriptPrinterInfo &printer = *context->printerInfo;
+    (void)HPrintIsBad(printer, handle);
     (void)RecordGeometry(CopyRecord(handle));
-    (void)DoCopyJobSettings(context, handle);
-    SetSuggestions(context, handle, &context->pageInfo);
-    if (HPrintIsBad(context, handle) && data[0] >= 0x80) SetDefaults(context, handle);
+    (void)DoCopyJobSettings(handle, nullptr);
+    SetSuggestions(&printer, handle, &context->pageInfo);
+    if (HPrintIsBad(printer, handle) && data[0] >= 0x80)
+        SetDefaults(printer, context->bundleIdentifier.Get(), handle);
     OpenAsEPS(context, handle);
     DisposeHandle(handle);
     return 0;

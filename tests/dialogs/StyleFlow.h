@@ -5,6 +5,7 @@
 #import "tests/dialogs/DialogScript.h"
 #include "tests/dialogs/TestPPD.h"
 
+#include "Common/Src/record/PageSetup.h"
 #include "Common/Src/record/PrintRecord.h"
 
 #include <gtest/gtest.h>
@@ -39,12 +40,14 @@ class StyleFlow : public testing::Test {
     DialogScript mScript;
     std::string mFolder;
     PSHPrint mRecord = {};
-    PageSetup mSetup;
-    PSStyleParams mParams = {};
+    Separations *mSeparations = nullptr;
+    PageSetupSources mParams = {};
     PostscriptPrinterInfo *mPrinter = nullptr;
 };
 
 PostscriptPrinterStyleDialogController *Controller();
+/// The record as the dialog that is open has it.
+const PSHPrint &ShownRecord();
 std::string PageName();
 std::string ResolutionName();
 

@@ -29,13 +29,14 @@ void StyleFlow::SetUp() {
     mRecord.copies_be = Int16ToBigEndian(1);
     mRecord.fromPage_be = Int16ToBigEndian(1);
     mRecord.toPage_be = Int16ToBigEndian(999);
-    mParams = {210, 297, 2480, 3508, 10, 10000, ScanSeparationsFolder(), &mPrinter, &mSetup};
+    mSeparations = ScanSeparationsFolder();
+    mParams = {{2480, 3508, 210, 297}, mSeparations, &mPrinter, TestBundleIdentifier()};
     UsePrinter({});
 }
 
 void StyleFlow::TearDown() {
     delete mPrinter;
-    DeleteSeparationsList(mParams.separations);
+    DeleteSeparationsList(mSeparations);
     std::filesystem::remove_all(ProfilesFolder());
     RemoveTestFolder(mFolder);
 }
@@ -50,8 +51,8 @@ void StyleFlow::UsePrinter(const PPDOptions &options) {
 void StyleFlow::AddProfile(const std::string &name) {
     std::filesystem::create_directories(ProfilesFolder());
     WriteFile(ProfilesFolder(), name, "mft2 and so on");
-    DeleteSeparationsList(mParams.separations);
-    mParams.separations = ScanSeparationsFolder();
+    DeleteSeparationsList(mSeparations);
+    mParams.separations = mSeparations = ScanSeparationsFolder();
 }
 
 void StyleFlow::RemoveProfile(const std::string &name) {
@@ -64,7 +65,10 @@ void StyleFlow::SetSeparation(const std::string &name) {
 }
 
 bool StyleFlow::Run() {
-    const bool confirmed = StyleDialog(TestBundle(), TestBundleIdentifier(), &mParams, &mRecord);
+    PageSetup setup;
+    setup.Use(mRecord, &mParams);
+    const bool confirmed = StyleDialog(TestBundle(), setup);
+    if (confirmed) mRecord = setup.Record();
     EXPECT_TRUE(mScript.IsFinished());
     EXPECT_TRUE(DialogWindow() == nil);
     return confirmed;
@@ -81,8 +85,9 @@ PostscriptPrinterStyleDialogController *Controller() {
     return (PostscriptPrinterStyleDialogController *)[DialogWindow() windowController];
 }
 
-std::string PageName() { return RecordName([Controller() printRecord].mPageName); }
-std::string ResolutionName() { return RecordName([Controller() printRecord].mResolutionName); }
+const PSHPrint &ShownRecord() { return static_cast<PageSetup *>([Controller() setup])->Record(); }
+std::string PageName() { return RecordName(ShownRecord().mPageName); }
+std::string ResolutionName() { return RecordName(ShownRecord().mResolutionName); }
 
 std::string PreferencesFile() {
     CFPreferencesAppSynchronize(TestBundleIdentifier());

@@ -1,5 +1,5 @@
 // Without a window system: what a server's log shows.
-#include "dialogs/Alerts.h"
+#include "support/Alerts.h"
 
 #include <cstdio>
 #include <cstdlib>

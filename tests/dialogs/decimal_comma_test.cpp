@@ -1,5 +1,5 @@
 // Numbers as a German user writes them; runs with that locale set in its environment.
-#include "dialogs/Units.h"
+#include "support/Units.h"
 
 #include <gtest/gtest.h>
 

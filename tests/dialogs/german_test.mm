@@ -43,9 +43,9 @@ TEST_F(StyleFlow, German_DecimalComma_IsShownAndRead) {
         TypeInto([Controller() pageWidth], "215,90");
         TypeInto([Controller() pageHeight], "279,40");
         EXPECT_EQ(PageName(), "Letter");
-        const PSHPrint before = [Controller() printRecord];
+        const PSHPrint before = ShownRecord();
         TypeInto([Controller() pageWidth], "215.90");
-        ExpectSameRecord([Controller() printRecord], before);
+        ExpectSameRecord(ShownRecord(), before);
         TypeInto([Controller() pageWidth], "100,5");
     });
     Press(@"OK");

@@ -39,7 +39,7 @@ protected:
         delete mPrinter;
         mPrinter = new PostscriptPrinterInfo(url);
         CFRelease(url);
-        mParams = {210, 297, 2480, 3508, 10, 10000, mSeparations, &mPrinter, &mSetup};
+        mParams = {{2480, 3508, 210, 297}, mSeparations, &mPrinter, TestBundleIdentifier()};
         mSetup.Use(mRecord, &mParams);
     }
     std::string PageName() const { return RecordName(mSetup.Record().mPageName); }
@@ -49,7 +49,7 @@ protected:
     PSHPrint mRecord = {};
     PostscriptPrinterInfo *mPrinter = nullptr;
     Separations *mSeparations = nullptr;
-    PSStyleParams mParams = {};
+    PageSetupSources mParams = {};
     PageSetup mSetup;
 };
 
@@ -371,8 +371,8 @@ TEST_F(PageSetupRules, DocumentSize_WithoutCustomPages_IsTheBestNamedPage) {
 }
 
 TEST_F(PageSetupRules, DocumentSize_HostSuggestedNone_ChangesNothing) {
-    mParams.widthPixels = 0;
-    mParams.widthMM = 0;
+    mParams.document.widthPixels = 0;
+    mParams.document.widthMM = 0;
     EXPECT_FALSE(mSetup.HasDocumentSize());
     mSetup.SetSizeFromDocument();
     EXPECT_EQ(std::memcmp(&mSetup.Record(), &mRecord, sizeof mRecord), 0);
@@ -438,7 +438,7 @@ TEST_F(PageSetupRules, Separations_EmptyAndStandard_AreGood) {
 TEST_F(PageSetupRules, LoadPrinter_PPD_ReplacesThePrinterAndSavesItsPlace) {
     const std::string path = WriteFile(mFolder, "Other.ppd", PPDText(WithoutCustomPages()));
     CFURLRef url = FolderURL(path);
-    mSetup.LoadPrinter(url, TestBundleIdentifier());
+    mSetup.LoadPrinter(url);
     CFRelease(url);
     EXPECT_EQ(mPrinter->GetName(), "Other.ppd");
     EXPECT_EQ(mSetup.PrinterName(), "Other.ppd");
@@ -457,7 +457,7 @@ TEST_F(PageSetupRules, LoadPrinter_PPD_ReplacesThePrinterAndSavesItsPlace) {
 TEST_F(PageSetupRules, LoadPrinter_FileThatDisappeared_TellsAndUsesTheBuiltIn) {
     CFURLRef url = FolderURL(mFolder + "/Gone.ppd");
     testing::internal::CaptureStderr();
-    mSetup.LoadPrinter(url, TestBundleIdentifier());
+    mSetup.LoadPrinter(url);
     const std::string messages = testing::internal::GetCapturedStderr();
     CFRelease(url);
     EXPECT_NE(messages.find("Using default settings instead"), std::string::npos) << messages;

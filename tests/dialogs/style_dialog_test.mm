@@ -272,7 +272,7 @@ TEST_F(StyleFlow, Page_Chosen_ShowsItsSize) {
         EXPECT_EQ(Text([Controller() pageWidth]), "215.90");
         EXPECT_EQ(PageName(), "Letter");
         ChooseTag([Controller() pagesMenu], kCustom);
-        EXPECT_TRUE([Controller() printRecord].mPageIsCustom_be != 0);
+        EXPECT_TRUE(ShownRecord().mPageIsCustom_be != 0);
         EXPECT_EQ(Text([Controller() pageWidth]), "215.90");
         TakePicture(DialogWindow(), "style-custom");
     });
@@ -409,7 +409,7 @@ TEST_F(StyleFlow, Format_EPS_AllowsCustomSizesOnAnyPrinter) {
         EXPECT_FALSE([[Controller() pageWidth] isEnabled]);
         EXPECT_EQ(SelectedTag([Controller() pagesMenu]),
                   kLetter); // no name is left of a custom page
-        EXPECT_EQ([Controller() printRecord].mPageIsCustom_be, 0u);
+        EXPECT_EQ(ShownRecord().mPageIsCustom_be, 0u);
     });
     Press(@"OK");
     EXPECT_TRUE(Run());
@@ -432,7 +432,7 @@ TEST_F(StyleFlow, Typing_SizeOfAPage_SelectsIt) {
         TypeInto([Controller() pageHeight], "279.40");
         EXPECT_EQ(SelectedTag([Controller() pagesMenu]), kLetter);
         EXPECT_EQ(PageName(), "Letter");
-        EXPECT_EQ([Controller() printRecord].mPageIsCustom_be, 0u);
+        EXPECT_EQ(ShownRecord().mPageIsCustom_be, 0u);
     });
     Press(@"OK");
     EXPECT_TRUE(Run());
@@ -474,8 +474,7 @@ TEST_F(StyleFlow, Typing_MoreThanTwoDecimals_IsStoredAsShown) {
     WhenOpen([] {
         TypeInto([Controller() pageWidth], "100.123");
         TypeInto([Controller() pageHeight], "200.456");
-        EXPECT_NEAR(DoubleFromBigEndian([Controller() printRecord].mPageWidth_be),
-                    100.123 * 72 / 25.4, 1e-9);
+        EXPECT_NEAR(DoubleFromBigEndian(ShownRecord().mPageWidth_be), 100.123 * 72 / 25.4, 1e-9);
     });
     Press(@"OK");
     EXPECT_TRUE(Run());
@@ -525,10 +524,10 @@ TEST_P(StyleBadSize, OK_BadSize_BeepsTellsSelectsAndStaysOpen) {
     static int beeps;
     WhenOpen([bad] {
         ChooseTag([Controller() unitsMenu], bad.unit);
-        const PSHPrint before = [Controller() printRecord];
+        const PSHPrint before = ShownRecord();
         TypeInto([Controller() pageWidth], bad.width);
         TypeInto([Controller() pageHeight], bad.height);
-        if (!bad.heightIsWrong) ExpectSameRecord([Controller() printRecord], before);
+        if (!bad.heightIsWrong) ExpectSameRecord(ShownRecord(), before);
         beeps = BeepCount();
         PressLater([Controller() okButton]);
     });
@@ -613,11 +612,11 @@ TEST_F(StyleFlow, Typing_Resolution_FollowsOnlyGoodNumbers) {
     WhenOpen([] {
         for (const char *bad : {"", "x", "9", "10001", "-1", "300 dpi"}) {
             TypeInto([Controller() resolution], bad);
-            EXPECT_EQ([Controller() printRecord].mXDpi_be, DoubleToBigEndian(300)) << bad;
+            EXPECT_EQ(ShownRecord().mXDpi_be, DoubleToBigEndian(300)) << bad;
         }
         TypeInto([Controller() resolution], "72.5");
-        EXPECT_EQ([Controller() printRecord].mXDpi_be, DoubleToBigEndian(72.5));
-        EXPECT_EQ([Controller() printRecord].mYDpi_be, DoubleToBigEndian(72.5));
+        EXPECT_EQ(ShownRecord().mXDpi_be, DoubleToBigEndian(72.5));
+        EXPECT_EQ(ShownRecord().mYDpi_be, DoubleToBigEndian(72.5));
     });
     Press(@"OK");
     EXPECT_TRUE(Run());

@@ -1,7 +1,7 @@
 // The page-setup dialog's sheets and panels, and what printers and profiles do to it.
-#include "dialogs/Alerts.h"
 #import "dialogs/DialogSupport.h"
 #include "ppd/PostscriptPrinterInfo.h"
+#include "support/Alerts.h"
 #import "tests/dialogs/StyleFlow.h"
 #include "tests/dialogs/TestBundle.h"
 
@@ -204,7 +204,7 @@ TEST_F(StyleFlow, DocumentSize_EPS_IsTakenWithoutAsking) {
 }
 
 TEST_F(StyleFlow, DocumentSize_HostSuggestedNone_CannotBeAskedFor) {
-    mParams.widthPixels = mParams.heightPixels = 0;
+    mParams.document.widthPixels = mParams.document.heightPixels = 0;
     WhenOpen([] { EXPECT_FALSE([[Controller() documentSizeButton] isEnabled]); });
     Press(@"OK");
     EXPECT_TRUE(Run());

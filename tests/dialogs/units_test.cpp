@@ -1,4 +1,4 @@
-#include "dialogs/Units.h"
+#include "support/Units.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The preferences that only the dialogs read and write, and the user's saved defaults.
-#include "Common/Src/DriverContext.h"
-#include "Common/Src/record/Settings.h"
+#include "Common/Src/record/Preferences.h"
+#include "Common/Src/record/PrintRecord.h"
 #include "ppd/PostscriptPrinterInfo.h"
 #include "support/BigEndian.h"
 #include "tests/driver/BundleHost.h"
@@ -13,13 +13,9 @@ namespace {
 
 class SettingsTest : public testing::Test {
 protected:
-    SettingsTest() {
-        ClearPreferences();
-        context.bundleIdentifier = CFRef<CFStringRef>::Retain(ApplicationID());
-    }
+    SettingsTest() { ClearPreferences(); }
     ~SettingsTest() override { ClearPreferences(); }
     ScratchFolder folder;
-    DriverContext context;
     RecordHandle record;
 };
 
@@ -94,7 +90,7 @@ TEST_F(SettingsTest, SaveDefaults_StoresWhatTheRecordSays) {
     r.mEPSFormat_be = 1;
     r.mColourSpace_be = SwapBigEndian(uint32_t{2});
     std::memcpy(r.cmykSeparationName, "\x04News", 5);
-    SaveDefaults(&context, record.Get());
+    SaveDefaults(ApplicationID(), CopyRecord(record.Get()));
     const CFRef<CFMutableDictionaryRef> options = MakeDictionary();
     CFDictionarySetValue(options.Get(), CFSTR("FlipH"), kCFBooleanTrue);
     CFDictionarySetValue(options.Get(), CFSTR("FlipV"), kCFBooleanFalse);
@@ -107,10 +103,9 @@ TEST_F(SettingsTest, SaveDefaults_StoresWhatTheRecordSays) {
 }
 
 TEST_F(SettingsTest, SaveDefaults_ComeBackInTheNextRecord) {
-    context.printerInfo = new PostscriptPrinterInfo; // gone with the context
     PSHPrint &r = record.Record();
     r.mFlipV_be = SwapBigEndian(uint32_t{1});
-    SaveDefaults(&context, record.Get());
+    SaveDefaults(ApplicationID(), CopyRecord(record.Get()));
     Session session;
     RecordHandle next;
     Driver().ZELPrDefaults(session.Get(), next.Get());
@@ -121,7 +116,7 @@ TEST_F(SettingsTest, SaveDefaults_ComeBackInTheNextRecord) {
 
 TEST_F(SettingsTest, SaveDefaults_SeparationNotUTF8_IsLeftOut) {
     std::memcpy(record.Record().cmykSeparationName, "\x01\xff", 2);
-    SaveDefaults(&context, record.Get());
+    SaveDefaults(ApplicationID(), CopyRecord(record.Get()));
     const CFRef<CFPropertyListRef> options = CopyPreference(CFSTR("PageOptions"));
     ASSERT_TRUE(options);
     EXPECT_EQ(CFDictionaryGetCount(static_cast<CFDictionaryRef>(options.Get())), 3);

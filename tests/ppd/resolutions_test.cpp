@@ -42,8 +42,7 @@ TEST(Resolutions, BuiltIn_Is300Dpi) {
     EXPECT_EQ(only.GetPostscript(), "");
     EXPECT_EQ(only.GetXDpi(), 300);
     EXPECT_EQ(only.GetYDpi(), 300);
-    EXPECT_EQ(resolutions.GetSection(), 2U);
-    EXPECT_EQ(resolutions.GetPriority(), 10.0);
+    EXPECT_EQ(resolutions.GetResolution(0).Code().kind, FeatureKind::kResolution);
 }
 
 TEST(Resolutions, Order_IsThatOfTheBytesOfTheirNames) {
@@ -59,8 +58,7 @@ TEST(Resolutions, Order_IsThatOfTheBytesOfTheirNames) {
     EXPECT_EQ(resolutions.GetResolution(2).GetUIName(), "600 DPI");
     EXPECT_EQ(resolutions.GetResolution(2).GetPostscript(), "six");
     EXPECT_EQ(resolutions.DefaultResolutionIndex(), 2);
-    EXPECT_EQ(resolutions.GetSection(), 2U);
-    EXPECT_EQ(resolutions.GetPriority(), 10.0);
+    EXPECT_EQ(resolutions.GetResolution(0).Code().kind, FeatureKind::kResolution);
 }
 
 TEST(Resolutions, Text_GivesTheNumbers) {

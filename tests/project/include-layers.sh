@@ -8,11 +8,10 @@ level() {
     case $1 in
         host/readers/images/*) echo 95 ;; # a library that the host loads at run time
         host/*) echo 90 ;;
-        dialogs/Alert* | dialogs/DialogSupport.* | dialogs/Toolkit* | dialogs/gnustep/* | dialogs/PagePicture.* | dialogs/Units.*) echo 15 ;;
-        dialogs/*) echo 80 ;; # dialogs and driver core call each other
+        dialogs/Alert* | dialogs/DialogSupport.* | dialogs/Toolkit* | dialogs/gnustep/* | dialogs/PagePicture.*) echo 15 ;;
+        dialogs/*) echo 75 ;;
         Common/Src/PageOutput* | Common/Src/BandScaler*) echo 70 ;;
-        Common/Src/postscript/PostscriptDocument*) echo 10 ;;
-        Common/Src/postscript/PostscriptText* | Common/Src/postscript/PackRGB* | Common/Src/ScanLines*) echo 55 ;;
+        Common/Src/postscript/PostscriptText* | Common/Src/postscript/PostscriptDocument* | Common/Src/postscript/PackRGB* | Common/Src/ScanLines*) echo 55 ;;
         Common/Src/postscript/*) echo 60 ;;
         colour/*) echo 50 ;;
         Common/Src/stream/*) echo 40 ;;

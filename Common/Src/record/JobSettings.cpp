@@ -1,16 +1,10 @@
 #include "Common/Src/record/JobSettings.h"
 
-#include "Common/Src/DriverContext.h"
 #include "Common/Src/record/PrintRecord.h"
+#include "support/Bookmark.h"
 #include "support/DictionaryHelpers.h"
 
 namespace {
-
-CFRef<CFDataRef> BookmarkOfFolder(CFURLRef folder) {
-    return CFRef<CFDataRef>(CFURLCreateBookmarkData(kCFAllocatorDefault, folder,
-                                                    kCFURLBookmarkCreationSuitableForBookmarkFile,
-                                                    nullptr, nullptr, nullptr));
-}
 
 /// Stores the low 16 bits of an integer number; anything else leaves the field alone.
 void TakeNumber(CFDictionaryRef settings, CFStringRef key, int16_t &field_be) {
@@ -25,22 +19,20 @@ void TakeNumber(CFDictionaryRef settings, CFStringRef key, int16_t &field_be) {
     field_be = Int16ToBigEndian(static_cast<int16_t>(integer));
 }
 
-bool TakeOutputFolder(DriverContext *context, CFDictionaryRef settings) {
+bool TakeOutputFolder(CFDictionaryRef settings, CFRef<CFURLRef> &hotFolder) {
     const void *value = nullptr;
     if (!CFDictionaryGetValueIfPresent(settings, CFSTR("outputFolder"), &value) ||
         CFGetTypeID(value) != CFDataGetTypeID())
         return true;
-    CFRef<CFURLRef> folder(CFURLCreateByResolvingBookmarkData(
-        kCFAllocatorDefault, static_cast<CFDataRef>(value), kCFURLBookmarkResolutionWithoutUIMask,
-        nullptr, nullptr, nullptr, nullptr));
+    const CFRef<CFURLRef> folder = ResolvedBookmark(static_cast<CFDataRef>(value));
     if (!folder) return false;
-    context->hotFolder = folder;
+    hotFolder = folder;
     return true;
 }
 
 } // namespace
 
-CFRef<CFMutableDictionaryRef> DoCopyJobSettings(const DriverContext *context, Handle handle) {
+CFRef<CFMutableDictionaryRef> DoCopyJobSettings(Handle handle, CFURLRef hotFolder) {
     RecordLock lock(handle);
     const PSHPrint *record = lock.Record();
     if (!record) return {};
@@ -50,13 +42,12 @@ CFRef<CFMutableDictionaryRef> DoCopyJobSettings(const DriverContext *context, Ha
                           Int16FromBigEndian(record->fromPage_be));
     PutSInt32InDictionary(settings.Get(), CFSTR("toPage"), Int16FromBigEndian(record->toPage_be));
     PutSInt32InDictionary(settings.Get(), CFSTR("copies"), Int16FromBigEndian(record->copies_be));
-    if (!context->hotFolder) return settings;
-    CFRef<CFDataRef> bookmark = BookmarkOfFolder(context->hotFolder.Get());
+    const CFRef<CFDataRef> bookmark = BookmarkOf(hotFolder);
     if (bookmark) CFDictionaryAddValue(settings.Get(), CFSTR("outputFolder"), bookmark.Get());
     return settings;
 }
 
-bool DoSetJobSettings(DriverContext *context, Handle handle, CFTypeRef settings) {
+bool DoSetJobSettings(Handle handle, CFTypeRef settings, CFRef<CFURLRef> &hotFolder) {
     if (!settings || CFGetTypeID(settings) != CFDictionaryGetTypeID()) return false;
     auto dictionary = static_cast<CFDictionaryRef>(settings);
     RecordLock lock(handle);
@@ -65,5 +56,5 @@ bool DoSetJobSettings(DriverContext *context, Handle handle, CFTypeRef settings)
     TakeNumber(dictionary, CFSTR("fromPage"), record->fromPage_be);
     TakeNumber(dictionary, CFSTR("toPage"), record->toPage_be);
     TakeNumber(dictionary, CFSTR("copies"), record->copies_be);
-    return TakeOutputFolder(context, dictionary);
+    return TakeOutputFolder(dictionary, hotFolder);
 }

@@ -4,15 +4,12 @@
 #include "support/CFRef.h"
 #include <CoreServices/CoreServices.h>
 
-struct DriverContext;
-
-/// A new dictionary with "fromPage", "toPage" and "copies" of the record and, when the context has
-/// a hot folder that exists, its bookmark under "outputFolder". Null for a handle too short for a
+/// A new dictionary with "fromPage", "toPage" and "copies" of the record and, when there is a hot
+/// folder and it exists, its bookmark under "outputFolder". Null for a handle too short for a
 /// record.
-[[nodiscard]] CFRef<CFMutableDictionaryRef> DoCopyJobSettings(const DriverContext *context,
-                                                              Handle record);
+[[nodiscard]] CFRef<CFMutableDictionaryRef> DoCopyJobSettings(Handle record, CFURLRef hotFolder);
 
 /// Takes over what such a dictionary holds. False when it is none, when the handle is too short
 /// for a record, or when its hot folder cannot be found (the page range and copies are then taken
-/// over all the same).
-bool DoSetJobSettings(DriverContext *context, Handle record, CFTypeRef settings);
+/// over all the same, and `hotFolder` stays).
+bool DoSetJobSettings(Handle record, CFTypeRef settings, CFRef<CFURLRef> &hotFolder);

@@ -136,3 +136,16 @@ bool PageFitsOnCustomPaper(const PostscriptPrinterInfo *printer, const PageInfo_
     return PointsFromMM(page->widthMM) <= limits.maxWidth &&
            PointsFromMM(page->heightMM) <= limits.maxHeight;
 }
+
+void SetSuggestions(const PostscriptPrinterInfo *printer, Handle handle, const PageInfo_tag *page) {
+    if (page->widthPixels < 1 || page->heightPixels < 1) return;
+    RecordLock lock(handle);
+    PSHPrint *record = lock.Record();
+    if (!record) return;
+    try {
+        SetBestHardwareResolution(printer, page, record);
+        SetBestPageSize(printer, page, record);
+    } catch (...) {
+        return; // the record keeps what was written so far
+    }
+}

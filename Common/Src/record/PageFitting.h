@@ -1,11 +1,12 @@
 /// Fits a print record to the host's page: the printer's best resolution and paper for it.
 ///
-/// Points are millimetres x 72 / 25.4; a document's resolution is pixels x 25.4 / millimetres. All
-/// three read the record's rotation, and the caller keeps the record's handle locked.
+/// Points are millimetres x 72 / 25.4; a document's resolution is pixels x 25.4 / millimetres. What
+/// takes a record reads its rotation, and the caller keeps the record's handle locked.
 #pragma once
 
-#include "Common/Src/PageInfo.h"
+#include "Common/Src/record/PageInfo.h"
 #include "PSHPrint.h"
+#include <CoreServices/CoreServices.h>
 
 class PostscriptPrinterInfo;
 
@@ -24,3 +25,7 @@ void SetBestPageSize(const PostscriptPrinterInfo *printer, const PageInfo_tag *p
 /// False when the printer has custom pages and the host's page exceeds their maximum.
 [[nodiscard]] bool PageFitsOnCustomPaper(const PostscriptPrinterInfo *printer,
                                          const PageInfo_tag *page, const PSHPrint *record);
+
+/// Fits resolution and page of the record in a handle to a suggested page of at least one pixel;
+/// otherwise does nothing. Locks the handle.
+void SetSuggestions(const PostscriptPrinterInfo *printer, Handle handle, const PageInfo_tag *page);

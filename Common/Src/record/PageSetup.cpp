@@ -1,14 +1,15 @@
 #include "Common/Src/record/PageSetup.h"
 
 #include "Common/Src/record/PageFitting.h"
+#include "Common/Src/record/Preferences.h"
 #include "Common/Src/record/PrintRecord.h"
 #include "Common/Src/record/PrinterLoading.h"
-#include "Common/Src/record/Settings.h"
 #include "colour/Separations.h"
 #include "ppd/LanguageEncoding.h"
 #include "ppd/MiniParser.h"
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"
+#include "support/Bookmark.h"
 #include "support/CFText.h"
 
 #include <algorithm>
@@ -51,15 +52,6 @@ CustomDimensions PrinterLimits(const PostscriptPages &pages) {
     return limits;
 }
 
-PageInfo_tag DocumentPage(const PSStyleParams &params) {
-    PageInfo_tag page;
-    page.widthPixels = params.widthPixels;
-    page.heightPixels = params.heightPixels;
-    page.widthMM = params.widthMM;
-    page.heightMM = params.heightMM;
-    return page;
-}
-
 } // namespace
 
 std::vector<std::string> TitlesOrError(const std::function<std::vector<std::string>()> &list,
@@ -74,9 +66,9 @@ std::vector<std::string> TitlesOrError(const std::function<std::vector<std::stri
     return {};
 }
 
-void PageSetup::Use(const PSHPrint &record, PSStyleParams *params) {
+void PageSetup::Use(const PSHPrint &record, const PageSetupSources *sources) {
     mRecord = record;
-    mParams = params;
+    mSources = sources;
 }
 
 const std::string &PageSetup::PrinterName() const {
@@ -202,21 +194,19 @@ void PageSetup::ChooseResolution(int index) {
 }
 
 bool PageSetup::HasDocumentSize() const {
-    return mParams->widthPixels >= 1 && mParams->heightPixels >= 1 && mParams->widthMM > 0 &&
-           mParams->heightMM > 0;
+    const PageInfo_tag &page = mSources->document;
+    return page.widthPixels >= 1 && page.heightPixels >= 1 && page.widthMM > 0 && page.heightMM > 0;
 }
 
 bool PageSetup::DocumentFitsOnCustomPaper() const {
-    const PageInfo_tag page = DocumentPage(*mParams);
-    return PageFitsOnCustomPaper(&Printer(), &page, &mRecord);
+    return PageFitsOnCustomPaper(&Printer(), &mSources->document, &mRecord);
 }
 
 void PageSetup::SetSizeFromDocument() {
     if (!HasDocumentSize()) return;
-    const PageInfo_tag page = DocumentPage(*mParams);
     try {
-        SetBestHardwareResolution(&Printer(), &page, &mRecord);
-        SetBestPageSize(&Printer(), &page, &mRecord);
+        SetBestHardwareResolution(&Printer(), &mSources->document, &mRecord);
+        SetBestPageSize(&Printer(), &mSources->document, &mRecord);
     } catch (...) {
         return; // the record keeps what was written, as when a record is validated
     }
@@ -259,11 +249,13 @@ bool PageSetup::TypeSize(const std::string &width, const std::string &height, in
     return true;
 }
 
+NumberRange PageSetup::ResolutionLimits() const {
+    return {double{kZELMinimumDpi}, double{kZELMaximumDpi}};
+}
+
 bool PageSetup::TypeResolution(const std::string &text) {
     double dpi = 0;
-    if (FetchDoubleFromText(text, dpi, {mParams->minResolution, mParams->maxResolution}) !=
-        kFetchNumber)
-        return false;
+    if (FetchDoubleFromText(text, dpi, ResolutionLimits()) != kFetchNumber) return false;
     mRecord.mXDpi_be = DoubleToBigEndian(dpi);
     mRecord.mYDpi_be = DoubleToBigEndian(dpi);
     return true;
@@ -317,12 +309,12 @@ void PageSetup::SetSeparationName(CFStringRef name) {
 }
 
 int PageSetup::SeparationCount() const {
-    return mParams->separations ? CountCMYKSeparation(mParams->separations) : 1;
+    return mSources->separations ? CountCMYKSeparation(mSources->separations) : 1;
 }
 
 CFStringRef PageSetup::SeparationNameAt(int index) const {
-    return mParams->separations ? GetCMYKSeparationName(mParams->separations, index)
-                                : CFSTR("Standard");
+    return mSources->separations ? GetCMYKSeparationName(mSources->separations, index)
+                                 : CFSTR("Standard");
 }
 
 int PageSetup::SeparationIndex(CFStringRef name) const {
@@ -333,26 +325,36 @@ int PageSetup::SeparationIndex(CFStringRef name) const {
 
 bool PageSetup::IsGoodSeparation(CFStringRef name) const {
     try {
-        return ValidateCMYKSeparation(mParams->separations, name);
+        return ValidateCMYKSeparation(mSources->separations, name);
     } catch (...) {
         return false;
     }
 }
 
-void PageSetup::LoadPrinter(CFURLRef ppd, CFStringRef preferencesDomain) {
+void PageSetup::LoadPrinter(CFURLRef ppd) {
     PostscriptPrinterInfo *loaded = LoadPrinterInfo(ppd).release();
-    delete *mParams->printerInfo;
-    *mParams->printerInfo = loaded;
-    const CFRef<CFDataRef> bookmark(CFURLCreateBookmarkData(
-        kCFAllocatorDefault, ppd, kCFURLBookmarkCreationSuitableForBookmarkFile, nullptr, nullptr,
-        nullptr));
-    if (!mSavedPrinterIsReplaced) mSavedPrinter = CopySavedPPDFile(preferencesDomain);
+    delete *mSources->printer;
+    *mSources->printer = loaded;
+    if (!mSavedPrinterIsReplaced) mSavedPrinter = CopySavedPPDFile(mSources->preferencesDomain);
     mSavedPrinterIsReplaced = true;
-    SavePPDFileLocation(preferencesDomain, bookmark.Get());
+    SavePPDFileLocation(mSources->preferencesDomain, BookmarkOf(ppd).Get());
 }
 
-void PageSetup::RestoreSavedPrinter(CFStringRef preferencesDomain) {
-    if (mSavedPrinterIsReplaced) RestoreSavedPPDFile(preferencesDomain, mSavedPrinter.Get());
+void PageSetup::RestoreSavedPrinter() {
+    if (mSavedPrinterIsReplaced)
+        RestoreSavedPPDFile(mSources->preferencesDomain, mSavedPrinter.Get());
+}
+
+int PageSetup::SavedUnit() const {
+    return GetDialogUnit(mSources->preferencesDomain);
+}
+bool PageSetup::SendsToPrintQueue() const {
+    return mSources->sendToPrintQueue.value_or(
+        GetSendToDefaultPrintQueue(mSources->preferencesDomain));
+}
+void PageSetup::SavePreferences(int unit, bool sendToPrintQueue) {
+    SaveDialogUnit(mSources->preferencesDomain, unit);
+    SaveSendToDefaultPrintQueue(mSources->preferencesDomain, sendToPrintQueue);
 }
 
 bool PageSetup::IsPPDFile(const std::string &path) const {

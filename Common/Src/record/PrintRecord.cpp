@@ -1,10 +1,9 @@
 #include "Common/Src/record/PrintRecord.h"
 
-#include "Common/Src/DriverContext.h"
-#include "Common/Src/record/PageFitting.h"
+#include "Common/Src/record/Preferences.h"
 #include "colour/Separations.h"
 #include "ppd/PostscriptPrinterInfo.h"
-#include "support/DictionaryHelpers.h"
+#include "support/CFRef.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,8 +17,6 @@ namespace {
 constexpr char kMagic[] = {'P', 'O', 'S', 'T'};
 constexpr Size kRecordSize = sizeof(PSHPrint);
 constexpr double kSameSize = 0.001; // points
-constexpr double kMinimumDpi = 10.0;
-constexpr double kMaximumDpi = 10000.0;
 
 struct SeparationsDeleter {
     void operator()(Separations *list) const { DeleteSeparationsList(list); }
@@ -65,7 +62,7 @@ bool NamedPageIsBad(const PostscriptPages &pages, const PSHPrint &record) {
 
 bool ResolutionIsBad(uint64_t dpi_be) {
     double dpi = DoubleFromBigEndian(dpi_be);
-    return !(dpi >= kMinimumDpi && dpi <= kMaximumDpi);
+    return !(dpi >= double{kZELMinimumDpi} && dpi <= double{kZELMaximumDpi});
 }
 
 bool SeparationIsBad(const PSHPrint &record) {
@@ -87,37 +84,6 @@ bool RecordIsBad(const PostscriptPrinterInfo &printer, const PSHPrint &record) {
         return true;
     if (ResolutionIsBad(record.mXDpi_be) || ResolutionIsBad(record.mYDpi_be) || bad) return true;
     return colourSpace == kZELColourSpaceCMYK && SeparationIsBad(record);
-}
-
-uint32_t PreferredColourSpace(CFStringRef applicationID) {
-    CFRef<CFPropertyListRef> value(
-        CFPreferencesCopyAppValue(CFSTR("PSColourSpace"), applicationID));
-    int32_t colourSpace = kZELColourSpaceCMYK;
-    if (!value || CFGetTypeID(value.Get()) != CFNumberGetTypeID() ||
-        !CFNumberGetValue(static_cast<CFNumberRef>(value.Get()), kCFNumberSInt32Type, &colourSpace))
-        return kZELColourSpaceCMYK;
-    return static_cast<uint32_t>(colourSpace);
-}
-
-void SetPreferredPageOptions(CFStringRef applicationID, PSHPrint &record) {
-    CFRef<CFPropertyListRef> value(CFPreferencesCopyAppValue(CFSTR("PageOptions"), applicationID));
-    if (!value || CFGetTypeID(value.Get()) != CFDictionaryGetTypeID()) return;
-    auto options = static_cast<CFDictionaryRef>(value.Get());
-    auto flag = [options](CFStringRef key) {
-        return SwapBigEndian(uint32_t{GetBooleanFromDictionary(options, key, false)});
-    };
-    record.mFlipH_be = flag(CFSTR("FlipH"));
-    record.mFlipV_be = flag(CFSTR("FlipV"));
-    record.mRotated_be = flag(CFSTR("Rotate"));
-    const Str255 empty = {};
-    GetStr255FromDictionary(options, CFSTR("Separation"), empty, record.cmykSeparationName);
-}
-
-bool EPSIsPreferred(CFStringRef applicationID) {
-    CFRef<CFPropertyListRef> value(CFPreferencesCopyAppValue(CFSTR("FileFormat"), applicationID));
-    return value && CFGetTypeID(value.Get()) == CFStringGetTypeID() &&
-           CFStringCompare(static_cast<CFStringRef>(value.Get()), CFSTR("eps"),
-                           kCFCompareCaseInsensitive) == kCFCompareEqualTo;
 }
 
 void SetDefaultPage(const PostscriptPages &pages, PSHPrint &record) {
@@ -145,10 +111,8 @@ PSHPrint DefaultRecord(const PostscriptPrinterInfo &printer, CFStringRef applica
     std::memcpy(record.mMagic_be, kMagic, sizeof kMagic);
     SetDefaultPage(printer.Pages(), record);
     SetDefaultResolution(printer.Resolutions(), record);
-    if (printer.HasColour())
-        record.mColourSpace_be = SwapBigEndian(PreferredColourSpace(applicationID));
-    SetPreferredPageOptions(applicationID, record);
-    record.mEPSFormat_be = SwapBigEndian(uint32_t{EPSIsPreferred(applicationID)});
+    if (printer.HasColour()) record.mColourSpace_be = SwapBigEndian(GetColourSpace(applicationID));
+    ReadDefaults(applicationID, record);
     record.copies_be = Int16ToBigEndian(1);
     record.fromPage_be = Int16ToBigEndian(1);
     record.toPage_be = Int16ToBigEndian(999);
@@ -186,19 +150,18 @@ OutputGeometry RecordGeometry(const PSHPrint &record) {
             height * 25.4 / 72};
 }
 
-bool HPrintIsBad(const DriverContext *context, Handle handle) {
+bool HPrintIsBad(const PostscriptPrinterInfo &printer, Handle handle) {
     RecordLock lock(handle);
     const PSHPrint *record = lock.Record();
     if (!record) return true;
     try {
-        return RecordIsBad(*context->printerInfo, *record);
+        return RecordIsBad(printer, *record);
     } catch (...) {
         return true;
     }
 }
 
-void SetDefaults(const DriverContext *context, Handle handle) {
-    CFStringRef applicationID = context->bundleIdentifier.Get();
+void SetDefaults(const PostscriptPrinterInfo &printer, CFStringRef applicationID, Handle handle) {
     CFPreferencesAppSynchronize(applicationID);
     if (GetHandleSize(handle) != kRecordSize) {
         SetHandleSize(handle, kRecordSize);
@@ -206,21 +169,8 @@ void SetDefaults(const DriverContext *context, Handle handle) {
             std::fputs("ZEL PostScript Printer Driver: SethandleSize_compat failed!\n", stderr);
     }
     RecordLock lock(handle);
-    PSHPrint record = DefaultRecord(*context->printerInfo, applicationID);
+    PSHPrint record = DefaultRecord(printer, applicationID);
     // A handle that could not be resized takes as much as it holds.
     Size size = std::min(GetHandleSize(handle), kRecordSize);
     if (size > 0) std::memcpy(*handle, &record, static_cast<size_t>(size));
-}
-
-void SetSuggestions(const DriverContext *context, Handle handle, const PageInfo_tag *page) {
-    if (page->widthPixels < 1 || page->heightPixels < 1) return;
-    RecordLock lock(handle);
-    PSHPrint *record = lock.Record();
-    if (!record) return;
-    try {
-        SetBestHardwareResolution(context->printerInfo, page, record);
-        SetBestPageSize(context->printerInfo, page, record);
-    } catch (...) {
-        return; // the record keeps what was written so far
-    }
 }

@@ -2,7 +2,6 @@
 /// layout.
 #pragma once
 
-#include "Common/Src/PageInfo.h"
 #include "PSHPrint.h"
 #include "ZELOutput.h"
 #include "support/BigEndian.h"
@@ -10,7 +9,7 @@
 
 #include <string>
 
-struct DriverContext;
+class PostscriptPrinterInfo;
 
 /// Keeps a handle locked while a record in it is worked on.
 class RecordLock {
@@ -38,12 +37,9 @@ void SetRecordName(char (&field)[41], const std::string &name);
 /// millimetres.
 [[nodiscard]] OutputGeometry RecordGeometry(const PSHPrint &record);
 
-/// True when the record must not be used as it stands with the context's printer.
-[[nodiscard]] bool HPrintIsBad(const DriverContext *context, Handle handle);
+/// True when the record must not be used as it stands with that printer.
+[[nodiscard]] bool HPrintIsBad(const PostscriptPrinterInfo &printer, Handle handle);
 
 /// Rewrites the record from the printer's defaults and the user's preferences, and cuts or grows
 /// the handle to 416 bytes.
-void SetDefaults(const DriverContext *context, Handle handle);
-
-/// Fits resolution and page to a suggested page of at least one pixel; otherwise does nothing.
-void SetSuggestions(const DriverContext *context, Handle handle, const PageInfo_tag *page);
+void SetDefaults(const PostscriptPrinterInfo &printer, CFStringRef applicationID, Handle handle);

@@ -1,11 +1,11 @@
 #include "Common/Src/record/PrinterLoading.h"
 
-#include "Common/Src/record/Settings.h"
+#include "Common/Src/record/Preferences.h"
 #include "ZELTypes.h"
-#include "dialogs/Alerts.h"
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"
-#include "support/CFRef.h"
+#include "support/Alerts.h"
+#include "support/Bookmark.h"
 
 namespace {
 

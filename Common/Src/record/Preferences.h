@@ -1,14 +1,14 @@
-/// The user's choices, kept between runs in the preferences of the bundle's own identifier.
+/// The user's choices, kept between runs in the preferences of the bundle's own identifier: the one
+/// module that knows their keys.
 ///
 /// Reading tolerates missing keys and values of the wrong type: the default then holds. Locations
 /// are kept as bookmarks, so that renamed and moved items are found again; the older forms, a
 /// string path and an alias record, are still read.
 #pragma once
 
+#include "PSHPrint.h"
 #include "support/CFRef.h"
 #include <CoreServices/CoreServices.h>
-
-struct DriverContext;
 
 /// The bookmark stored under `bookmarkKey`; when that key is missing, a bookmark made from what is
 /// stored under `legacyKey`, which is not written back. Null: none.
@@ -27,9 +27,6 @@ void SavePPDFileLocation(CFStringRef applicationID, CFDataRef bookmark);
 [[nodiscard]] CFRef<CFPropertyListRef> CopySavedPPDFile(CFStringRef applicationID);
 void RestoreSavedPPDFile(CFStringRef applicationID, CFPropertyListRef value); ///< null: none
 
-/// The item of a bookmark, wherever it is now; null for null and when it cannot be found.
-[[nodiscard]] CFRef<CFURLRef> ResolvedBookmark(CFDataRef bookmark);
-
 /// The hot folder that the print dialog saved last; null when there is none or it cannot be found.
 [[nodiscard]] CFRef<CFURLRef> CopyFoundHotFolder(CFStringRef applicationID);
 /// The same, as CopySavedPPD.
@@ -42,8 +39,19 @@ void SaveHotFolder(CFStringRef applicationID, CFURLRef folder);
 [[nodiscard]] int32_t GetMeasurementUnits(CFStringRef applicationID);
 void SaveMeasurementUnits(CFStringRef applicationID, int32_t units);
 
+/// "MeasurementUnit": the unit in which the page-setup dialog shows sizes (a DialogUnit);
+/// millimetres when missing or anything else.
+[[nodiscard]] int GetDialogUnit(CFStringRef applicationID);
+void SaveDialogUnit(CFStringRef applicationID, int unit);
+
 /// "SendToDefaultPrintQueue", false when missing.
 [[nodiscard]] bool GetSendToDefaultPrintQueue(CFStringRef applicationID);
+void SaveSendToDefaultPrintQueue(CFStringRef applicationID, bool send);
 
+/// Puts the user's saved page options and file format ("PageOptions", "FileFormat") into a new
+/// record; what is not saved leaves its field as it is.
+void ReadDefaults(CFStringRef applicationID, PSHPrint &record);
+/// "PSColourSpace"; CMYK when missing or not a number.
+[[nodiscard]] uint32_t GetColourSpace(CFStringRef applicationID);
 /// Saves the record's page options, file format and colour space as the user's defaults.
-void SaveDefaults(const DriverContext *context, Handle record);
+void SaveDefaults(CFStringRef applicationID, const PSHPrint &record);

@@ -1,4 +1,4 @@
-#include "dialogs/Units.h"
+#include "support/Units.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,9 @@
-#include "Common/Src/record/Settings.h"
+#include "Common/Src/record/Preferences.h"
 
-#include "Common/Src/DriverContext.h"
-#include "Common/Src/record/PrintRecord.h"
+#include "support/BigEndian.h"
+#include "support/Bookmark.h"
 #include "support/DictionaryHelpers.h"
+#include "support/Units.h"
 
 namespace {
 
@@ -15,17 +16,9 @@ CFRef<CFURLRef> URLOfPath(CFStringRef path) {
         CFURLCreateWithFileSystemPath(kCFAllocatorDefault, path, kCFURLPOSIXPathStyle, false));
 }
 
-CFRef<CFDataRef> BookmarkOfPath(CFStringRef path) {
-    const CFRef<CFURLRef> url = URLOfPath(path);
-    if (!url) return {};
-    return CFRef<CFDataRef>(CFURLCreateBookmarkData(kCFAllocatorDefault, url.Get(),
-                                                    kCFURLBookmarkCreationSuitableForBookmarkFile,
-                                                    nullptr, nullptr, nullptr));
-}
-
 CFRef<CFDataRef> BookmarkOfLegacyValue(CFPropertyListRef value) {
     if (CFGetTypeID(value) == CFStringGetTypeID())
-        return BookmarkOfPath(static_cast<CFStringRef>(value));
+        return BookmarkOf(URLOfPath(static_cast<CFStringRef>(value)).Get());
     if (CFGetTypeID(value) == CFDataGetTypeID())
         return CFRef<CFDataRef>(CFURLCreateBookmarkDataFromAliasRecord(
             kCFAllocatorDefault, static_cast<CFDataRef>(value)));
@@ -55,6 +48,27 @@ CFRef<CFMutableDictionaryRef> PageOptions(const PSHPrint &record) {
     PutBooleanInDictionary(options.Get(), CFSTR("Rotate"), record.mRotated_be != 0);
     PutStr255InDictionary(options.Get(), CFSTR("Separation"), record.cmykSeparationName);
     return options;
+}
+
+void SetPreferredPageOptions(CFStringRef applicationID, PSHPrint &record) {
+    CFRef<CFPropertyListRef> value(CFPreferencesCopyAppValue(CFSTR("PageOptions"), applicationID));
+    if (!value || CFGetTypeID(value.Get()) != CFDictionaryGetTypeID()) return;
+    auto options = static_cast<CFDictionaryRef>(value.Get());
+    auto flag = [options](CFStringRef key) {
+        return SwapBigEndian(uint32_t{GetBooleanFromDictionary(options, key, false)});
+    };
+    record.mFlipH_be = flag(CFSTR("FlipH"));
+    record.mFlipV_be = flag(CFSTR("FlipV"));
+    record.mRotated_be = flag(CFSTR("Rotate"));
+    const Str255 empty = {};
+    GetStr255FromDictionary(options, CFSTR("Separation"), empty, record.cmykSeparationName);
+}
+
+bool EPSIsPreferred(CFStringRef applicationID) {
+    CFRef<CFPropertyListRef> value(CFPreferencesCopyAppValue(CFSTR("FileFormat"), applicationID));
+    return value && CFGetTypeID(value.Get()) == CFStringGetTypeID() &&
+           CFStringCompare(static_cast<CFStringRef>(value.Get()), CFSTR("eps"),
+                           kCFCompareCaseInsensitive) == kCFCompareEqualTo;
 }
 
 } // namespace
@@ -90,13 +104,6 @@ void RestoreSavedPPDFile(CFStringRef applicationID, CFPropertyListRef value) {
     CFPreferencesSetAppValue(CFSTR("PPDBookmark"), value, applicationID);
 }
 
-CFRef<CFURLRef> ResolvedBookmark(CFDataRef bookmark) {
-    if (!bookmark) return {};
-    return CFRef<CFURLRef>(CFURLCreateByResolvingBookmarkData(kCFAllocatorDefault, bookmark,
-                                                              kCFURLBookmarkResolutionWithoutUIMask,
-                                                              nullptr, nullptr, nullptr, nullptr));
-}
-
 CFRef<CFURLRef> CopySavedPPD(CFStringRef applicationID) {
     return SavedLocation(applicationID, CFSTR("PPDBookmark"), CFSTR("PPDFile"));
 }
@@ -112,10 +119,7 @@ CFRef<CFURLRef> CopyFoundHotFolder(CFStringRef applicationID) {
 }
 
 void SaveHotFolder(CFStringRef applicationID, CFURLRef folder) {
-    const CFRef<CFDataRef> bookmark(CFURLCreateBookmarkData(
-        kCFAllocatorDefault, folder, kCFURLBookmarkCreationSuitableForBookmarkFile, nullptr,
-        nullptr, nullptr));
-    SetFileLocationPreference(applicationID, CFSTR("HotFolderBookmark"), bookmark.Get());
+    SetFileLocationPreference(applicationID, CFSTR("HotFolderBookmark"), BookmarkOf(folder).Get());
     CFPreferencesAppSynchronize(applicationID);
 }
 
@@ -136,9 +140,38 @@ bool GetSendToDefaultPrintQueue(CFStringRef applicationID) {
                                            nullptr) != 0;
 }
 
-void SaveDefaults(const DriverContext *context, Handle handle) {
-    CFStringRef applicationID = context->bundleIdentifier.Get();
-    const PSHPrint record = CopyRecord(handle);
+void SaveSendToDefaultPrintQueue(CFStringRef applicationID, bool send) {
+    CFPreferencesSetAppValue(CFSTR("SendToDefaultPrintQueue"),
+                             send ? kCFBooleanTrue : kCFBooleanFalse, applicationID);
+}
+
+int GetDialogUnit(CFStringRef applicationID) {
+    Boolean valid = false;
+    const CFIndex unit =
+        CFPreferencesGetAppIntegerValue(CFSTR("MeasurementUnit"), applicationID, &valid);
+    return valid && unit >= kPixels && unit <= kInches ? static_cast<int>(unit) : kMillimetres;
+}
+
+void SaveDialogUnit(CFStringRef applicationID, int unit) {
+    SetNumber(applicationID, CFSTR("MeasurementUnit"), unit);
+}
+
+uint32_t GetColourSpace(CFStringRef applicationID) {
+    CFRef<CFPropertyListRef> value(
+        CFPreferencesCopyAppValue(CFSTR("PSColourSpace"), applicationID));
+    int32_t colourSpace = kZELColourSpaceCMYK;
+    if (!value || CFGetTypeID(value.Get()) != CFNumberGetTypeID() ||
+        !CFNumberGetValue(static_cast<CFNumberRef>(value.Get()), kCFNumberSInt32Type, &colourSpace))
+        return kZELColourSpaceCMYK;
+    return static_cast<uint32_t>(colourSpace);
+}
+
+void ReadDefaults(CFStringRef applicationID, PSHPrint &record) {
+    SetPreferredPageOptions(applicationID, record);
+    record.mEPSFormat_be = SwapBigEndian(uint32_t{EPSIsPreferred(applicationID)});
+}
+
+void SaveDefaults(CFStringRef applicationID, const PSHPrint &record) {
     CFPreferencesSetAppValue(CFSTR("PageOptions"), PageOptions(record).Get(), applicationID);
     CFPreferencesSetAppValue(CFSTR("FileFormat"), record.mEPSFormat_be ? CFSTR("eps") : CFSTR("ps"),
                              applicationID);
