@@ -17,14 +17,14 @@ need_build_folder() { need_writable "$PWD/$1" "copy the project to a folder wher
 
 # report_progress DONE ALL WHAT: how far a long stage is. On a terminal one line that is written over; elsewhere
 # one line for each tenth of the way.
-reported=
+declare -A reported=()
 report_progress() {
-    local line="   $1 of $2 $3" tenth="$3 $(($1 * 10 / $2))"
+    local tenth=$(($1 * 10 / $2))
     if [ -t 1 ]; then
-        printf '\r%s\033[K' "$line"
+        printf '\r   %s of %s %s\033[K' "$1" "$2" "$3"
         [ "$1" -lt "$2" ] || echo
-    elif [ "$tenth" != "$reported" ]; then
-        echo "$line"
+    elif [ "${reported[$3]:-}" != "$tenth" ]; then
+        echo "   $1 of $2 $3"
+        reported[$3]=$tenth
     fi
-    reported=$tenth
 }

@@ -1,5 +1,7 @@
 #import "tests/dialogs/DialogScript.h"
 
+#include "tests/Quoted.h"
+
 #import "dialogs/DialogSupport.h"
 
 #import <GNUstepGUI/GSDisplayServer.h>
@@ -208,8 +210,8 @@ void TakePicture(NSWindow *window, const char *name) {
     [window flushWindow];
     const unsigned long handle =
         (unsigned long)(uintptr_t)[GSServerForWindow(window) windowDevice:[window windowNumber]];
-    char command[1024];
-    snprintf(command, sizeof command, "mkdir -p '%s' && import -window %lu '%s/%s.png'", folder,
-             handle, folder, name);
-    if (std::system(command) != 0) fprintf(stderr, "No picture of %s\n", name);
+    const std::string command = "mkdir -p " + Quoted(folder) + " && import -window " +
+                                std::to_string(handle) + " " +
+                                Quoted(std::string(folder) + "/" + name + ".png");
+    if (std::system(command.c_str()) != 0) fprintf(stderr, "No picture of %s\n", name);
 }

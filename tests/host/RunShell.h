@@ -1,6 +1,8 @@
 /// Runs a command as a shell does and keeps what it says.
 #pragma once
 
+#include "tests/Quoted.h"
+
 #include <cstdio>
 #include <string>
 #include <sys/wait.h>

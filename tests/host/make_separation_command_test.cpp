@@ -21,7 +21,8 @@ using nlohmann::json;
 using testing::HasSubstr;
 
 Outcome Zelprint(const std::string &arguments) {
-    return RunShell("ZEL_BUNDLE='" ZEL_TEST_BUNDLE "' '" ZEL_TEST_ZELPRINT "' " + arguments);
+    return RunShell("ZEL_BUNDLE=" + Quoted(ZEL_TEST_BUNDLE) + " " + Quoted(ZEL_TEST_ZELPRINT) +
+                    " " + arguments);
 }
 
 Outcome Make(const std::string &arguments) {

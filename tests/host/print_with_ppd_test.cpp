@@ -86,7 +86,7 @@ protected:
         std::string folder = std::string(parent ? parent : "/tmp") + "/print-XXXXXX";
         ASSERT_NE(mkdtemp(folder.data()), nullptr);
         mFolder = folder;
-        const Outcome copied = RunShell(std::string(GetParam().copyPPD) + " > '" + PPD() + "'");
+        const Outcome copied = RunShell(std::string(GetParam().copyPPD) + " > " + Quoted(PPD()));
         ASSERT_EQ(copied.status, 0) << "install hp-ppd and openprinting-ppds; " << copied.output;
         mModel = reference::ReadModel(ReadFile(PPD()));
         ASSERT_EQ(mModel.refusal, "");
@@ -101,10 +101,10 @@ protected:
 
     /// The document that zelprint writes.
     std::string Print(const std::string &options) {
-        const Outcome outcome =
-            RunShell("ZEL_BUNDLE='" ZEL_TEST_BUNDLE "' '" ZEL_TEST_ZELPRINT "' --ppd '" + PPD() +
-                     "' --colour-space gray --output '" + Document() + "' " + options + " '" +
-                     (mFolder / "image.pgm").string() + "'");
+        const Outcome outcome = RunShell(
+            "ZEL_BUNDLE=" + Quoted(ZEL_TEST_BUNDLE) + " " + Quoted(ZEL_TEST_ZELPRINT) + " --ppd " +
+            Quoted(PPD()) + " --colour-space gray --output " + Quoted(Document()) + " " + options +
+            " " + Quoted((mFolder / "image.pgm").string()));
         EXPECT_EQ(outcome.status, 0) << outcome.output;
         return ReadFile(Document());
     }
@@ -129,7 +129,7 @@ protected:
         EXPECT_EQ(Between(document, "/docsave save def\n", "%%EndSetup"),
                   ResolutionCode() + "\n" + code + "\n");
         const Outcome ran =
-            RunShell("gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=bbox '" + Document() + "'");
+            RunShell("gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=bbox " + Quoted(Document()));
         EXPECT_EQ(ran.status, 0) << ran.output;
         std::istringstream painted(Between(ran.output, "%%HiResBoundingBox: ", "\n"));
         for (const double edge : area) {

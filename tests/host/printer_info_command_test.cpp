@@ -26,8 +26,8 @@ constexpr const char *kCustom = "*CustomPageSize True: \"custom code\"\n"
                                 "*ParamCustomPageSize Height: 2 points 90.5 1300\n";
 
 Outcome RunPrinterInfo(const std::string &arguments) {
-    return RunShell("ZEL_BUNDLE='" ZEL_TEST_BUNDLE "' '" ZEL_TEST_ZELPRINT "' printer-info " +
-                    arguments);
+    return RunShell("ZEL_BUNDLE=" + Quoted(ZEL_TEST_BUNDLE) + " " + Quoted(ZEL_TEST_ZELPRINT) +
+                    " printer-info " + arguments);
 }
 
 } // namespace

@@ -180,10 +180,11 @@ TEST_F(Command, SavedSettings_TouchNoOtherFile) {
 
 TEST_F(Command, WithoutStandardStreamsAndHome_Prints) {
     ASSERT_EQ(Print({"-o", "a.eps", Source()}).status, 0);
-    const Outcome run = RunShell("(env -u HOME TERM=dumb " ZELPRINT_PROGRAM
-                                 " --eps --media 40x50pt --resolution 72 --colour-space rgb "
-                                 "--hot-folder '" +
-                                 mPlace.Hot() + "' -o b.eps '" + Source() + "' <&- >&- 2>&-)");
+    const Outcome run =
+        RunShell("(env -u HOME TERM=dumb " + Quoted(ZELPRINT_PROGRAM) +
+                 " --eps --media 40x50pt --resolution 72 --colour-space rgb "
+                 "--hot-folder " +
+                 Quoted(mPlace.Hot()) + " -o b.eps " + Quoted(Source()) + " <&- >&- 2>&-)");
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(ReadWithoutDate(mPlace.Hot("b.eps")).size(),
               ReadWithoutDate(mPlace.Hot("a.eps")).size());
@@ -199,13 +200,13 @@ TEST_F(Command, MoreFilesOrPagesThanDescriptors_ArePrinted) {
     for (int i = 0; i < 60; ++i) {
         const std::string name = mPlace.Path("many" + std::to_string(i) + ".png");
         fs::copy(Source(), name);
-        files += " '" + name + "'";
+        files += " " + Quoted(name);
     }
     SavePages(std::vector<Picture>(60, TestPicture(16, 16)), mPlace.Path("many.tif"));
     const Outcome run =
-        RunShell("ulimit -n 48; " ZELPRINT_PROGRAM " --eps --media 40x50pt --resolution 72 "
-                 "--colour-space rgb --hot-folder '" +
-                 mPlace.Hot() + "' '" + mPlace.Path("many.tif") + "'" + files);
+        RunShell("ulimit -n 48; " + Quoted(ZELPRINT_PROGRAM) +
+                 " --eps --media 40x50pt --resolution 72 --colour-space rgb --hot-folder " +
+                 Quoted(mPlace.Hot()) + " " + Quoted(mPlace.Path("many.tif")) + files);
     EXPECT_EQ(run.status, 0) << run.output;
     EXPECT_EQ(mPlace.HotFiles().size(), 120U);
 }

@@ -94,9 +94,9 @@ TEST_F(Command, ControlCharactersOfAName_StayOutOfTheComplaint) {
 TEST_F(Command, AnswerThatCannotBeWritten_IsAFailure) {
     const std::string arguments = " 2>/dev/null >/dev/full";
     for (const char *asked : {"--help", "--version", "separations", "separations --json"})
-        EXPECT_EQ(RunShell(ZELPRINT_PROGRAM " " + (asked + arguments)).status, 3) << asked;
-    const std::string print = ZELPRINT_PROGRAM " --eps --media 40x50pt --hot-folder '" +
-                              mPlace.Hot() + "' '" + Source() + "' ";
+        EXPECT_EQ(RunShell(Quoted(ZELPRINT_PROGRAM) + " " + asked + arguments).status, 3) << asked;
+    const std::string print = Quoted(ZELPRINT_PROGRAM) + " --eps --media 40x50pt --hot-folder " +
+                              Quoted(mPlace.Hot()) + " " + Quoted(Source()) + " ";
     EXPECT_EQ(RunShell(print + "--dry-run" + arguments).status, 3);
     EXPECT_EQ(RunShell(print + "--json" + arguments).status, 3);
     // What only keeps people informed may get lost.

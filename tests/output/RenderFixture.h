@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Common/Src/PageOutput.h"
+#include "tests/Quoted.h"
 #include "tests/output/WriterFixture.h"
 
 #include <cstdlib>
@@ -103,7 +104,8 @@ protected:
 
     /// Runs a command; its output goes to "log" in the folder. Returns its exit status.
     int Run(const std::string &command) const {
-        const std::string all = "cd '" + mFolder.Path().string() + "' && " + command + " >log 2>&1";
+        const std::string all =
+            "cd " + Quoted(mFolder.Path().string()) + " && " + command + " >log 2>&1";
         return system(all.c_str());
     }
 
@@ -113,7 +115,7 @@ protected:
                                  std::to_string(static_cast<int>(mOptions.ury));
         const std::string page = mOptions.eps ? "-dEPSCrop" : "-g" + size;
         const int status = Run("gs -q -dSAFER -dBATCH -dNOPAUSE -r72 " + page +
-                               " -sDEVICE=" + device + " -sOutputFile=page '" + file + "'");
+                               " -sDEVICE=" + device + " -sOutputFile=page " + Quoted(file));
         EXPECT_EQ(status, 0) << mFolder.Read("log");
         EXPECT_EQ(mFolder.Read("log"), "");
         return ReadPicture(mFolder.Path() / "page");

@@ -1,5 +1,6 @@
 #include "Common/Src/postscript/PostscriptText.h"
 
+#include "tests/Quoted.h"
 #include "tests/output/TempFolder.h"
 
 #include <clocale>
@@ -59,7 +60,8 @@ public:
     CommaLocale() {
         if (setlocale(LC_ALL, "de_DE.UTF-8")) return;
         const std::string place = (mFolder.Path() / "de_DE.UTF-8").string();
-        const std::string command = "localedef -f UTF-8 -i de_DE '" + place + "' >/dev/null 2>&1";
+        const std::string command =
+            "localedef -f UTF-8 -i de_DE " + Quoted(place) + " >/dev/null 2>&1";
         // localedef warns, and then fails, about things that do not matter here; whether numbers
         // have a comma is for the test to see.
         (void)!system(command.c_str());

@@ -1,4 +1,5 @@
 // Preferences: types, other processes, the platform's own tool, files that cannot be used.
+#include "tests/Quoted.h"
 #include "tests/platform/CFTest.h"
 #include <cstdlib>
 #include <fstream>
@@ -64,7 +65,7 @@ int Tool(const std::string &arguments) {
 std::string ToolOutput(const std::string &arguments) {
     const TempFolder folder;
     const std::string out = (folder.Path() / "out").string();
-    (void)std::system(("defaults " + arguments + " >" + out + " 2>&1").c_str());
+    (void)std::system(("defaults " + arguments + " >" + Quoted(out) + " 2>&1").c_str());
     return folder.Read("out");
 }
 
@@ -308,7 +309,8 @@ TEST(Preferences, ProcessesThatWriteAtOnceLoseNothing) {
     for (int i = 0; i < writers; ++i)
         threads.emplace_back([i, &results] {
             const std::string self = fs::read_symlink("/proc/self/exe").string();
-            const std::string command = "ZEL_TEST_WRITER=w" + std::to_string(i) + " " + self +
+            const std::string command = "ZEL_TEST_WRITER=w" + std::to_string(i) + " " +
+                                        Quoted(self) +
                                         " --gtest_also_run_disabled_tests "
                                         "--gtest_filter='*.DISABLED_WritesItsKeys' >/dev/null";
             results[size_t(i)] = std::system(command.c_str());
@@ -408,13 +410,13 @@ TEST(Preferences, ReadOnlyFolderIsReadAndReported) {
     if (getuid() == 0) {
         // Root may write everywhere: the process runs as nobody, who may read.
         asUser = "setpriv --reuid 65534 --regid 65534 --clear-groups ";
-        (void)std::system(("chmod -R o+rX " + std::string(getenv("HOME"))).c_str());
+        (void)std::system(("chmod -R o+rX " + Quoted(getenv("HOME"))).c_str());
     }
     const std::string self = fs::read_symlink("/proc/self/exe").string();
-    if (std::system((asUser + "test -x " + self).c_str()) != 0)
+    if (std::system((asUser + "test -x " + Quoted(self)).c_str()) != 0)
         GTEST_SKIP() << "nobody may run " << self;
     fs::permissions(PreferencesFolder(), fs::perms::owner_write, fs::perm_options::remove);
-    const int result = std::system((asUser + self +
+    const int result = std::system((asUser + Quoted(self) +
                                     " --gtest_also_run_disabled_tests"
                                     " --gtest_filter='*.DISABLED_CannotWrite' >/dev/null")
                                        .c_str());

@@ -1,6 +1,8 @@
 /// The printers' descriptions in the installed packages.
 #pragma once
 
+#include "tests/Quoted.h"
+
 #include <cstdio>
 #include <string>
 
@@ -8,7 +10,7 @@
 class Corpus {
 public:
     explicit Corpus(const std::string &script)
-        : mPipe(popen(("python3 '" + script + "'").c_str(), "r")) {}
+        : mPipe(popen(("python3 " + Quoted(script)).c_str(), "r")) {}
     ~Corpus() { Close(); }
     Corpus(const Corpus &) = delete;
     Corpus &operator=(const Corpus &) = delete;

@@ -1,5 +1,7 @@
 #include "ppd/TextFields.h"
 
+#include "tests/Quoted.h"
+
 #include <clocale>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -161,7 +163,7 @@ TEST(TextFields, DecimalPoint_IsAPointInAnyLocale) {
     const char *folder = std::getenv("TEMP");
     ASSERT_NE(folder, nullptr);
     const std::string make =
-        "localedef -i de_DE -f UTF-8 " + std::string(folder) + "/de_DE.UTF-8 2>&1";
+        "localedef -i de_DE -f UTF-8 " + Quoted(std::string(folder) + "/de_DE.UTF-8") + " 2>&1";
     if (std::system(make.c_str()) != 0) GTEST_SKIP() << "no localedef: nothing has a decimal comma";
     setenv("LOCPATH", folder, 1);
     ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
