@@ -121,3 +121,24 @@ CFURLRef ZELPrCopySeparationsFolder(void) {
                                                    reinterpret_cast<const UInt8 *>(folder.data()),
                                                    static_cast<CFIndex>(folder.size()), true);
 }
+
+int32_t ZELPrCreateSeparation(CFStringRef name, ZELSeparation **separation) {
+    *separation = nullptr;
+    CMYKSeparation *built = nullptr;
+    const int16_t code = GetCMYKSeparation(nullptr, name, &built);
+    if (code == kZELNoError)
+        *separation = reinterpret_cast<ZELSeparation *>(built);
+    else
+        ReleaseCMYKSeparation(built);
+    return code;
+}
+
+void ZELPrSeparate(const ZELSeparation *separation, const uint8_t *src, uint64_t count,
+                   uint8_t *dst) {
+    PerformCMYKSeparation(reinterpret_cast<const CMYKSeparation *>(separation), src,
+                          static_cast<int64_t>(count), dst, 1, 4);
+}
+
+void ZELPrReleaseSeparation(ZELSeparation *separation) {
+    ReleaseCMYKSeparation(reinterpret_cast<CMYKSeparation *>(separation));
+}

@@ -25,6 +25,18 @@ ZEL_EXPORT CFArrayRef ZELPrCopySeparationNames(void);
 /// caller releases the URL. Null when it cannot be told.
 ZEL_EXPORT CFURLRef ZELPrCopySeparationsFolder(void);
 
+/// A way from light to ink, as documents have it.
+typedef struct ZELSeparation ZELSeparation;
+
+/// Loads the separation of that name (null or empty: "Standard"). 0; kZELFileNotFound or
+/// kZELOutOfMemory, and `*separation` is null. The caller releases it.
+ZEL_EXPORT int32_t ZELPrCreateSeparation(CFStringRef name, ZELSeparation **separation);
+/// Separates `count` pixels x, R, G, B into interleaved C, M, Y, K. Any thread.
+ZEL_EXPORT void ZELPrSeparate(const ZELSeparation *separation, const uint8_t *src, uint64_t count,
+                              uint8_t *dst);
+/// Null is allowed.
+ZEL_EXPORT void ZELPrReleaseSeparation(ZELSeparation *separation);
+
 /// Makes this context print with the given PPD file, whatever printer the user has chosen.
 /// 0, or kZELFileNotFound when the file is refused: the context then keeps its printer and
 /// `*message`, if asked for, says why (the caller releases it).

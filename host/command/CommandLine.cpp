@@ -89,6 +89,22 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
         ->type_name("cmyk|gray|rgb");
     Choice(app, "--separation", options.separation, "NAME",
            "CMYK separation; see zelprint separations");
+    app.add_option("--pdf-colours,--pdf-colors", options.separatePDF,
+                   "in CMYK: keep the inks of PDF files, or separate all colours anew")
+        ->transform(CLI::Validator(OneOf({"inks", "separate"}), ""))
+        ->type_name("inks|separate");
+    app.add_option("--cmyk-look", options.pdf.look,
+                   "inks of PDF files in RGB: as on a press, or black as black")
+        ->transform(CLI::Validator(OneOf({"press", "plain"}), ""))
+        ->type_name("press|plain");
+    Switch(app, "--antialias,!--no-antialias", options.pdf.antialias,
+           "soften the edges in PDF files; usual below 400 dpi");
+    Choice(app, "--password-file", options.passwordFile, "FILE",
+           "file that holds the password of encrypted PDF files");
+    app.add_option("--page-time", options.pdf.pageSeconds,
+                   "give up a PDF page that takes longer to draw")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1, 1000000).description(""));
     Switch(app, "--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
     Switch(app, "--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
     Switch(app, "--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");

@@ -4,6 +4,7 @@
 #define ZEL_HOST_JOBOPTIONS_H
 
 #include "host/job/PagePlacement.h"
+#include "host/readers/pdf/PDFOptions.h"
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,7 +32,11 @@ struct JobOptions {
 
     PlacementWishes placement;      ///< but for `autoRotate`
     std::optional<bool> autoRotate; ///< empty: unless `rotate` is asked for
-    int bandHeight = 0;             ///< rows a band; 0: zelprint's choice
+    PDFOptions pdf;
+    bool separatePDF = false; ///< draw PDF pages in light and separate all of it
+    std::string passwordFile; ///< holds pdf.password; empty: none
+
+    int bandHeight = 0; ///< rows a band; 0: zelprint's choice
     std::string settings;
     std::string saveSettings;
     bool pageSetup = false;

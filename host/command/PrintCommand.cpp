@@ -11,6 +11,7 @@
 #include "host/readers/PNMCheck.h"
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
 #include <optional>
 
 namespace {
@@ -45,9 +46,21 @@ void CheckPNMFiles(const std::vector<SourceFile> &files) {
 /// Loading the image module takes as long as opening the driver: both are done at the same time.
 void StartModule(const std::vector<SourceFile> &files) {
     const auto needsModule = [](const SourceFile &file) { return file.NeedsModule(); };
-    const auto isPDF = [](const SourceFile &file) { return file.Kind() == FileKind::PDF; };
-    if (std::any_of(files.begin(), files.end(), needsModule))
-        StartImageModule(std::any_of(files.begin(), files.end(), isPDF));
+    if (std::any_of(files.begin(), files.end(), needsModule)) StartImageModule(false);
+}
+
+/// The first line of a file. An argument would be everybody's to read.
+std::string ReadPassword(const std::string &path) {
+    constexpr size_t kLongest = 1000;
+    std::ifstream file(path);
+    std::string password;
+    if (!std::getline(file, password) || password.empty())
+        throw HostError(ExitStatus::Input,
+                        path + ": no password can be read from it; write it into the first line");
+    if (!password.empty() && password.back() == '\r') password.pop_back();
+    if (password.size() > kLongest)
+        throw HostError(ExitStatus::Input, path + ": its first line is too long for a password");
+    return password;
 }
 
 /// Says what is good to know, where anybody listens: the document is there all the same.
@@ -58,7 +71,11 @@ void Mention(const std::string &text) {
 
 ExitStatus Print(const JobOptions &options) {
     CheckOptions(options);
-    const std::vector<SourceFile> files(options.files.begin(), options.files.end());
+    PDFOptions pdf = options.pdf;
+    if (!options.passwordFile.empty()) pdf.password = ReadPassword(options.passwordFile);
+    std::vector<SourceFile> files;
+    for (const std::string &path : options.files)
+        files.emplace_back(path, pdf);
     const DriverBundle bundle(options.bundle);
     bundle.KeepFreedMemory(kKeptBytes);
     std::optional<WindowSystem> windows;

@@ -86,8 +86,7 @@ std::string Details(const JobPlan &plan) {
     text += Shown("%.4g x %.4g points", plan.media.width, plan.media.height);
     text += Shown(" at %.4g x %.4g dpi", plan.grid.dpiX, plan.grid.dpiY);
     text += std::string(", ") + NameOfColourSpace(plan.colourSpace);
-    if (plan.colourSpace == kZELColourSpaceCMYK && plan.pixels != DocumentPixels::CMYK)
-        text += " by " + (plan.separation.empty() ? "Standard" : plan.separation);
+    if (plan.Separates()) text += " by " + (plan.separation.empty() ? "Standard" : plan.separation);
     return text + PlacementText(plan);
 }
 
@@ -97,9 +96,9 @@ json JobAsJSON(const JobPlan &plan) {
     job["format"] = plan.eps ? "eps" : "ps";
     job["colour_space"] = NameOfColourSpace(plan.colourSpace);
     if (plan.colourSpace == kZELColourSpaceCMYK)
-        job["separation"] = plan.pixels == DocumentPixels::CMYK ? json(nullptr)
-                            : plan.separation.empty()           ? json("Standard")
-                                                                : json(plan.separation);
+        job["separation"] = !plan.Separates()         ? json(nullptr)
+                            : plan.separation.empty() ? json("Standard")
+                                                      : json(plan.separation);
     job["pages"] = plan.pages.size();
     job["copies"] = plan.copies;
     job["media"] = {{"name", plan.media.custom ? json(nullptr) : json(plan.media.name)},

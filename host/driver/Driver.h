@@ -34,6 +34,9 @@
     X(ZELPrCopyPrinter)                                                                            \
     X(ZELPrDialogFailed)                                                                           \
     X(ZELPrCancelDialog)                                                                           \
+    X(ZELPrCreateSeparation)                                                                       \
+    X(ZELPrSeparate)                                                                               \
+    X(ZELPrReleaseSeparation)                                                                      \
     X(ZELPrSetSendToPrintQueue)                                                                    \
     X(ZELPrDocumentLength)                                                                         \
     X(ZELPrCopyUsersPrinter)                                                                       \

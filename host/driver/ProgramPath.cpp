@@ -11,8 +11,9 @@ std::string &ProgramPath() {
     return path;
 }
 
-/// Searches $PATH as the shell did.
-std::string SearchPath(const std::string &name) {
+} // namespace
+
+std::string FindInPath(const std::string &name) {
     const char *path = getenv("PATH");
     std::string rest = path ? path : "";
     while (!rest.empty()) {
@@ -25,8 +26,6 @@ std::string SearchPath(const std::string &name) {
     return {};
 }
 
-} // namespace
-
 std::string RealPath(const std::string &path) {
     char real[PATH_MAX];
     return realpath(path.c_str(), real) ? real : std::string();
@@ -34,7 +33,7 @@ std::string RealPath(const std::string &path) {
 
 void SetProgramPath(const char *argv0) {
     const std::string name = argv0 ? argv0 : "";
-    ProgramPath() = name.find('/') == std::string::npos ? SearchPath(name) : RealPath(name);
+    ProgramPath() = name.find('/') == std::string::npos ? FindInPath(name) : RealPath(name);
 }
 
 std::string FindBesideProgram(const std::string &name) {

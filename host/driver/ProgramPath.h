@@ -11,6 +11,10 @@ void SetProgramPath(const char *argv0);
 /// in one of the places an installation has for it. Empty when there is none.
 [[nodiscard]] std::string FindBesideProgram(const std::string &name);
 
+/// The absolute path of the program `name`, found in $PATH as a shell does; empty when there is
+/// none.
+[[nodiscard]] std::string FindInPath(const std::string &name);
+
 /// The absolute path without symbolic links; empty when there is nothing at `path`.
 [[nodiscard]] std::string RealPath(const std::string &path);
 

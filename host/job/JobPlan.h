@@ -34,6 +34,13 @@ struct ColourPlan {
     uint32_t colourSpace = kZELColourSpaceCMYK;
     std::string separation; ///< empty: "Standard", or no CMYK document
     DocumentPixels pixels = DocumentPixels::XRGB;
+    /// How ink and light belong together, for pages that are drawn; see PageTarget.
+    std::shared_ptr<const InkProfile> inks;
+
+    /// Whether light becomes ink anywhere in the document.
+    [[nodiscard]] bool Separates() const {
+        return colourSpace == kZELColourSpaceCMYK && (pixels != DocumentPixels::CMYK || inks);
+    }
 };
 
 /// The page as the driver takes it.

@@ -33,7 +33,7 @@ JobPlan SetUpJob(const DriverSession &session, const JobOptions &options,
     Record record(handle);
     PaperPlan paper = FitPaper(choices.printer, record);
     PageChoice pages = ChoosePages(session, options, files, handle);
-    ColourPlan colours = PlanColours(record, pages.pages);
+    ColourPlan colours = PlanColours(session.Bundle(), options, record, pages.pages);
     RasterPlan raster = PlanRaster(record, colours.colourSpace);
     Destination destination = PlanDestination(session, options, choices, files[0], paper.eps);
     JobPlan plan{std::move(pages), paper, std::move(colours), std::move(raster),

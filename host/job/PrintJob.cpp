@@ -51,6 +51,8 @@ public:
             for (int copy = 0; copy < mPlan.copies; ++copy)
                 for (const PageReference &page : mPlan.pages)
                     PrintPage(page, ++number);
+            for (const PageReference &page : mPlan.pages)
+                page.file->Finish();
         } catch (...) {
             mDriver.ZELPrSetError(mContext, kZELUnexpectedFailure);
             (void)mDriver.ZELPrCloseDoc(mContext);

@@ -3,6 +3,7 @@
 #include "host/command/Console.h"
 #include "host/command/ExitStatus.h"
 #include "host/job/PageRange.h"
+#include "host/separations/DriverSeparation.h"
 #include <algorithm>
 #include <utility>
 
@@ -35,6 +36,39 @@ RecordPage TruePage(const PrinterModel &printer, const PaperPlan &plan, RecordPa
     page = {named->name, false, named->Width(), named->Height()};
     if (plan.rotated && !plan.turned) std::swap(page.width, page.height);
     return page;
+}
+
+bool IsDrawn(const PageReference &page) {
+    return page.file->Kind() == FileKind::PDF;
+}
+
+/// One document has one kind of pixels: ink if every page comes in ink.
+DocumentPixels PixelsForInk(const JobOptions &options, const std::vector<PageReference> &pages) {
+    const auto isInk = [&options](const PageReference &page) {
+        return IsDrawn(page) ? !options.separatePDF
+                             : page.file->Describe(page.page).kind == PixelKind::CMYK;
+    };
+    const auto count = std::count_if(pages.begin(), pages.end(), isInk);
+    if (count == static_cast<std::ptrdiff_t>(pages.size())) return DocumentPixels::CMYK;
+    if (count > 0)
+        Complain("CMYK and other images in one document: the CMYK ones are converted and "
+                 "separated anew; print them by themselves to keep them as they are");
+    return DocumentPixels::XRGB;
+}
+
+/// Who draws in ink has to use the document's separation; who draws ink in light, and not as a
+/// press would, has to know how.
+bool NeedsInkProfile(const JobOptions &options, DocumentPixels pixels) {
+    return pixels == DocumentPixels::CMYK ||
+           (pixels == DocumentPixels::XRGB && options.pdf.look == CMYKLook::Plain);
+}
+
+std::shared_ptr<const InkProfile> ProfileOf(const DriverBundle &bundle, const std::string &name) {
+    const DriverSeparation separation(bundle, name);
+    return std::make_shared<InkProfile>(
+        MakeInkProfile([&separation](const uint8_t *light, size_t count, uint8_t *ink) {
+            separation.Separate(light, count, ink);
+        }));
 }
 
 } // namespace
@@ -76,24 +110,18 @@ PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
     return choice;
 }
 
-ColourPlan PlanColours(const Record &record, const std::vector<PageReference> &pages) {
+ColourPlan PlanColours(const DriverBundle &bundle, const JobOptions &options, const Record &record,
+                       const std::vector<PageReference> &pages) {
     ColourPlan plan;
     plan.colourSpace = record.ColourSpace();
     if (plan.colourSpace == kZELColourSpaceGray) plan.pixels = DocumentPixels::Darkness;
-    if (plan.colourSpace != kZELColourSpaceCMYK) return plan;
-    plan.separation = record.Separation();
-    if (plan.separation == "Standard") plan.separation.clear();
-    const auto isCMYK = [](const PageReference &reference) {
-        return reference.file->Kind() != FileKind::PDF &&
-               reference.file->Describe(reference.page).kind == PixelKind::CMYK;
-    };
-    const auto count = std::count_if(pages.begin(), pages.end(), isCMYK);
-    if (count == static_cast<std::ptrdiff_t>(pages.size()))
-        plan.pixels = DocumentPixels::CMYK;
-    else if (count > 0)
-        // One document has one kind of pixels.
-        Complain("CMYK and other images in one document: the CMYK ones are converted and "
-                 "separated anew; print them by themselves to keep them as they are");
+    if (plan.colourSpace == kZELColourSpaceCMYK) {
+        plan.separation = record.Separation();
+        if (plan.separation == "Standard") plan.separation.clear();
+        plan.pixels = PixelsForInk(options, pages);
+    }
+    if (NeedsInkProfile(options, plan.pixels) && std::any_of(pages.begin(), pages.end(), IsDrawn))
+        plan.inks = ProfileOf(bundle, plan.separation);
     return plan;
 }
 

@@ -17,7 +17,9 @@
                                      const std::vector<SourceFile> &files, Handle record);
 
 /// The record's colours, and the pixels in which the driver gets the pages.
-[[nodiscard]] ColourPlan PlanColours(const Record &record, const std::vector<PageReference> &pages);
+/// Throws HostError when a separation that is needed for them cannot be loaded.
+[[nodiscard]] ColourPlan PlanColours(const DriverBundle &bundle, const JobOptions &options,
+                                     const Record &record, const std::vector<PageReference> &pages);
 
 /// The page's pixels; the record's resolution is corrected to give exactly these. Throws HostError
 /// (Usage) when there is nothing to print on.

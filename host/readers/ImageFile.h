@@ -5,6 +5,7 @@
 
 #include "host/job/PageLayout.h"
 #include "host/readers/PackPixels.h"
+#include "host/separations/InkProfile.h"
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -54,6 +55,8 @@ struct PageTarget {
     PageGrid grid;           ///< the driver's page
     PagePlacement placement; ///< there; `turned` lays the page on its left side
     DocumentPixels pixels = DocumentPixels::XRGB;
+    /// The document's way from light to ink and back, for readers that draw; null for others.
+    std::shared_ptr<const InkProfile> inks = nullptr;
 };
 
 /// What counts of a page when it is placed.
@@ -79,6 +82,9 @@ public:
     /// Page `page` for a page of the driver's. Nothing is read yet but the header. No rows: this
     /// reader cannot prepare the page so, another must.
     [[nodiscard]] virtual PageImage OpenPage(int page, const PageTarget &target) = 0;
+    /// After the rows of the last page that is wanted: throws HostError (Input) when it turns out
+    /// only now that they are not what the file holds.
+    virtual void Finish() {}
 };
 
 /// Says that page `page` of a file cannot be read, and why. Throws HostError (Input).

@@ -3,6 +3,7 @@
 #include "host/command/ExitStatus.h"
 #include "host/readers/ImageModule.h"
 #include "host/readers/PlainTIFF.h"
+#include "host/readers/pdf/PDFFile.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -11,6 +12,9 @@
 #include <unistd.h>
 
 namespace {
+
+/// Readers of PDF files look for their beginning so far.
+constexpr size_t kHeadBytes = 1024;
 
 [[noreturn]] void Refuse(const std::string &path, const std::string &why) {
     throw HostError(ExitStatus::Input, path + ": " + why);
@@ -26,7 +30,7 @@ std::string ReadHead(const std::string &path) {
     if (info.st_size == 0) Refuse(path, "the file is empty");
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) Refuse(path, std::string(strerror(errno)) + "; check its permissions");
-    char head[16];
+    char head[kHeadBytes];
     const ssize_t count = read(fd, head, sizeof head);
     (void)close(fd);
     if (count < 0) Refuse(path, strerror(errno));
@@ -48,6 +52,11 @@ bool IsPNM(const std::string &head) {
            strchr(" \t\r\n#", head[2]);
 }
 
+/// A program, whose pages nobody can count or put in their place before it has run.
+bool IsPostScript(const std::string &head) {
+    return head.compare(0, 2, "%!") == 0 || head.compare(0, 4, "\xC5\xD0\xD3\xC6") == 0;
+}
+
 std::optional<FileKind> KindOf(const std::string &head) {
     const auto starts = [&head](const char *magic, size_t size) {
         return head.compare(0, size, magic, size) == 0;
@@ -55,15 +64,20 @@ std::optional<FileKind> KindOf(const std::string &head) {
     if (IsTIFF(head)) return FileKind::TIFF;
     if (starts("\x89PNG\r\n\x1a\n", 8)) return FileKind::PNG;
     if (starts("\xff\xd8\xff", 3)) return FileKind::JPEG;
-    if (starts("%PDF", 4)) return FileKind::PDF;
+    if (head.find("%PDF-") != std::string::npos) return FileKind::PDF;
     if (IsPNM(head)) return FileKind::PNM;
     return std::nullopt;
 }
 
 } // namespace
 
-SourceFile::SourceFile(std::string path) : mPath(std::move(path)) {
-    const std::optional<FileKind> kind = KindOf(ReadHead(mPath));
+SourceFile::SourceFile(std::string path, PDFOptions options)
+    : mPath(std::move(path)), mOptions(std::move(options)) {
+    const std::string head = ReadHead(mPath);
+    const std::optional<FileKind> kind = KindOf(head);
+    if (!kind && IsPostScript(head))
+        Refuse(mPath, "PostScript and EPS are programs, whose pages cannot be counted or placed "
+                      "before they run; convert it to PDF, with ps2pdf");
     if (!kind) Refuse(mPath, "not a TIFF, PNG, JPEG, PNM or PDF file; convert it to one of these");
     mKind = *kind;
     if (mKind == FileKind::TIFF) mPlain = OpenPlainTIFF(mPath);
@@ -75,7 +89,10 @@ ImageFile &SourceFile::Any() const {
 }
 
 ImageFile &SourceFile::Full() const {
-    if (!mFull) mFull = OpenWithModule(mPath, mKind);
+    if (!mFull && mKind == FileKind::PDF)
+        mFull = std::make_unique<PDFFile>(mPath, mOptions);
+    else if (!mFull)
+        mFull = OpenWithModule(mPath, mKind);
     return *mFull;
 }
 
@@ -93,4 +110,9 @@ PageImage SourceFile::OpenPage(int page, const PageTarget &target) const {
         if (image.rows) return image;
     }
     return Full().OpenPage(page, target);
+}
+
+void SourceFile::Finish() const {
+    if (mPlain) mPlain->Finish();
+    if (mFull) mFull->Finish();
 }

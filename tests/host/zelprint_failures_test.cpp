@@ -147,7 +147,7 @@ TEST_F(BadFile, Unreadable) {
 TEST_F(BadFile, OtherContents) {
     ExpectUnreadable("empty.png", "", "empty");
     ExpectUnreadable("text.png", "hello, world", "not a TIFF");
-    ExpectUnreadable("script.ps", "%!PS\nshowpage\n", "not a TIFF");
+    ExpectUnreadable("script.ps", "%!PS\nshowpage\n", "PostScript and EPS are programs");
     ExpectUnreadable("zeros.tif", std::string(100, '\0'), "not a TIFF");
 }
 

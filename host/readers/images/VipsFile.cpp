@@ -42,7 +42,7 @@ void TakeShape(VipsImage *image, ImageSize &size) {
 
 } // namespace
 
-VipsImagePtr VipsFile::Load(int page, double scale, bool sequential) const {
+VipsImagePtr VipsFile::Load(int page, bool sequential) const {
     const VipsAccess access = sequential ? VIPS_ACCESS_SEQUENTIAL : VIPS_ACCESS_RANDOM;
     const VipsFailOn failOn = VIPS_FAIL_ON_ERROR;
     const char *path = mPath.c_str();
@@ -62,9 +62,7 @@ VipsImagePtr VipsFile::Load(int page, double scale, bool sequential) const {
         case FileKind::PNM:
             result = LoadPNM(path, access, &image);
             break;
-        case FileKind::PDF:
-            result = vips_pdfload(path, &image, "page", page, "scale", scale, "access", access,
-                                  "fail_on", failOn, nullptr);
+        case FileKind::PDF: // not an image
             break;
     }
     VipsImagePtr loaded(image);
@@ -74,25 +72,21 @@ VipsImagePtr VipsFile::Load(int page, double scale, bool sequential) const {
 
 int VipsFile::PageCount() {
     if (mPageCount == 0) {
-        const VipsImagePtr image = Load(0, 1.0, true);
+        const VipsImagePtr image = Load(0, true);
         mPageCount = std::max(1, vips_image_get_n_pages(image.get()));
     }
     return mPageCount;
 }
 
 SourcePage VipsFile::Describe(int page) {
-    const VipsImagePtr image = Load(page, 1.0, true);
+    const VipsImagePtr image = Load(page, true);
     if (mPageCount == 0) mPageCount = std::max(1, vips_image_get_n_pages(image.get()));
     SourcePage result;
-    result.kind = mKind == FileKind::PDF ? PixelKind::RGB : KindOfPixels(image.get());
-    result.orientation = mKind == FileKind::PDF ? 1 : vips_image_get_orientation(image.get());
+    result.kind = KindOfPixels(image.get());
+    result.orientation = vips_image_get_orientation(image.get());
     result.size.width = vips_image_get_width(image.get());
     result.size.height = vips_image_get_height(image.get());
-    if (mKind == FileKind::PDF) {
-        result.drawnWidth = result.size.width;
-        result.drawnHeight = result.size.height;
-        result.size.dpiX = result.size.dpiY = 72;
-    } else if (HasResolution(image.get(), mKind, mPath)) {
+    if (HasResolution(image.get(), mKind, mPath)) {
         result.size.dpiX = vips_image_get_xres(image.get()) * kMMPerInch;
         result.size.dpiY = vips_image_get_yres(image.get()) * kMMPerInch;
     } else if (mKind != FileKind::JPEG) {

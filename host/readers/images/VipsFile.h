@@ -9,14 +9,13 @@ class VipsFile : public ImageFile {
 public:
     VipsFile(std::string path, FileKind kind) : mPath(std::move(path)), mKind(kind) {}
 
-    [[nodiscard]] FileKind Kind() const { return mKind; }
     [[nodiscard]] int PageCount() override;
     [[nodiscard]] SourcePage Describe(int page) override;
     [[nodiscard]] PageImage OpenPage(int page, const PageTarget &target) override;
 
-    /// Opens page `page` as it is in the file. `scale` enlarges a PDF page (1: 72 dpi) and is
-    /// ignored for images. A `sequential` image can only be read once, from top to bottom.
-    [[nodiscard]] VipsImagePtr Load(int page, double scale, bool sequential) const;
+    /// Opens page `page` as it is in the file. A `sequential` image can only be read once, from top
+    /// to bottom.
+    [[nodiscard]] VipsImagePtr Load(int page, bool sequential) const;
 
     /// A HostError that says that page `page` cannot be read, with what libvips has to say.
     [[noreturn]] void ThrowUnreadable(int page) const;

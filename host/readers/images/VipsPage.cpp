@@ -144,64 +144,20 @@ void ConvertColours(Chain &chain, PixelKind kind, DocumentPixels target) {
     KeepBands(chain, vips_image_get_bands(chain.Get()) < 3 ? 1 : 3);
 }
 
-/// A row more or less, by rounding, is no reason to resample what was drawn.
-void TrimDrawing(Chain &chain, const Placement &place) {
-    const int width = vips_image_get_width(chain.Get());
-    const int height = vips_image_get_height(chain.Get());
-    if (width == place.scaledWidth && height == place.scaledHeight) return;
-    constexpr int kRounding = 2;
-    if (std::abs(width - place.scaledWidth) > kRounding ||
-        std::abs(height - place.scaledHeight) > kRounding)
-        Resize(chain, place.scaledWidth, place.scaledHeight);
-    else
-        chain.Apply([&place](VipsImage *in, VipsImage **out) {
-            return vips_embed(in, out, 0, 0, place.scaledWidth, place.scaledHeight, "extend",
-                              VIPS_EXTEND_WHITE, nullptr);
-        });
-}
+} // namespace
 
-/// Drawings are drawn in the size that they have on the page.
-VipsPage OpenDrawing(const VipsFile &file, int page, const SourcePage &source,
-                     const PageTarget &target) {
-    const bool turned = target.placement.turned;
-    VipsPage result;
-    result.placement = LayOut(target.grid, source.size, target.placement);
-    const Placement &place = result.placement;
-    const double across = turned ? source.size.height : source.size.width;
-    const double down = turned ? source.size.width : source.size.height;
-    const double scale = std::max(place.scaledWidth / across, place.scaledHeight / down);
-    Chain chain(file, page, file.Load(page, scale, !turned));
-    MakeUpright(chain, 1, turned);
-    Flatten(chain);
-    TrimDrawing(chain, place);
-    Crop(chain, place);
-    result.pixels = chain.Take();
-    return result;
-}
-
-VipsPage OpenPicture(const VipsFile &file, int page, const SourcePage &source,
-                     const PageTarget &target) {
+VipsPage OpenVipsPage(const VipsFile &file, int page, const SourcePage &source,
+                      const PageTarget &target) {
     const bool turned = target.placement.turned;
     VipsPage result;
     result.placement = LayOut(target.grid, source.size, target.placement);
     const bool inOrder = source.orientation <= 2 && !turned;
-    Chain chain(file, page, file.Load(page, 1.0, inOrder));
+    Chain chain(file, page, file.Load(page, inOrder));
     MakeUpright(chain, source.orientation, turned);
     Flatten(chain);
     if (!result.placement.pixelByPixel)
         Resize(chain, result.placement.scaledWidth, result.placement.scaledHeight);
     Crop(chain, result.placement);
-    result.pixels = chain.Take();
-    return result;
-}
-
-} // namespace
-
-VipsPage OpenVipsPage(const VipsFile &file, int page, const SourcePage &source,
-                      const PageTarget &target) {
-    VipsPage result = source.drawnWidth > 0 ? OpenDrawing(file, page, source, target)
-                                            : OpenPicture(file, page, source, target);
-    Chain chain(file, page, std::move(result.pixels));
     ConvertColours(chain, source.kind, target.pixels);
     result.pixels = chain.Take();
     return result;

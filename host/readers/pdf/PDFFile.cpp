@@ -1,0 +1,84 @@
+#include "host/readers/pdf/PDFFile.h"
+
+#include "host/command/Console.h"
+#include "host/readers/pdf/PDFPages.h"
+#include "host/readers/pdf/PDFRenderer.h"
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+
+namespace {
+
+constexpr double kPointsPerInch = 72;
+constexpr double kMostPoints = 1e9;
+
+int WholePoints(double points) {
+    return static_cast<int>(std::clamp(std::round(points), 1.0, kMostPoints));
+}
+
+class PDFRows : public PageRows {
+public:
+    PDFRows(std::shared_ptr<PDFRenderer> renderer, const PDFPageJob &page)
+        : PageRows(renderer->Drawing().grid.width, renderer->Drawing().grid.height,
+                   renderer->Bands()),
+          mRenderer(std::move(renderer)), mPage(page) {}
+
+    void Read(const Take &take) override { mRenderer->Draw(mPage, take, mStopped); }
+    void Stop() override { mStopped = true; }
+
+private:
+    std::shared_ptr<PDFRenderer> mRenderer;
+    PDFPageJob mPage;
+    std::atomic<bool> mStopped = false;
+};
+
+} // namespace
+
+PDFFile::PDFFile(std::string path, PDFOptions options)
+    : mPath(std::move(path)), mOptions(std::move(options)), mPages(ReadPDFPages(mPath, mOptions)) {}
+
+PDFFile::~PDFFile() = default;
+
+SourcePage PDFFile::Describe(int page) {
+    const PDFPage &source = mPages.at(static_cast<size_t>(page));
+    SourcePage result;
+    result.size = {WholePoints(source.width), WholePoints(source.height), kPointsPerInch,
+                   kPointsPerInch};
+    result.drawnWidth = source.width;
+    result.drawnHeight = source.height;
+    return result;
+}
+
+/// Once for a file: where ink does not stay ink.
+void PDFFile::TellOfBlending(int page) {
+    if (mBlendingIsTold || !mPages.at(static_cast<size_t>(page)).transparent) return;
+    if (!mBlendedInRGB) mBlendedInRGB = ReadPagesBlendedInRGB(mPath, mOptions, mPages);
+    const std::vector<int> &pages = *mBlendedInRGB;
+    if (std::find(pages.begin(), pages.end(), page + 1) == pages.end()) return;
+    mBlendingIsTold = true;
+    std::string which = "page " + std::to_string(page + 1);
+    if (pages.size() > 1) which += " (one of " + std::to_string(pages.size()) + " such pages)";
+    Complain(mPath + ": " + which +
+             " is blended in RGB, as the file demands of its transparency: its inks, black text "
+             "too, are separated anew");
+}
+
+PageImage PDFFile::OpenPage(int page, const PageTarget &target) {
+    const PDFDrawing drawing = {target.grid, target.pixels, target.inks};
+    if (target.pixels == DocumentPixels::CMYK) TellOfBlending(page);
+    if (!mRenderer || !mRenderer->IsUsable() || !(mRenderer->Drawing() == drawing))
+        mRenderer = std::make_shared<PDFRenderer>(mPath, mOptions, drawing);
+    const PDFPage &source = mPages.at(static_cast<size_t>(page));
+    const PDFPageJob job = {page + 1, source, MatrixOf(target.grid, source, target.placement)};
+    PageImage image;
+    image.rows = std::make_shared<PDFRows>(mRenderer, job);
+    Placement &place = image.placement;
+    place.width = place.scaledWidth = target.grid.width;
+    place.height = place.scaledHeight = target.grid.height;
+    return image;
+}
+
+void PDFFile::Finish() {
+    if (mRenderer) mRenderer->Finish();
+    mRenderer = nullptr;
+}

@@ -1,0 +1,133 @@
+#include "host/readers/pdf/PDFPages.h"
+
+#include "host/command/ExitStatus.h"
+#include "host/readers/pdf/Ghostscript.h"
+#include "host/readers/pdf/PDFMessages.h"
+#include <algorithm>
+#include <cstdio>
+#include <sstream>
+
+namespace {
+
+/// Tells the number of pages and every page's entries, a line each.
+const char kProgram[] = R"(
+/zelNumber { dup type dup /integertype eq exch /realtype eq or not { pop 0 } if =only ( ) print }
+bind def
+/zelBox {
+    2 copy known { get } { pop pop [] } ifelse
+    dup type /arraytype eq { dup length 4 ne } { true } ifelse { pop [0 0 0 0] } if
+    { zelNumber } forall
+} bind def
+(zelprint pages ) print pdfpagecount = flush
+1 1 pdfpagecount {
+    pdfgetpage dup type /dicttype ne { pop 0 dict } if
+    (zelprint page ) print
+    dup /MediaBox zelBox dup /CropBox zelBox
+    dup /Rotate known { dup /Rotate get } { 0 } ifelse zelNumber
+    dup /UserUnit known { dup /UserUnit get } { 1 } ifelse zelNumber
+    /UsesTransparency 2 copy known { get true eq } { pop pop false } ifelse { 1 } { 0 } ifelse =
+} for
+flush quit
+)";
+
+/// Tells the numbers of the pages with a transparency group in RGB. The usual interpreter says
+/// nothing of groups; the older one, which knows this program's words, lets look into the file.
+const char kGroupProgram[] = R"(
+/zelIsRGB {
+    dup type /arraytype eq {
+        dup 0 oget dup /ICCBased eq {
+            pop 1 oget /N knownoget { 3 eq } { false } ifelse
+        } { exch pop /CalRGB eq } ifelse
+    } { /DeviceRGB eq } ifelse
+} bind def
+1 1 pdfpagecount {
+    dup pdfgetpage /Group knownoget {
+        /CS knownoget { zelIsRGB { (zelprint rgb ) print dup = } if } if
+    } if
+    pop
+} for
+flush quit
+)";
+
+/// What the program tells.
+class PageList {
+public:
+    void Add(const std::string &line) {
+        mMessages.Add(line);
+        std::istringstream text(line);
+        std::string name, what;
+        text >> name >> what;
+        if (name != "zelprint") return;
+        if (what == "pages") text >> mCount;
+        if (what == "page") AddPage(text);
+    }
+
+    [[nodiscard]] bool IsWhole() const { return mCount > 0 && mPages.size() == mCount; }
+    [[nodiscard]] std::vector<PDFPage> Take() { return std::move(mPages); }
+    [[nodiscard]] const PDFMessages &Messages() const { return mMessages; }
+
+private:
+    void AddPage(std::istream &text) {
+        PDFPageEntry entry;
+        for (PDFBox *box : {&entry.media, &entry.crop})
+            text >> box->left >> box->bottom >> box->right >> box->top;
+        text >> entry.rotation >> entry.userUnit >> entry.transparent;
+        if (text) mPages.push_back(MakePDFPage(entry));
+    }
+
+    size_t mCount = 0;
+    std::vector<PDFPage> mPages;
+    PDFMessages mMessages;
+};
+
+[[noreturn]] void Refuse(const std::string &path, const std::string &why) {
+    throw HostError(ExitStatus::Input, path + ": " + why);
+}
+
+[[noreturn]] void ThrowUnreadable(const std::string &path, const std::string &password,
+                                  const PDFMessages &messages, const std::string &end) {
+    // A wrong password for some kinds of encryption crashes the renderer.
+    const bool crashed = !password.empty() && end.find("signal") != std::string::npos;
+    if (messages.IsWrongPassword() || crashed)
+        Refuse(path, "the password does not open it; correct the file named by --password-file");
+    if (messages.NeedsPassword())
+        Refuse(path, "it is encrypted; write its password into a file and name that with "
+                     "--password-file");
+    std::string why = messages.Lost().empty() ? messages.Last() : messages.Lost();
+    if (why.empty() || why.find("zelprint") == 0) why = end.empty() ? "it has no pages" : end;
+    Refuse(path, "its pages cannot be read (" + why + "); the file is damaged or no PDF file");
+}
+
+} // namespace
+
+std::vector<PDFPage> ReadPDFPages(const std::string &path, const PDFOptions &options) {
+    GhostscriptPlan plan;
+    plan.path = path;
+    plan.password = options.password;
+    plan.arguments = {"-q", "-dNODISPLAY"};
+    plan.program = kProgram;
+    PageList pages;
+    const std::string end =
+        RunGhostscript(plan, [&pages](const std::string &line) { pages.Add(line); });
+    if (!pages.IsWhole()) ThrowUnreadable(path, options.password, pages.Messages(), end);
+    return pages.Take();
+}
+
+std::vector<int> ReadPagesBlendedInRGB(const std::string &path, const PDFOptions &options,
+                                       const std::vector<PDFPage> &pages) {
+    std::vector<int> numbers;
+    const auto transparent = [](const PDFPage &page) { return page.transparent; };
+    if (std::none_of(pages.begin(), pages.end(), transparent)) return numbers;
+    GhostscriptPlan plan;
+    plan.path = path;
+    plan.password = options.password;
+    plan.arguments = {"-q", "-dNODISPLAY", "-dNEWPDF=false"};
+    plan.program = kGroupProgram;
+    (void)RunGhostscript(plan, [&](const std::string &line) {
+        size_t number = 0;
+        if (sscanf(line.c_str(), "zelprint rgb %zu", &number) == 1 && number >= 1 &&
+            number <= pages.size() && pages[number - 1].transparent)
+            numbers.push_back(static_cast<int>(number));
+    });
+    return numbers;
+}
