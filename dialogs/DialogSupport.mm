@@ -121,6 +121,7 @@ void BeginAlertSheet(NSAlert *alert, NSWindow *window, id delegate, SEL didEnd) 
 
 void BeginPanelSheet(NSSavePanel *panel, NSWindow *window, NSURL *folder, NSString *name,
                      id delegate, SEL didEnd) {
+    PrepareToolkitPanel(panel);
     [panel beginSheetForDirectory:[folder path]
                              file:name
                    modalForWindow:window

@@ -8,5 +8,8 @@
 /// Repairs the controls below a view that has just been read from an interface file.
 void PrepareToolkitView(NSView *view);
 
+/// Repairs a file panel before it is shown.
+void PrepareToolkitPanel(NSSavePanel *panel);
+
 /// Sounds the alert sound at once, also in a host that runs no event loop.
 void SoundToolkitBeep(void);

@@ -3,6 +3,7 @@
 #import "dialogs/DialogSupport.h"
 #import "dialogs/gnustep/PopUpMenu.h"
 #import "dialogs/gnustep/Theme.h"
+#import "dialogs/gnustep/ThemePanels.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -289,6 +290,8 @@ void PrepareToolkitView(NSView *view) {
     for (NSView *sub in [view subviews])
         PrepareToolkitView(sub);
 }
+
+void PrepareToolkitPanel(NSSavePanel *panel) { UseThemePanel(panel); }
 
 void SoundToolkitBeep(void) {
     NSBeep();

@@ -9,4 +9,6 @@ BOOL EnsureApplication(void) {
 
 void PrepareToolkitView(NSView *) {}
 
+void PrepareToolkitPanel(NSSavePanel *) {}
+
 void SoundToolkitBeep(void) { NSBeep(); }

@@ -1,5 +1,7 @@
 #import "dialogs/gnustep/MenuList.h"
 
+#import "dialogs/gnustep/FittedText.h"
+
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -59,14 +61,6 @@ static constexpr size_t kMeasuredTitles = 50;
 
 #pragma mark Place
 
-- (NSDictionary *)attributesWithColour:(NSColor *)colour {
-    NSMutableParagraphStyle *style = [[[NSMutableParagraphStyle alloc] init] autorelease];
-    [style setLineBreakMode:NSLineBreakByTruncatingTail];
-    return [NSDictionary dictionaryWithObjectsAndKeys:[self font], NSFontAttributeName, colour,
-                                                      NSForegroundColorAttributeName, style,
-                                                      NSParagraphStyleAttributeName, nil];
-}
-
 - (CGFloat)widthOfTitles {
     std::vector<NSString *> titles;
     for (NSMenuItem *item in [[self menu] itemArray])
@@ -74,7 +68,8 @@ static constexpr size_t kMeasuredTitles = 50;
     const size_t measured = std::min(titles.size(), kMeasuredTitles);
     std::partial_sort(titles.begin(), titles.begin() + (ptrdiff_t)measured, titles.end(),
                       [](NSString *a, NSString *b) { return [a length] > [b length]; });
-    NSDictionary *attributes = [self attributesWithColour:[NSColor blackColor]];
+    NSDictionary *attributes = [NSDictionary dictionaryWithObject:[self font]
+                                                           forKey:NSFontAttributeName];
     CGFloat width = 0;
     for (size_t i = 0; i < measured; ++i)
         width = std::max(width, [titles[i] sizeWithAttributes:attributes].width);
@@ -239,11 +234,10 @@ static constexpr size_t kMeasuredTitles = 50;
         colour = [NSColor disabledControlTextColor];
     }
     if (index == _tickedRow) [self drawTickIn:row colour:colour];
-    NSDictionary *attributes = [self attributesWithColour:colour];
-    const CGFloat height = [[item title] sizeWithAttributes:attributes].height;
-    const NSRect title = NSMakeRect(NSMinX(row) + kTickWidth, std::floor(NSMidY(row) - height / 2),
-                                    NSWidth(row) - kTickWidth - kScrollerWidth, height);
-    [[item title] drawInRect:title withAttributes:attributes];
+    DrawFittedText([item title],
+                   NSMakeRect(NSMinX(row) + kTickWidth, NSMinY(row),
+                              NSWidth(row) - kTickWidth - kScrollerWidth, NSHeight(row)),
+                   [self font], colour, NSLeftTextAlignment);
 }
 
 - (void)drawScroller {

@@ -1,9 +1,9 @@
 #import "dialogs/gnustep/PopUpMenu.h"
 
+#import "dialogs/gnustep/FittedText.h"
 #import "dialogs/gnustep/MenuList.h"
 #import "dialogs/gnustep/MenuTracking.h"
 
-#include <cmath>
 #include <initializer_list>
 #include <objc/runtime.h>
 
@@ -40,17 +40,10 @@
     constexpr CGFloat kMargin = 8, kChevrons = 20;
     NSColor *colour =
         [self isEnabled] ? [NSColor controlTextColor] : [NSColor disabledControlTextColor];
-    NSMutableParagraphStyle *style = [[[NSMutableParagraphStyle alloc] init] autorelease];
-    [style setLineBreakMode:NSLineBreakByTruncatingTail];
-    NSDictionary *attributes =
-        [NSDictionary dictionaryWithObjectsAndKeys:[self font], NSFontAttributeName, colour,
-                                                   NSForegroundColorAttributeName, style,
-                                                   NSParagraphStyleAttributeName, nil];
-    NSString *title = [[self selectedItem] title];
-    const CGFloat height = [title sizeWithAttributes:attributes].height;
-    const NSRect room = NSMakeRect(NSMinX(frame) + kMargin, std::floor(NSMidY(frame) - height / 2),
-                                   NSWidth(frame) - kMargin - kChevrons, height);
-    [title drawInRect:room withAttributes:attributes];
+    DrawFittedText([[self selectedItem] title],
+                   NSMakeRect(NSMinX(frame) + kMargin, NSMinY(frame),
+                              NSWidth(frame) - kMargin - kChevrons, NSHeight(frame)),
+                   [self font], colour, NSLeftTextAlignment);
     [colour set];
     [self drawChevronsIn:NSMakeRect(NSMaxX(frame) - kChevrons, NSMinY(frame), kChevrons - 2,
                                     NSHeight(frame))];

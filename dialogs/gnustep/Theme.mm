@@ -1,6 +1,8 @@
 #import "dialogs/gnustep/Theme.h"
 
+#import "dialogs/gnustep/FittedText.h"
 #import "dialogs/gnustep/ThemeAlerts.h"
+#import "dialogs/gnustep/ThemePanels.h"
 
 #import <GNUstepGUI/GSTheme.h>
 #include <algorithm>
@@ -188,20 +190,11 @@ static NSColor *ButtonBorder(NSCell *cell) {
 
 /// White on the default button, and with an ellipsis where it is too long.
 - (NSRect)drawTitle:(NSAttributedString *)title withFrame:(NSRect)frame inView:(NSView *)view {
-    const NSRange all = NSMakeRange(0, [title length]);
-    if (all.length == 0) return frame;
-    NSMutableAttributedString *shown = [[title mutableCopy] autorelease];
-    NSMutableParagraphStyle *style = [[[NSMutableParagraphStyle alloc] init] autorelease];
-    [style setAlignment:[self alignment]];
-    [style setLineBreakMode:NSLineBreakByTruncatingTail];
-    [shown addAttribute:NSParagraphStyleAttributeName value:style range:all];
-    if (IsDefault(self))
-        [shown addAttribute:NSForegroundColorAttributeName value:[NSColor whiteColor] range:all];
-    const CGFloat height = [shown size].height;
-    const NSRect room =
-        NSMakeRect(NSMinX(frame), std::floor(NSMidY(frame) - height / 2), NSWidth(frame), height);
-    [shown drawInRect:room];
-    return room;
+    NSColor *colour =
+        [self isEnabled] ? [NSColor controlTextColor] : [NSColor disabledControlTextColor];
+    if (IsDefault(self)) colour = [NSColor whiteColor];
+    DrawFittedText([title string], frame, [self font], colour, [self alignment]);
+    return frame;
 }
 
 @end
@@ -274,9 +267,50 @@ static BOOL HasEditor(NSView *view) {
     if (HasEditor(view)) DrawRing(frame, kFieldRadius);
 }
 
-- (NSColor *)toolbarBorderColor {
-    return [NSColor controlShadowColor];
+#pragma mark File panels
+
+- (NSButtonCell *)cellForScrollerArrow:(NSScrollerArrow)part horizontal:(BOOL)horizontal {
+    return [self scrollerCell:part == NSScrollerDecrementArrow ? kThemeLess : kThemeMore
+                   horizontal:horizontal];
 }
+- (NSCell *)cellForScrollerKnob:(BOOL)horizontal {
+    return [self scrollerCell:kThemeKnob horizontal:horizontal];
+}
+- (NSCell *)cellForScrollerKnobSlot:(BOOL)horizontal {
+    return [self scrollerCell:kThemeSlot horizontal:horizontal];
+}
+
+/// The theme owns the cells: a scroller does not retain them.
+- (NSButtonCell *)scrollerCell:(ThemeScrollerPart)part horizontal:(BOOL)horizontal {
+    NSButtonCell *cell = ThemeScrollerCell(part, horizontal);
+    [self setName:@"ZELScroller" forElement:cell temporary:YES];
+    return cell;
+}
+
+- (NSColor *)browserHeaderTextColor {
+    return [NSColor controlTextColor];
+}
+
+- (void)drawBrowserHeaderCell:(NSTableHeaderCell *)cell
+                    withFrame:(NSRect)frame
+                       inView:(NSView *)view {
+    [Grey(0.92) set];
+    NSRectFill(frame);
+    DrawFrame(frame);
+}
+
+- (void)drawBrowserInteriorWithFrame:(NSRect)frame
+                            withCell:(NSBrowserCell *)cell
+                              inView:(NSView *)view
+                           withImage:(NSImage *)image
+                      alternateImage:(NSImage *)alternateImage
+                       isHighlighted:(BOOL)isHighlighted
+                               state:(int)state
+                              isLeaf:(BOOL)isLeaf {
+    DrawThemeBrowserRow(frame, cell, view, isHighlighted || state != 0, image != nil);
+}
+
+#pragma mark Bezels
 
 // Everywhere else a frame of one pixel takes the place of light and shadow.
 

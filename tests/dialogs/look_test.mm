@@ -44,6 +44,25 @@ int LastInk(NSView *view, int width) {
     return -1;
 }
 
+/// Has a column of a view's picture dark ink in its upper half?
+bool HasInkAbove(NSView *view, int column) {
+    NSBitmapImageRep *shot = Shot(view);
+    for (NSInteger y = 3; y < [shot pixelsHigh] / 2; ++y)
+        if ([[shot colorAtX:column y:y] brightnessComponent] < 0.5) return true;
+    return false;
+}
+
+/// Views of a kind that are to be seen, in a view.
+int VisibleViews(NSView *view, Class kind) {
+    int count = 0;
+    for (NSView *sub in [view subviews]) {
+        if ([sub isHidden]) continue;
+        if ([sub isKindOfClass:kind]) ++count;
+        count += VisibleViews(sub, kind);
+    }
+    return count;
+}
+
 NSTextField *FieldWith(NSWindow *window, const std::string &text) {
     for (NSView *view in [[window contentView] subviews])
         if ([view isKindOfClass:[NSTextField class]] && Text(view) == text)
@@ -105,9 +124,12 @@ TEST_F(StyleFlow, Look_LongTitles_EndBeforeTheChevronAndTheBorder) {
         const int width = (int)NSWidth([popup bounds]);
         EXPECT_GT(LastInk(popup, width - 22), width / 2);
         EXPECT_LT(LastInk(popup, width - 15), width - 19);
+        // The dots of an ellipsis, and no half letter.
+        EXPECT_FALSE(HasInkAbove(popup, LastInk(popup, width - 15)));
         NSButton *button = [Controller() choosePPDButton];
         [button setTitle:[@"" stringByPaddingToLength:80 withString:@"W" startingAtIndex:0]];
         EXPECT_LT(LastInk(button, 1000), NSWidth([button bounds]) - 3);
+        EXPECT_FALSE(HasInkAbove(button, LastInk(button, 1000)));
     });
     Press(@"Cancel");
     Run();
@@ -150,6 +172,20 @@ TEST_F(StyleFlow, Look_Alert_HasTextOfNormalSizeAndNoEmptyHalf) {
         EXPECT_EQ(AccentPixels(cancel), 0);
         TakePicture(alert, "look-alert");
         PressButton(alert, @"Cancel");
+    });
+    Press(@"Cancel");
+    Run();
+}
+
+TEST_F(StyleFlow, Look_FilePanel_HasRoomForFilesAndNoLogo) {
+    WhenOpen([] { PressLater([Controller() choosePPDButton]); });
+    WhenAbove([] {
+        NSWindow *panel = WindowAboveDialog();
+        EXPECT_EQ(VisibleViews([panel contentView], [NSImageView class]), 0);
+        EXPECT_GE(NSWidth([[panel contentView] bounds]), 600);
+        EXPECT_EQ([FindButton(panel, @"OK") image], nil);
+        TakePicture(panel, "look-panel");
+        PressButton(panel, @"Cancel");
     });
     Press(@"Cancel");
     Run();
