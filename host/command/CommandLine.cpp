@@ -59,12 +59,13 @@ void AddPlacementOptions(CLI::App &app, JobOptions &options) {
 void AddJobOptions(CLI::App &app, JobOptions &options) {
     // As everywhere, the last of several says what holds.
     app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-    Choice(app, "FILE", options.files, "", "TIFF, PNG, JPEG and PNM images and PDF files")
+    Choice(app, "FILE", options.files, "", "images and PDF files; - is standard input")
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.option_defaults()->group("What to print");
     app.add_option("-n,--copies", options.copies, "number of copies, 1 to 999")
         ->type_name("N")
         ->check(CLI::Range(1, 999).description(""));
+    app.add_flag("--each", options.each, "make each file a document of its own");
     Choice(app, "-P,--pages", options.pageRange, "LIST", "pages to print, such as 1-4,7,9-");
     app.add_option("-t,--title", options.title, "title of the document, and base of its file name");
 
@@ -105,6 +106,10 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
                    "give up a PDF page that takes longer to draw")
         ->type_name("SECONDS")
         ->check(CLI::Range(1, 1000000).description(""));
+    app.add_option("--intent", options.intent,
+                   "how CMYK pictures become light in RGB and Gray; relative if not said")
+        ->transform(CLI::Validator(OneOf({"perceptual", "relative", "saturation", "absolute"}), ""))
+        ->type_name("perceptual|relative|saturation|absolute");
     Switch(app, "--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
     Switch(app, "--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
     Switch(app, "--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");

@@ -12,6 +12,7 @@
 
 struct JobOptions {
     std::vector<std::string> files;
+    bool each = false;  ///< a document for each file
     std::string bundle; ///< --bundle; empty: found by itself
 
     std::optional<int> copies;
@@ -24,6 +25,7 @@ struct JobOptions {
     std::optional<std::string> resolution;
     std::optional<std::string> separation;
     std::optional<uint32_t> colourSpace; ///< kZELColourSpace...
+    uint32_t intent = 1;                 ///< ColourIntent, relative
     std::optional<bool> eps;
     std::optional<bool> rotate;
     std::optional<bool> flipH;

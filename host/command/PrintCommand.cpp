@@ -1,6 +1,7 @@
 #include "host/command/PrintCommand.h"
 
 #include "host/command/Console.h"
+#include "host/command/EachCommand.h"
 #include "host/command/Report.h"
 #include "host/job/Dialogs.h"
 #include "host/job/JobSetup.h"
@@ -34,19 +35,28 @@ void CheckOptions(const JobOptions &options) {
 void CheckPNMFiles(const std::vector<SourceFile> &files) {
     for (const SourceFile &file : files) {
         if (file.Kind() != FileKind::PNM) continue;
-        CheckPNM(file.Path());
+        CheckPNM(file.ReadablePath());
         // Other programs print every image of such a file.
-        if (HasSecondPNMImage(file.Path()))
+        if (HasSecondPNMImage(file.ReadablePath()))
             Complain(file.Path() +
                      ": it holds several images, and only the first is printed; split it with "
                      "pamsplit to print them all");
     }
 }
 
+void TellOfFrames(const std::vector<SourceFile> &files) {
+    for (const SourceFile &file : files)
+        if (const int frames = file.FurtherFrames(); frames > 0)
+            Complain(file.Path() + ": of its " + std::to_string(frames + 1) +
+                     " pictures only the first is printed; save the others as files to print them");
+}
+
 /// Loading the image module takes as long as opening the driver: both are done at the same time.
-void StartModule(const std::vector<SourceFile> &files) {
+void StartModule(const std::vector<SourceFile> &files, bool each) {
     const auto needsModule = [](const SourceFile &file) { return file.NeedsModule(); };
-    if (std::any_of(files.begin(), files.end(), needsModule)) StartImageModule(false);
+    const auto needsPlugIn = [](const SourceFile &file) { return file.Kind() == FileKind::HEIF; };
+    if (std::any_of(files.begin(), files.end(), needsModule))
+        StartImageModule(each || std::any_of(files.begin(), files.end(), needsPlugIn));
 }
 
 /// The first line of a file. An argument would be everybody's to read.
@@ -80,8 +90,9 @@ ExitStatus Print(const JobOptions &options) {
     bundle.KeepFreedMemory(kKeptBytes);
     std::optional<WindowSystem> windows;
     if (options.pageSetup || options.printDialog) windows.emplace(bundle);
-    StartModule(files);
+    StartModule(files, options.each);
     CheckPNMFiles(files);
+    TellOfFrames(files);
     const DriverSession session(bundle, PPDOfJob(options));
     const RecordHandle record(sizeof(PSHPrint));
     const JobPlan plan = SetUpJob(session, options, files, record.Get());
@@ -103,6 +114,8 @@ ExitStatus Print(const JobOptions &options) {
 } // namespace
 
 ExitStatus PrintCommand(const JobOptions &options) {
+    if (options.each && !options.files.empty())
+        return PrintEach(options, [](const JobOptions &one) { (void)Print(one); });
     try {
         return Print(options);
     } catch (const HostError &error) {

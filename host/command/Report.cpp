@@ -159,7 +159,9 @@ std::string DryRunAsJSON(const JobPlan &plan) {
     return Dump(job);
 }
 
-std::string ErrorAsJSON(const HostError &error) {
-    return Dump(
-        {{"error", {{"status", static_cast<int>(error.Status())}, {"message", error.what()}}}});
+std::string ErrorAsJSON(const HostError &error, const std::string &file) {
+    json failure = {
+        {"error", {{"status", static_cast<int>(error.Status())}, {"message", error.what()}}}};
+    if (!file.empty()) failure["file"] = file;
+    return Dump(failure);
 }

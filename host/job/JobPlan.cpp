@@ -18,8 +18,8 @@ const char *NameOfColourSpace(uint32_t colourSpace) {
 }
 
 PageTarget JobPlan::TargetOf(const PageReference &page) const {
-    return {grid, turned ? TurnPlacement(page.placement, area.width) : page.placement, pixels,
-            inks};
+    return {grid, turned ? TurnPlacement(page.placement, area.width) : page.placement, pixels, inks,
+            intent};
 }
 
 uint64_t JobPlan::PageBytes() const {

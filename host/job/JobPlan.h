@@ -41,6 +41,7 @@ struct ColourPlan {
     [[nodiscard]] bool Separates() const {
         return colourSpace == kZELColourSpaceCMYK && (pixels != DocumentPixels::CMYK || inks);
     }
+    ColourIntent intent = ColourIntent::Relative; ///< from ink to light
 };
 
 /// The page as the driver takes it.

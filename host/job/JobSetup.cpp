@@ -34,6 +34,7 @@ JobPlan SetUpJob(const DriverSession &session, const JobOptions &options,
     PaperPlan paper = FitPaper(choices.printer, record);
     PageChoice pages = ChoosePages(session, options, files, handle);
     ColourPlan colours = PlanColours(session.Bundle(), options, record, pages.pages);
+    colours.intent = static_cast<ColourIntent>(options.intent);
     RasterPlan raster = PlanRaster(record, colours.colourSpace);
     Destination destination = PlanDestination(session, options, choices, files[0], paper.eps);
     JobPlan plan{std::move(pages), paper, std::move(colours), std::move(raster),

@@ -2,6 +2,7 @@
 
 #include "host/command/Progress.h"
 #include "host/job/Cancellation.h"
+#include "host/job/PageCache.h"
 #include "host/job/Settings.h"
 #include "host/readers/RowReader.h"
 #include "host/separations/Separations.h"
@@ -49,7 +50,7 @@ public:
         try {
             int number = 0;
             for (int copy = 0; copy < mPlan.copies; ++copy)
-                for (const PageReference &page : mPlan.pages)
+                for (size_t page = 0; page < mPlan.pages.size(); ++page)
                     PrintPage(page, ++number);
             for (const PageReference &page : mPlan.pages)
                 page.file->Finish();
@@ -71,11 +72,17 @@ private:
         if (code != kZELNoError) ThrowDriverFailure(mSession, mPlan, code);
     }
 
-    void PrintPage(const PageReference &source, int number) {
-        const PageImage image = source.file->OpenPage(source.page, mPlan.TargetOf(source));
+    void PrintPage(size_t page, int number) {
+        const PageReference &source = mPlan.pages[page];
+        PageImage image;
+        const bool kept = mCache.Find(page);
+        if (!kept) image = source.file->OpenPage(source.page, mPlan.TargetOf(source));
         Check(mDriver.ZELPrOpenPage(mContext, nullptr, nullptr));
         try {
-            PrintBands(image, number);
+            if (kept)
+                PrintKeptBands(page, number);
+            else
+                PrintBands(image, page, number);
         } catch (...) {
             mDriver.ZELPrSetError(mContext, kZELUnexpectedFailure);
             (void)mDriver.ZELPrClosePage(mContext);
@@ -84,11 +91,28 @@ private:
         Check(mDriver.ZELPrClosePage(mContext));
     }
 
-    void PrintBands(const PageImage &image, int number) {
+    void PrintBands(const PageImage &image, size_t page, int number) {
         const Placement &place = image.placement;
+        // What is read as quickly again takes no room.
+        const bool keeps =
+            number <= mPlan.TotalPages() - static_cast<int>(mPlan.pages.size()) && !image.isQuick;
+        if (keeps) mCache.Begin(page, place);
         RowReader reader(image.rows, mPlan.pixels, mBandHeight);
         int top = 0;
         for (Rows rows = Next(reader); rows.count > 0; rows = Next(reader)) {
+            PrintBand(rows, top, place);
+            if (keeps) mCache.Add(rows);
+            top += rows.count;
+            mProgress.Show(number, top, place.height);
+        }
+        if (keeps) mCache.End();
+    }
+
+    void PrintKeptBands(size_t page, int number) {
+        const Placement place = *mCache.Find(page);
+        int top = 0;
+        for (Rows rows = mCache.Read(page, top); rows.count > 0; rows = mCache.Read(page, top)) {
+            StopIfCancelled();
             PrintBand(rows, top, place);
             top += rows.count;
             mProgress.Show(number, top, place.height);
@@ -127,6 +151,7 @@ private:
     DriverContext *mContext;
     int mBandHeight;
     Progress mProgress;
+    PageCache mCache;
 };
 
 class OpenFile {

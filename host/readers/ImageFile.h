@@ -12,7 +12,10 @@
 #include <memory>
 #include <string>
 
-enum class FileKind { TIFF, PNG, JPEG, PNM, PDF };
+enum class FileKind { TIFF, PNG, JPEG, PNM, WebP, GIF, JPEG2000, HEIF, SVG, PDF };
+
+/// How colours of ink become light: the rendering intents of ICC profiles, in their order.
+enum class ColourIntent { Perceptual, Relative, Saturation, Absolute };
 
 enum class PixelKind { Gray, RGB, CMYK };
 
@@ -20,6 +23,7 @@ struct SourcePage {
     ImageSize size; ///< upright, as it is to be looked at
     /// Size in points of a page that is drawn in any number of pixels; 0: it has `size` pixels.
     double drawnWidth = 0, drawnHeight = 0;
+    bool isPicture = true; ///< see DocumentPage
     PixelKind kind = PixelKind::RGB;
     int orientation = 1; ///< EXIF orientation that makes it upright
 };
@@ -57,6 +61,7 @@ struct PageTarget {
     DocumentPixels pixels = DocumentPixels::XRGB;
     /// The document's way from light to ink and back, for readers that draw; null for others.
     std::shared_ptr<const InkProfile> inks = nullptr;
+    ColourIntent intent = ColourIntent::Relative; ///< where ink becomes light
 };
 
 /// What counts of a page when it is placed.
@@ -64,7 +69,8 @@ struct PageTarget {
 
 struct PageImage {
     std::shared_ptr<PageRows> rows;
-    Placement placement; ///< where they go on the page; the size is theirs
+    Placement placement;  ///< where they go on the page; the size is theirs
+    bool isQuick = false; ///< to read them again costs no more than to keep them
 };
 
 /// An open file. Failures are HostErrors (Input) that name the file.
@@ -77,6 +83,9 @@ public:
 
     /// Number of pages, at least 1.
     [[nodiscard]] virtual int PageCount() = 0;
+    /// Number of pictures in the file that are no pages and left out, such as those of an
+    /// animation.
+    [[nodiscard]] virtual int FurtherFrames() { return 0; }
     /// Page `page`, counted from 0.
     [[nodiscard]] virtual SourcePage Describe(int page) = 0;
     /// Page `page` for a page of the driver's. Nothing is read yet but the header. No rows: this

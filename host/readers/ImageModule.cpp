@@ -48,7 +48,8 @@ void StartImageModule(bool withPlugIns) {
     Loading() = std::async(std::launch::async, Load).share();
 }
 
-std::unique_ptr<ImageFile> OpenWithModule(const std::string &path, FileKind kind) {
+std::unique_ptr<ImageFile> OpenWithModule(const std::string &path, FileKind kind,
+                                          const std::string &name) {
     StartImageModule(true);
-    return std::unique_ptr<ImageFile>(Loading().get()(path, kind));
+    return std::unique_ptr<ImageFile>(Loading().get()(path, kind, name));
 }

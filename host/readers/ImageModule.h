@@ -11,16 +11,18 @@
 /// time. Only the first call counts.
 void StartImageModule(bool withPlugIns);
 
-/// Opens a file with the module, started by now or not. Throws HostError when the module cannot be
-/// loaded.
-[[nodiscard]] std::unique_ptr<ImageFile> OpenWithModule(const std::string &path, FileKind kind);
+/// Opens a file with the module, started by now or not; people call it `name`. Throws HostError
+/// when the module cannot be loaded.
+[[nodiscard]] std::unique_ptr<ImageFile> OpenWithModule(const std::string &path, FileKind kind,
+                                                        const std::string &name);
 
 /// What the module exports.
 extern "C" {
 /// Starts libvips. Throws HostError.
 using ImageModuleStart = void();
 /// A new file; the caller owns it.
-using ImageModuleOpen = ImageFile *(const std::string &path, FileKind kind);
+using ImageModuleOpen = ImageFile *(const std::string &path, FileKind kind,
+                                    const std::string &name);
 }
 
 #endif

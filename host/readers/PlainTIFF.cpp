@@ -200,7 +200,7 @@ public:
         const bool ownColours =
             (source.kind == PixelKind::CMYK) == (target.pixels == DocumentPixels::CMYK);
         if (target.placement.turned || !ownColours || !placement.pixelByPixel) return {};
-        return {std::make_unique<PlainRows>(mPath, page, placement, source.kind), placement};
+        return {std::make_unique<PlainRows>(mPath, page, placement, source.kind), placement, true};
     }
 
 private:

@@ -2,6 +2,7 @@
 
 #include "host/command/ExitStatus.h"
 #include "host/readers/ImageModule.h"
+#include "host/readers/PictureKinds.h"
 #include "host/readers/PlainTIFF.h"
 #include "host/readers/pdf/PDFFile.h"
 #include <cerrno>
@@ -37,50 +38,31 @@ std::string ReadHead(const std::string &path) {
     return std::string(head, static_cast<size_t>(count));
 }
 
-/// Byte order, then 42 (or 43: BigTIFF) in it.
-bool IsTIFF(const std::string &head) {
-    if (head.size() < 4) return false;
-    const bool little = head[0] == 'I' && head[1] == 'I';
-    const bool big = head[0] == 'M' && head[1] == 'M';
-    const char version = little ? head[2] : head[3];
-    const char zero = little ? head[3] : head[2];
-    return (little || big) && zero == 0 && (version == 42 || version == 43);
-}
-
-bool IsPNM(const std::string &head) {
-    return head.size() > 2 && head[0] == 'P' && strchr("123456fF", head[1]) &&
-           strchr(" \t\r\n#", head[2]);
-}
-
 /// A program, whose pages nobody can count or put in their place before it has run.
 bool IsPostScript(const std::string &head) {
     return head.compare(0, 2, "%!") == 0 || head.compare(0, 4, "\xC5\xD0\xD3\xC6") == 0;
 }
 
 std::optional<FileKind> KindOf(const std::string &head) {
-    const auto starts = [&head](const char *magic, size_t size) {
-        return head.compare(0, size, magic, size) == 0;
-    };
-    if (IsTIFF(head)) return FileKind::TIFF;
-    if (starts("\x89PNG\r\n\x1a\n", 8)) return FileKind::PNG;
-    if (starts("\xff\xd8\xff", 3)) return FileKind::JPEG;
-    if (head.find("%PDF-") != std::string::npos) return FileKind::PDF;
-    if (IsPNM(head)) return FileKind::PNM;
-    return std::nullopt;
+    const std::optional<FileKind> picture = PictureKindOf(head);
+    if (picture && *picture != FileKind::SVG) return picture;
+    return head.find("%PDF-") != std::string::npos ? FileKind::PDF : picture;
 }
 
 } // namespace
 
-SourceFile::SourceFile(std::string path, PDFOptions options)
-    : mPath(std::move(path)), mOptions(std::move(options)) {
-    const std::string head = ReadHead(mPath);
+SourceFile::SourceFile(const std::string &path, PDFOptions options)
+    : mInput(TakeInput(path)), mOptions(std::move(options)) {
+    const std::string head = ReadHead(mInput.path);
     const std::optional<FileKind> kind = KindOf(head);
     if (!kind && IsPostScript(head))
-        Refuse(mPath, "PostScript and EPS are programs, whose pages cannot be counted or placed "
-                      "before they run; convert it to PDF, with ps2pdf");
-    if (!kind) Refuse(mPath, "not a TIFF, PNG, JPEG, PNM or PDF file; convert it to one of these");
+        Refuse(mInput.name, "PostScript and EPS are programs, whose pages cannot be counted or "
+                            "placed before they run; convert it to PDF, with ps2pdf");
+    if (!kind)
+        Refuse(mInput.name, "not a TIFF, PNG, JPEG, PNM, WebP, GIF, JPEG 2000, HEIF, AVIF, SVG or "
+                            "PDF file; convert it to one of these");
     mKind = *kind;
-    if (mKind == FileKind::TIFF) mPlain = OpenPlainTIFF(mPath);
+    if (mKind == FileKind::TIFF) mPlain = OpenPlainTIFF(mInput.path);
 }
 
 ImageFile &SourceFile::Any() const {
@@ -90,9 +72,9 @@ ImageFile &SourceFile::Any() const {
 
 ImageFile &SourceFile::Full() const {
     if (!mFull && mKind == FileKind::PDF)
-        mFull = std::make_unique<PDFFile>(mPath, mOptions);
+        mFull = std::make_unique<PDFFile>(mInput.path, mOptions);
     else if (!mFull)
-        mFull = OpenWithModule(mPath, mKind);
+        mFull = OpenWithModule(mInput.path, mKind, mInput.name);
     return *mFull;
 }
 
@@ -115,4 +97,8 @@ PageImage SourceFile::OpenPage(int page, const PageTarget &target) const {
 void SourceFile::Finish() const {
     if (mPlain) mPlain->Finish();
     if (mFull) mFull->Finish();
+}
+
+int SourceFile::FurtherFrames() const {
+    return MayHoldFrames(mKind) ? Full().FurtherFrames() : 0;
 }

@@ -3,6 +3,7 @@
 #define ZEL_HOST_SOURCEFILE_H
 
 #include "host/readers/ImageFile.h"
+#include "host/readers/SpooledInput.h"
 #include "host/readers/pdf/PDFOptions.h"
 
 /// Reads a plain TIFF file straight, has PDF files drawn by a renderer, and leaves everything else
@@ -10,10 +11,14 @@
 /// file.
 class SourceFile {
 public:
-    /// Checks that `path` is a regular, readable file of a known kind.
-    explicit SourceFile(std::string path, PDFOptions options = {});
+    /// Takes what comes from standard input ("-") or a pipe (see TakeInput), and checks that it, or
+    /// the regular file `path`, is readable and of a known kind.
+    explicit SourceFile(const std::string &path, PDFOptions options = {});
 
-    [[nodiscard]] const std::string &Path() const { return mPath; }
+    /// What people call it.
+    [[nodiscard]] const std::string &Path() const { return mInput.name; }
+    /// What readers open.
+    [[nodiscard]] const std::string &ReadablePath() const { return mInput.path; }
     [[nodiscard]] FileKind Kind() const { return mKind; }
     /// Whether even the first look at it takes the image module.
     [[nodiscard]] bool NeedsModule() const { return !mPlain && mKind != FileKind::PDF; }
@@ -25,11 +30,13 @@ public:
     [[nodiscard]] PageImage OpenPage(int page, const PageTarget &target) const;
     void Finish() const;
 
+    [[nodiscard]] int FurtherFrames() const;
+
 private:
     [[nodiscard]] ImageFile &Any() const;
     [[nodiscard]] ImageFile &Full() const;
 
-    std::string mPath;
+    InputFile mInput;
     PDFOptions mOptions;
     FileKind mKind = FileKind::TIFF;
     std::unique_ptr<ImageFile> mPlain;

@@ -7,6 +7,7 @@ ZEL_MODULE_EXPORT void ZELStartImageModule() {
     StartVips();
 }
 
-ZEL_MODULE_EXPORT ImageFile *ZELOpenImageFile(const std::string &path, FileKind kind) {
-    return new VipsFile(path, kind);
+ZEL_MODULE_EXPORT ImageFile *ZELOpenImageFile(const std::string &path, FileKind kind,
+                                              const std::string &name) {
+    return new VipsFile(path, kind, name);
 }

@@ -1,5 +1,6 @@
 #include "host/readers/images/VipsFile.h"
 
+#include "host/readers/PictureKinds.h"
 #include "host/readers/images/PNGUnit.h"
 #include "host/readers/images/PNMImage.h"
 #include "host/readers/images/VipsPage.h"
@@ -9,6 +10,10 @@
 namespace {
 
 constexpr double kMMPerInch = 25.4;
+constexpr double kPointsPerInch = 72;
+constexpr const char *kBitsPerSample = "bits-per-sample"; // libvips has a name for it from 8.15 on
+/// Pixels an inch of an SVG file, as CSS has them.
+constexpr double kSVGDpi = 96;
 
 PixelKind KindOfPixels(VipsImage *image) {
     switch (vips_image_guess_interpretation(image)) {
@@ -42,50 +47,111 @@ void TakeShape(VipsImage *image, ImageSize &size) {
 
 } // namespace
 
-VipsImagePtr VipsFile::Load(int page, bool sequential) const {
-    const VipsAccess access = sequential ? VIPS_ACCESS_SEQUENTIAL : VIPS_ACCESS_RANDOM;
-    const VipsFailOn failOn = VIPS_FAIL_ON_ERROR;
-    const char *path = mPath.c_str();
+/// One call of a libvips loader; `options` are its own.
+template <typename... Options>
+VipsImagePtr VipsFile::LoadWith(const char *loader, int page, bool sequential,
+                                Options... options) const {
     VipsImage *image = nullptr;
-    int result = -1;
-    switch (mKind) {
-        case FileKind::TIFF:
-            result = vips_tiffload(path, &image, "page", page, "access", access, "fail_on", failOn,
-                                   nullptr);
-            break;
-        case FileKind::PNG:
-            result = vips_pngload(path, &image, "access", access, "fail_on", failOn, nullptr);
-            break;
-        case FileKind::JPEG:
-            result = vips_jpegload(path, &image, "access", access, "fail_on", failOn, nullptr);
-            break;
-        case FileKind::PNM:
-            result = LoadPNM(path, access, &image);
-            break;
-        case FileKind::PDF: // not an image
-            break;
-    }
+    const VipsAccess access = sequential ? VIPS_ACCESS_SEQUENTIAL : VIPS_ACCESS_RANDOM;
+    const int result = vips_call(loader, mPath.c_str(), &image, "access", access, "fail_on",
+                                 VIPS_FAIL_ON_ERROR, options..., nullptr);
     VipsImagePtr loaded(image);
     if (result != 0) ThrowUnreadable(page);
     return loaded;
 }
 
-int VipsFile::PageCount() {
-    if (mPageCount == 0) {
-        const VipsImagePtr image = Load(0, true);
-        mPageCount = std::max(1, vips_image_get_n_pages(image.get()));
+VipsImagePtr VipsFile::Load(int page, double scale, bool sequential) const {
+    switch (mKind) {
+        case FileKind::TIFF:
+            return LoadWith("tiffload", page, sequential, "page", page);
+        case FileKind::PNG:
+            return LoadWith("pngload", page, sequential);
+        case FileKind::JPEG:
+            return LoadWith("jpegload", page, sequential);
+        case FileKind::WebP:
+            return LoadWith("webpload", page, sequential);
+        case FileKind::GIF:
+            return LoadWith("gifload", page, sequential);
+        case FileKind::JPEG2000:
+            return AtFullDepth(LoadWith("jp2kload", page, sequential));
+        case FileKind::HEIF:
+            return LoadWith("heifload", page, sequential, "page", PrimaryPicture());
+        case FileKind::SVG:
+            return LoadWith("svgload", page, sequential, "dpi", kSVGDpi, "scale", scale);
+        case FileKind::PNM:
+        case FileKind::PDF: // not an image
+            break;
     }
+    VipsImage *image = nullptr;
+    const VipsAccess access = sequential ? VIPS_ACCESS_SEQUENTIAL : VIPS_ACCESS_RANDOM;
+    const int result = LoadPNM(mPath.c_str(), access, &image);
+    VipsImagePtr loaded(image);
+    if (result != 0) ThrowUnreadable(page);
+    return loaded;
+}
+
+/// Which picture of a HEIF file stands for all of it.
+int VipsFile::PrimaryPicture() const {
+    const VipsImagePtr first = LoadWith("heifload", 0, true);
+    int primary = 0;
+    if (vips_image_get_typeof(first.get(), "heif-primary") == 0 ||
+        vips_image_get_int(first.get(), "heif-primary", &primary) != 0)
+        return 0;
+    return std::max(0, primary);
+}
+
+/// libvips leaves samples of 9 to 15 bits as they are, at the dark end of 16.
+VipsImagePtr VipsFile::AtFullDepth(VipsImagePtr image) const {
+    int bits = 0;
+    if (vips_image_get_format(image.get()) != VIPS_FORMAT_USHORT ||
+        vips_image_get_typeof(image.get(), kBitsPerSample) == 0 ||
+        vips_image_get_int(image.get(), kBitsPerSample, &bits) != 0 || bits < 9 || bits > 15)
+        return image;
+    VipsImage *shifted = nullptr;
+    if (vips_lshift_const1(image.get(), &shifted, 16 - bits, nullptr) != 0) ThrowUnreadable(0);
+    return VipsImagePtr(shifted);
+}
+
+int VipsFile::PageCount() {
+    if (mPageCount == 0) CountPages(Load(0, 1.0, true).get());
     return mPageCount;
 }
 
+int VipsFile::FurtherFrames() {
+    (void)PageCount();
+    return mFrames - 1;
+}
+
+void VipsFile::CountPages(VipsImage *image) {
+    // Those of JPEG 2000 are the same picture, smaller and smaller.
+    mFrames = mKind == FileKind::JPEG2000 ? 1 : std::max(1, vips_image_get_n_pages(image));
+    mPageCount = MayHoldFrames(mKind) ? 1 : mFrames;
+}
+
+/// The size of an SVG file, more exactly than in whole pixels.
+void VipsFile::MeasureDrawing(SourcePage &page) const {
+    constexpr int kSmall = 2000;
+    const double scale = std::max(page.size.width, page.size.height) < kSmall ? 8 : 1;
+    const VipsImagePtr large = Load(0, scale, true);
+    page.drawnWidth = vips_image_get_width(large.get()) / scale * kPointsPerInch / kSVGDpi;
+    page.drawnHeight = vips_image_get_height(large.get()) / scale * kPointsPerInch / kSVGDpi;
+    page.size.dpiX = page.size.dpiY = kSVGDpi;
+    page.kind = PixelKind::RGB;
+}
+
 SourcePage VipsFile::Describe(int page) {
-    const VipsImagePtr image = Load(page, true);
-    if (mPageCount == 0) mPageCount = std::max(1, vips_image_get_n_pages(image.get()));
+    const VipsImagePtr image = Load(page, 1.0, true);
+    if (mPageCount == 0) CountPages(image.get());
     SourcePage result;
     result.kind = KindOfPixels(image.get());
-    result.orientation = vips_image_get_orientation(image.get());
     result.size.width = vips_image_get_width(image.get());
     result.size.height = vips_image_get_height(image.get());
+    if (mKind == FileKind::SVG) {
+        MeasureDrawing(result);
+        return result;
+    }
+    // HEIF files are upright as they are read, whatever else is in them.
+    if (mKind != FileKind::HEIF) result.orientation = vips_image_get_orientation(image.get());
     if (HasResolution(image.get(), mKind, mPath)) {
         result.size.dpiX = vips_image_get_xres(image.get()) * kMMPerInch;
         result.size.dpiY = vips_image_get_yres(image.get()) * kMMPerInch;
@@ -101,11 +167,11 @@ SourcePage VipsFile::Describe(int page) {
 
 PageImage VipsFile::OpenPage(int page, const PageTarget &target) {
     VipsPage opened = OpenVipsPage(*this, page, Describe(page), target);
-    return {std::make_unique<VipsRows>(mPath, page, std::move(opened.pixels),
+    return {std::make_unique<VipsRows>(mName, page, std::move(opened.pixels),
                                        opened.placement.pixelByPixel),
-            opened.placement};
+            opened.placement, false};
 }
 
 void VipsFile::ThrowUnreadable(int page) const {
-    ::ThrowUnreadable(mPath, page, TakeVipsError());
+    ::ThrowUnreadable(mName, page, TakeVipsError());
 }

@@ -7,23 +7,37 @@
 
 class VipsFile : public ImageFile {
 public:
-    VipsFile(std::string path, FileKind kind) : mPath(std::move(path)), mKind(kind) {}
+    /// People call the file `name`.
+    VipsFile(std::string path, FileKind kind, std::string name)
+        : mPath(std::move(path)), mName(std::move(name)), mKind(kind) {}
+    VipsFile(const std::string &path, FileKind kind) : VipsFile(path, kind, path) {}
 
     [[nodiscard]] int PageCount() override;
+    [[nodiscard]] int FurtherFrames() override;
     [[nodiscard]] SourcePage Describe(int page) override;
     [[nodiscard]] PageImage OpenPage(int page, const PageTarget &target) override;
 
-    /// Opens page `page` as it is in the file. A `sequential` image can only be read once, from top
-    /// to bottom.
-    [[nodiscard]] VipsImagePtr Load(int page, bool sequential) const;
+    /// Opens page `page` as it is in the file. `scale` enlarges a drawing (1: 96 dots an
+    /// inch) and is ignored for images. A `sequential` image can only be read once, from top to
+    /// bottom.
+    [[nodiscard]] VipsImagePtr Load(int page, double scale, bool sequential) const;
 
     /// A HostError that says that page `page` cannot be read, with what libvips has to say.
     [[noreturn]] void ThrowUnreadable(int page) const;
 
 private:
-    std::string mPath;
+    template <typename... Options>
+    [[nodiscard]] VipsImagePtr LoadWith(const char *loader, int page, bool sequential,
+                                        Options... options) const;
+    [[nodiscard]] VipsImagePtr AtFullDepth(VipsImagePtr image) const;
+    [[nodiscard]] int PrimaryPicture() const;
+    void CountPages(VipsImage *image);
+    void MeasureDrawing(SourcePage &page) const;
+
+    std::string mPath, mName;
     FileKind mKind;
-    int mPageCount = 0;
+    int mPageCount = 0; ///< 0: not counted yet
+    int mFrames = 0;
 };
 
 #endif

@@ -94,18 +94,31 @@ bool HasForeignProfile(VipsImage *image) {
     return !IsNearlySRGB(data, size);
 }
 
-int ToSRGBByProfile(VipsImage *in, VipsImage **out) {
+static_assert(static_cast<int>(ColourIntent::Perceptual) == VIPS_INTENT_PERCEPTUAL &&
+                  static_cast<int>(ColourIntent::Relative) == VIPS_INTENT_RELATIVE &&
+                  static_cast<int>(ColourIntent::Saturation) == VIPS_INTENT_SATURATION &&
+                  static_cast<int>(ColourIntent::Absolute) == VIPS_INTENT_ABSOLUTE,
+              "the order of the intents");
+
+/// Ink darker than the darkest light would otherwise be gray: black point compensation, which has
+/// no place where colours are to be the same in every light.
+int ToSRGBByProfile(VipsImage *in, VipsImage **out, ColourIntent intent) {
     // The input profile is what counts when none is embedded, or when the embedded one is unfit.
     if (vips_image_guess_interpretation(in) == VIPS_INTERPRETATION_CMYK)
         return vips_icc_transform(in, out, "srgb", "embedded", TRUE, "input_profile", "cmyk",
-                                  "intent", VIPS_INTENT_RELATIVE, nullptr);
+                                  "intent", static_cast<VipsIntent>(intent),
+                                  "black_point_compensation", intent != ColourIntent::Absolute,
+                                  nullptr);
     return vips_icc_transform(in, out, "srgb", "embedded", TRUE, "intent", VIPS_INTENT_RELATIVE,
                               nullptr);
 }
 
-void ToLight(Chain &chain, PixelKind kind) {
+void ToLight(Chain &chain, PixelKind kind, ColourIntent intent) {
     const bool byProfile = kind == PixelKind::CMYK || HasForeignProfile(chain.Get());
-    if (byProfile && chain.TryApply(ToSRGBByProfile)) return;
+    const auto convert = [intent](VipsImage *in, VipsImage **out) {
+        return ToSRGBByProfile(in, out, intent);
+    };
+    if (byProfile && chain.TryApply(convert)) return;
     const VipsInterpretation wanted =
         kind == PixelKind::Gray ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB;
     if (vips_image_guess_interpretation(chain.Get()) == wanted) return;
@@ -133,32 +146,76 @@ void KeepBands(Chain &chain, int bands) {
     });
 }
 
-void ConvertColours(Chain &chain, PixelKind kind, DocumentPixels target) {
-    if (target == DocumentPixels::CMYK) {
+void ConvertColours(Chain &chain, PixelKind kind, const PageTarget &target) {
+    if (target.pixels == DocumentPixels::CMYK) {
         ToBytes(chain);
         KeepBands(chain, 4);
         return;
     }
-    ToLight(chain, kind);
+    ToLight(chain, kind, target.intent);
     ToBytes(chain);
     KeepBands(chain, vips_image_get_bands(chain.Get()) < 3 ? 1 : 3);
+}
+
+/// A row more or less, by rounding, is no reason to resample what was drawn.
+void TrimDrawing(Chain &chain, const Placement &place) {
+    const int width = vips_image_get_width(chain.Get());
+    const int height = vips_image_get_height(chain.Get());
+    if (width == place.scaledWidth && height == place.scaledHeight) return;
+    constexpr int kRounding = 2;
+    if (std::abs(width - place.scaledWidth) > kRounding ||
+        std::abs(height - place.scaledHeight) > kRounding)
+        Resize(chain, place.scaledWidth, place.scaledHeight);
+    else
+        chain.Apply([&place](VipsImage *in, VipsImage **out) {
+            return vips_embed(in, out, 0, 0, place.scaledWidth, place.scaledHeight, "extend",
+                              VIPS_EXTEND_WHITE, nullptr);
+        });
+}
+
+/// Drawings are drawn in the size that they have on the page.
+VipsPage OpenDrawing(const VipsFile &file, int page, const SourcePage &source,
+                     const PageTarget &target) {
+    const bool turned = target.placement.turned;
+    VipsPage result;
+    result.placement = LayOut(target.grid, source.size, target.placement);
+    const Placement &place = result.placement;
+    const double across = turned ? source.size.height : source.size.width;
+    const double down = turned ? source.size.width : source.size.height;
+    const double scale = std::max(place.scaledWidth / across, place.scaledHeight / down);
+    Chain chain(file, page, file.Load(page, scale, !turned));
+    MakeUpright(chain, 1, turned);
+    Flatten(chain);
+    TrimDrawing(chain, place);
+    Crop(chain, place);
+    result.pixels = chain.Take();
+    return result;
+}
+
+VipsPage OpenPicture(const VipsFile &file, int page, const SourcePage &source,
+                     const PageTarget &target) {
+    const bool turned = target.placement.turned;
+    VipsPage result;
+    result.placement = LayOut(target.grid, source.size, target.placement);
+    const bool inOrder = source.orientation <= 2 && !turned;
+    Chain chain(file, page, file.Load(page, 1.0, inOrder));
+    MakeUpright(chain, source.orientation, turned);
+    Flatten(chain);
+    if (!result.placement.pixelByPixel)
+        Resize(chain, result.placement.scaledWidth, result.placement.scaledHeight);
+    Crop(chain, result.placement);
+    result.pixels = chain.Take();
+    return result;
 }
 
 } // namespace
 
 VipsPage OpenVipsPage(const VipsFile &file, int page, const SourcePage &source,
                       const PageTarget &target) {
-    const bool turned = target.placement.turned;
-    VipsPage result;
-    result.placement = LayOut(target.grid, source.size, target.placement);
-    const bool inOrder = source.orientation <= 2 && !turned;
-    Chain chain(file, page, file.Load(page, inOrder));
-    MakeUpright(chain, source.orientation, turned);
-    Flatten(chain);
-    if (!result.placement.pixelByPixel)
-        Resize(chain, result.placement.scaledWidth, result.placement.scaledHeight);
-    Crop(chain, result.placement);
-    ConvertColours(chain, source.kind, target.pixels);
+    VipsPage result = source.drawnWidth > 0 ? OpenDrawing(file, page, source, target)
+                                            : OpenPicture(file, page, source, target);
+    Chain chain(file, page, std::move(result.pixels));
+    ConvertColours(chain, source.kind, target);
     result.pixels = chain.Take();
     return result;
 }

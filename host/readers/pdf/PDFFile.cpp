@@ -1,6 +1,7 @@
 #include "host/readers/pdf/PDFFile.h"
 
 #include "host/command/Console.h"
+#include "host/readers/SpooledInput.h"
 #include "host/readers/pdf/PDFPages.h"
 #include "host/readers/pdf/PDFRenderer.h"
 #include <algorithm>
@@ -44,6 +45,7 @@ SourcePage PDFFile::Describe(int page) {
     SourcePage result;
     result.size = {WholePoints(source.width), WholePoints(source.height), kPointsPerInch,
                    kPointsPerInch};
+    result.isPicture = false;
     result.drawnWidth = source.width;
     result.drawnHeight = source.height;
     return result;
@@ -58,7 +60,7 @@ void PDFFile::TellOfBlending(int page) {
     mBlendingIsTold = true;
     std::string which = "page " + std::to_string(page + 1);
     if (pages.size() > 1) which += " (one of " + std::to_string(pages.size()) + " such pages)";
-    Complain(mPath + ": " + which +
+    Complain(NameOfInput(mPath) + ": " + which +
              " is blended in RGB, as the file demands of its transparency: its inks, black text "
              "too, are separated anew");
 }

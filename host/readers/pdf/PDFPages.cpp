@@ -1,6 +1,7 @@
 #include "host/readers/pdf/PDFPages.h"
 
 #include "host/command/ExitStatus.h"
+#include "host/readers/SpooledInput.h"
 #include "host/readers/pdf/Ghostscript.h"
 #include "host/readers/pdf/PDFMessages.h"
 #include <algorithm>
@@ -81,7 +82,7 @@ private:
 };
 
 [[noreturn]] void Refuse(const std::string &path, const std::string &why) {
-    throw HostError(ExitStatus::Input, path + ": " + why);
+    throw HostError(ExitStatus::Input, NameOfInput(path) + ": " + why);
 }
 
 [[noreturn]] void ThrowUnreadable(const std::string &path, const std::string &password,

@@ -2,6 +2,7 @@
 
 #include "host/command/Console.h"
 #include "host/command/ExitStatus.h"
+#include "host/readers/SpooledInput.h"
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -231,8 +232,9 @@ void PDFRenderer::Judge() {
     if (!mMessages.Lost().empty()) ThrowLost(mMessages.Lost());
     if (!mMessages.Repaired().empty() && !mToldRepair) {
         mToldRepair = true;
-        Complain(mPath + ": page " + std::to_string(mPage) + " has errors that were repaired (" +
-                 mMessages.Repaired() + "); look at what was printed");
+        Complain(NameOfInput(mPath) + ": page " + std::to_string(mPage) +
+                 " has errors that were repaired (" + mMessages.Repaired() +
+                 "); look at what was printed");
     }
     mMessages.Clear();
 }
@@ -244,7 +246,7 @@ std::string PDFRenderer::WhyLost() const {
 }
 
 void PDFRenderer::ThrowLost(const std::string &why) const {
-    throw HostError(ExitStatus::Input, mPath + ": page " + std::to_string(mPage) +
+    throw HostError(ExitStatus::Input, NameOfInput(mPath) + ": page " + std::to_string(mPage) +
                                            " cannot be drawn whole (" + why +
                                            "); nothing was printed");
 }

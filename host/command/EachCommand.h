@@ -1,0 +1,15 @@
+/// One document for each file of a command line (--each).
+#ifndef ZEL_HOST_EACHCOMMAND_H
+#define ZEL_HOST_EACHCOMMAND_H
+
+#include "host/command/ExitStatus.h"
+#include "host/command/JobOptions.h"
+#include <functional>
+
+/// Calls `print` for one file after the other. What fails is complained about, and the others are
+/// printed all the same, unless the user cancels. The status of the first failure. Throws HostError
+/// (Usage) when the options make no sense for several documents.
+[[nodiscard]] ExitStatus PrintEach(const JobOptions &options,
+                                   const std::function<void(const JobOptions &)> &print);
+
+#endif
