@@ -153,7 +153,8 @@ static void DrawTick(NSRect mark, BOOL isFlipped) {
 
 void UseDrawnMark(NSButtonCell *cell, BOOL isRound) {
     if (![cell isMemberOfClass:[NSButtonCell class]]) return;
-    object_setClass(cell, isRound ? [ZELRadioCell class] : [ZELCheckCell class]);
+    object_setClass(cell, [ZELCheckCell class]);
+    if (isRound) object_setClass(cell, [ZELRadioCell class]);
     // Nothing but a place for the mark.
     const NSSize size = NSMakeSize(kMarkLeft + kMark + kMarkGap, kMark + 6);
     NSImage *place = [[[NSImage alloc] initWithSize:size] autorelease];
@@ -265,6 +266,11 @@ static BOOL HasEditor(NSView *view) {
     DrawPlate(frame, kFieldRadius, isOff ? Grey(0.96) : [NSColor textBackgroundColor],
               isOff ? Grey(0.84) : Grey(0.72), view);
     if (HasEditor(view)) DrawRing(frame, kFieldRadius);
+}
+
+/// Text keeps clear of the round corners.
+- (NSSize)sizeForBorderType:(NSBorderType)type {
+    return type == NSBezelBorder ? NSMakeSize(5, 2) : [super sizeForBorderType:type];
 }
 
 #pragma mark File panels

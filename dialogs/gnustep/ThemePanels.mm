@@ -147,6 +147,26 @@ static NSBrowser *BrowserIn(NSView *view) {
     return nil;
 }
 
+/// Wide enough for their titles in any language.
+static void WidenButtons(NSView *view) {
+    constexpr CGFloat kWidth = 104, kGap = 10;
+    const CGFloat right = NSMaxX([view bounds]) - 8;
+    for (NSView *sub in [view subviews]) {
+        if ([sub isKindOfClass:[NSButton class]]) {
+            const NSInteger tag = [sub tag];
+            NSRect frame = [sub frame];
+            if (tag == NSFileHandlingPanelOKButton)
+                frame = NSMakeRect(right - kWidth, NSMinY(frame), kWidth, NSHeight(frame));
+            if (tag == NSFileHandlingPanelCancelButton)
+                frame =
+                    NSMakeRect(right - 2 * kWidth - kGap, NSMinY(frame), kWidth, NSHeight(frame));
+            if (tag == NSFileHandlingPanelHomeButton) frame.origin.x = 8;
+            [sub setFrame:frame];
+        }
+        WidenButtons(sub);
+    }
+}
+
 void UseThemePanel(NSSavePanel *panel) {
     if (!IsThemeInUse()) return;
     const NSSize least = NSMakeSize(600, 420), now = [[panel contentView] bounds].size;
@@ -158,5 +178,6 @@ void UseThemePanel(NSSavePanel *panel) {
     const NSRect room = [[browser superview] bounds];
     [browser setFrame:NSMakeRect(NSMinX(room) + 8, NSMinY(room) + 4, NSWidth(room) - 16,
                                  NSHeight(room) - 12)];
+    WidenButtons([panel contentView]);
     UseThemeButtons([panel contentView]);
 }
