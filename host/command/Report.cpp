@@ -160,8 +160,10 @@ std::string DryRunAsJSON(const JobPlan &plan) {
 }
 
 std::string ErrorAsJSON(const HostError &error, const std::string &file) {
-    json failure = {
-        {"error", {{"status", static_cast<int>(error.Status())}, {"message", error.what()}}}};
+    json failure = {{"error",
+                     {{"status", static_cast<int>(error.Status())},
+                      {"message", error.what()},
+                      {"about", error.About()}}}};
     if (!file.empty()) failure["file"] = file;
     return Dump(failure);
 }

@@ -12,7 +12,7 @@
 [[nodiscard]] std::string DryRunAsText(const JobPlan &plan);
 [[nodiscard]] std::string DryRunAsJSON(const JobPlan &plan);
 
-/// {"error":{"status":n,"message":s}}, and "file" if one is told.
+/// {"error":{"status":n,"message":s,"about":s}}, and "file" if one is told.
 [[nodiscard]] std::string ErrorAsJSON(const HostError &error, const std::string &file = {});
 
 #endif

@@ -76,7 +76,7 @@ DriverSession::DriverSession(const DriverBundle &bundle, const std::string &ppd)
             bundle.Bundle(), MakeFileURL(ppd, false).Get(), &mContext, message.Out());
     }
     if (message)
-        throw HostError(ExitStatus::Input,
+        throw HostError(ExitStatus::Input, kAboutPrinter,
                         ppd + ": refused as a PPD file: " + WhyRefused(ppd, message.Get()));
     if (code != kZELNoError || !mContext)
         throw HostError(ExitStatus::Driver,

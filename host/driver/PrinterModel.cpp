@@ -127,7 +127,7 @@ std::string WhyRefused(const std::string &ppd, CFStringRef message) {
 
 void CheckPPDName(const std::string &ppd) {
     if (access(ppd.c_str(), R_OK) != 0)
-        throw HostError(ExitStatus::Input,
+        throw HostError(ExitStatus::Input, kAboutPrinter,
                         ppd + ": " + strerror(errno) + "; check the name of the PPD file");
 }
 
@@ -148,7 +148,7 @@ PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd
     const CFOwner<CFDictionaryRef> info(
         ZEL_CALL(bundle, ZELPrCopyPrinterInfo)(url.Get(), message.Out()));
     if (!info)
-        throw HostError(ExitStatus::Input,
+        throw HostError(ExitStatus::Input, kAboutPrinter,
                         ppd + ": refused as a PPD file: " + WhyRefused(ppd, message.Get()));
     PrinterModel model = ModelOf(info.Get());
     model.builtIn = ppd.empty();

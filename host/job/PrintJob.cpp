@@ -20,7 +20,7 @@ constexpr std::chrono::milliseconds kPatience{50};
 [[noreturn]] void ThrowDriverFailure(const DriverSession &session, const JobPlan &plan,
                                      int32_t code) {
     if (code == kZELFileNotFound && !plan.separation.empty())
-        throw HostError(ExitStatus::Input,
+        throw HostError(ExitStatus::Input, kAboutSeparation,
                         "the separation \"" + plan.separation + "\" cannot be loaded: " +
                             SeparationProblem(session.Bundle(), plan.separation));
     if (code > 0 && code != kZELUnexpectedFailure)

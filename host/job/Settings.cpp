@@ -37,7 +37,7 @@ std::vector<uint8_t> ReadWhole(const std::string &path) {
     if (found && !S_ISREG(info.st_mode)) return {};
     std::ifstream file(path, std::ios::binary);
     if (!found || !file)
-        throw HostError(ExitStatus::Input,
+        throw HostError(ExitStatus::Input, kAboutSettings,
                         path + ": " + strerror(errno) + "; check the name of the settings file");
     std::vector<uint8_t> bytes;
     for (std::istreambuf_iterator<char> c(file), end; c != end && bytes.size() <= kLargestFile; ++c)
@@ -73,7 +73,7 @@ SavedSettings ReadSettings(const std::string &path) {
     SavedSettings settings;
     const std::vector<uint8_t> bytes = ReadWhole(path);
     const auto refuse = [&path] {
-        return HostError(ExitStatus::Input,
+        return HostError(ExitStatus::Input, kAboutSettings,
                          path + ": not a settings file; make one with --save-settings");
     };
     if (bytes.size() <= kRecordSize || bytes.size() > kLargestFile ||

@@ -32,7 +32,7 @@ Profile OpenProfile(const std::string &path) {
     if (std::filesystem::is_regular_file(path, error))
         profile.reset(cmsOpenProfileFromFile(path.c_str(), "r"));
     if (!profile)
-        throw HostError(ExitStatus::Input,
+        throw HostError(ExitStatus::Input, kAboutProfile,
                         "'" + path + "' is not an ICC profile, or cannot be read");
     return profile;
 }
@@ -41,7 +41,8 @@ Profile OpenSource(const std::string &path) {
     if (path.empty()) return Profile(cmsCreate_sRGBProfile());
     Profile profile = OpenProfile(path);
     if (cmsGetColorSpace(profile.get()) != cmsSigRgbData)
-        throw HostError(ExitStatus::Input, "'" + path + "' is not an RGB profile; give --from one");
+        throw HostError(ExitStatus::Input, kAboutProfile,
+                        "'" + path + "' is not an RGB profile; give --from one");
     return profile;
 }
 
@@ -49,7 +50,7 @@ Profile OpenTarget(const std::string &path) {
     Profile profile = OpenProfile(path);
     if (cmsGetColorSpace(profile.get()) != cmsSigCmykData ||
         cmsGetDeviceClass(profile.get()) == cmsSigLinkClass)
-        throw HostError(ExitStatus::Input,
+        throw HostError(ExitStatus::Input, kAboutProfile,
                         "'" + path + "' is not a profile of a CMYK press; give --to one");
     return profile;
 }
@@ -65,7 +66,7 @@ Transform OpenTransform(const SeparationRecipe &recipe) {
     Transform transform(cmsCreateTransform(source.get(), TYPE_RGB_16, target.get(), TYPE_CMYK_16,
                                            recipe.intent, flags));
     if (!transform)
-        throw HostError(ExitStatus::Input,
+        throw HostError(ExitStatus::Input, kAboutProfile,
                         "'" + recipe.to +
                             "' cannot turn colours into inks "
                             "(no tables for output); choose another --to profile");

@@ -60,9 +60,9 @@ void CheckSeparation(const DriverBundle &bundle, const std::string &name) {
     std::string list;
     for (const std::string &entry : names)
         list += (list.empty() ? "" : ", ") + entry;
-    throw HostError(ExitStatus::Input, "there is no separation called \"" + name +
-                                           "\"; choose one of " + list +
-                                           ", or make it with zelprint make-separation");
+    throw HostError(ExitStatus::Input, kAboutSeparation,
+                    "there is no separation called \"" + name + "\"; choose one of " + list +
+                        ", or make it with zelprint make-separation");
 }
 
 std::string SeparationsFolder(const DriverBundle &bundle) {
