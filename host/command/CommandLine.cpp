@@ -171,6 +171,7 @@ int RunCommandLine(int argc, char **argv,
     AddPrinterInfoCommand(app, action, options.bundle);
     AddSeparationsCommand(app, action, options.bundle);
     AddMakeSeparationCommand(app, action, options.bundle);
+    AddQueueCommand(app, action, options.bundle);
     app.require_subcommand(0, 1);
     try {
         app.parse(argc, argv);

@@ -21,6 +21,7 @@ using CommandAction = std::function<ExitStatus()>;
 /// thrown as HostError. `bundle` is the value of --bundle, valid when the action runs.
 void AddPrinterInfoCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 void AddSeparationsCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
+void AddQueueCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 void AddMakeSeparationCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 
 /// For the validators of CLI11: replaces one of `words`, in any case, by its index; says what is

@@ -5,6 +5,7 @@
 #include "host/driver/Driver.h"
 #include "host/separations/MakeSeparation.h"
 #include "host/separations/Separations.h"
+#include "host/separations/SystemSeparations.h"
 #include <CLI/CLI.hpp>
 #include <cctype>
 #include <memory>
@@ -14,14 +15,15 @@ namespace {
 struct Options {
     SeparationRecipe recipe;
     std::string name;
-    bool force = false;
+    bool force = false, forSystem = false;
 };
 
 ExitStatus Make(const Options &options, const std::string &bundlePath) {
     CheckSeparationName(options.name);
     if (!MakeCFString(options.name))
         throw HostError(ExitStatus::Usage, "the name is not UTF-8; give another one");
-    const std::string folder = SeparationsFolder(DriverBundle(bundlePath));
+    const std::string folder =
+        options.forSystem ? SystemSeparationsFolder() : SeparationsFolder(DriverBundle(bundlePath));
     const std::string bytes = MakeSeparationProfile(options.recipe);
     const std::string path = InstallSeparation(folder, options.name, bytes, options.force);
     Answer("Separation '" + PlainText(options.name) + "' is in " + PlainText(path) + "\n");
@@ -58,6 +60,8 @@ void AddOptions(CLI::App &command, Options &options) {
     command.add_option("--grid", recipe.gridPoints, "grid points an axis, 2 to 255 (default: 17)")
         ->type_name("N")
         ->check(CLI::Range(2U, 255U).description(""));
+    command.add_flag("--system", options.forSystem,
+                     "for the print queues of this machine, not for this user");
     command.add_flag("--force", options.force, "replace a separation of that name");
 }
 

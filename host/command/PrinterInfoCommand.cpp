@@ -168,19 +168,24 @@ std::string ResolutionsText(const ordered_json &info) {
 // --- The command --------------------------------------------------------------------------------
 
 ExitStatus ShowPrinter(const std::string &bundlePath, const std::string &path, bool asJSON) {
-    const DriverBundle bundle(bundlePath);
-    const CFOwner<CFURLRef> url = MakeFileURL(path, false);
-    if (!url) throw HostError(ExitStatus::Input, path + ": Can't get path to file");
-    CFOwner<CFStringRef> message;
-    const CFOwner<CFDictionaryRef> info(
-        ZEL_CALL(bundle, ZELPrCopyPrinterInfo)(url.Get(), message.Out()));
-    if (!info) throw HostError(ExitStatus::Input, path + ": " + WhyRefused(path, message.Get()));
-    const ordered_json json = PrinterInfoJSON(info.Get());
+    const ordered_json json = ReadPrinterInfo(DriverBundle(bundlePath), path);
     Answer(asJSON ? json.dump() + "\n" : PrinterInfoText(json));
     return ExitStatus::Success;
 }
 
 } // namespace
+
+nlohmann::ordered_json ReadPrinterInfo(const DriverBundle &bundle, const std::string &path) {
+    const CFOwner<CFURLRef> url = MakeFileURL(path, false);
+    if (!url) throw HostError(ExitStatus::Input, kAboutPrinter, path + ": Can't get path to file");
+    CFOwner<CFStringRef> message;
+    const CFOwner<CFDictionaryRef> info(
+        ZEL_CALL(bundle, ZELPrCopyPrinterInfo)(url.Get(), message.Out()));
+    if (!info)
+        throw HostError(ExitStatus::Input, kAboutPrinter,
+                        path + ": " + WhyRefused(path, message.Get()));
+    return PrinterInfoJSON(info.Get());
+}
 
 nlohmann::ordered_json PrinterInfoJSON(CFDictionaryRef info) {
     return {{"name", Text(info, CFSTR("name"))},

@@ -6,6 +6,13 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+class DriverBundle;
+
+/// The model of the PPD file `path`, as PrinterInfoJSON gives it. Throws HostError (Input) when it
+/// is refused.
+[[nodiscard]] nlohmann::ordered_json ReadPrinterInfo(const DriverBundle &bundle,
+                                                     const std::string &path);
+
 /// The printer model with the keys of ZELPrCopyPrinterInfo in their documented order; "custom" is
 /// null without custom pages. Whole numbers are written without a fraction.
 [[nodiscard]] nlohmann::ordered_json PrinterInfoJSON(CFDictionaryRef info);
