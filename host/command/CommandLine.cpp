@@ -113,6 +113,8 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
     Switch(app, "--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
     Switch(app, "--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
     Switch(app, "--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
+    app.add_flag("--allow-damaged", options.allowDamaged,
+                 "print damaged images as far as they can be made out");
     Choice(app, "--settings", options.settings, "FILE",
            "repeat a job with the settings saved in a file");
     Choice(app, "--save-settings", options.saveSettings, "FILE",

@@ -43,6 +43,7 @@ struct JobOptions {
     std::string saveSettings;
     bool pageSetup = false;
     bool printDialog = false;
+    bool allowDamaged = false; ///< print what a decoder makes of a damaged file
     bool dryRun = false;
     bool quiet = false;
     bool json = false;

@@ -85,7 +85,7 @@ ExitStatus Print(const JobOptions &options) {
     if (!options.passwordFile.empty()) pdf.password = ReadPassword(options.passwordFile);
     std::vector<SourceFile> files;
     for (const std::string &path : options.files)
-        files.emplace_back(path, pdf);
+        files.emplace_back(path, pdf, options.allowDamaged);
     const DriverBundle bundle(options.bundle);
     bundle.KeepFreedMemory(kKeptBytes);
     std::optional<WindowSystem> windows;

@@ -18,6 +18,7 @@ struct PageReference {
 struct PageChoice {
     std::vector<PageReference> pages; ///< of one copy
     int copies = 1;
+    bool allowDamaged = false; ///< print what a decoder makes of a damaged file
 
     [[nodiscard]] int TotalPages() const { return static_cast<int>(pages.size()) * copies; }
 };

@@ -1,5 +1,6 @@
 #include "host/job/PrintJob.h"
 
+#include "host/command/Console.h"
 #include "host/command/Progress.h"
 #include "host/job/Cancellation.h"
 #include "host/job/PageCache.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cstring>
 #include <fcntl.h>
+#include <set>
 #include <unistd.h>
 
 namespace {
@@ -77,6 +79,7 @@ private:
         PageImage image;
         const bool kept = mCache.Find(page);
         if (!kept) image = source.file->OpenPage(source.page, mPlan.TargetOf(source));
+        Warn(source, image.note);
         Check(mDriver.ZELPrOpenPage(mContext, nullptr, nullptr));
         try {
             if (kept)
@@ -89,6 +92,23 @@ private:
             throw;
         }
         Check(mDriver.ZELPrClosePage(mContext));
+    }
+
+    /// Says something of a page once, however many copies there are.
+    void Warn(const PageReference &source, const std::string &text) {
+        const std::string line =
+            source.file->Path() + ": page " + std::to_string(source.page + 1) + ": " + text;
+        if (!text.empty() && mSaid.insert(line).second) Complain(line);
+    }
+
+    /// A picture that its decoder had to invent in part is none, unless it is good enough.
+    void Judge(const PageReference &source, const Damage &damage) {
+        if (damage.isInvented && !mPlan.allowDamaged)
+            throw HostError(ExitStatus::Input, source.file->Path() + ": page " +
+                                                   std::to_string(source.page + 1) +
+                                                   " is damaged (" + damage.what +
+                                                   "); print what is left with --allow-damaged");
+        Warn(source, damage.what);
     }
 
     void PrintBands(const PageImage &image, size_t page, int number) {
@@ -105,6 +125,11 @@ private:
             top += rows.count;
             mProgress.Show(number, top, place.height);
         }
+        const PageReference &source = mPlan.pages[page];
+        // The driver would make the rest of the page white.
+        if (top < image.rows->Height())
+            ThrowUnreadable(source.file->Path(), source.page, "its rows end early");
+        Judge(source, image.rows->TellDamage());
         if (keeps) mCache.End();
     }
 
@@ -152,6 +177,7 @@ private:
     int mBandHeight;
     Progress mProgress;
     PageCache mCache;
+    std::set<std::string> mSaid;
 };
 
 class OpenFile {

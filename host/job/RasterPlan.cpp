@@ -100,6 +100,7 @@ PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
                                 : PageRange(info.firstPage, info.lastPage);
     PageChoice choice;
     choice.copies = std::max<int>(1, info.copies);
+    choice.allowDamaged = options.allowDamaged;
     int number = 0;
     for (const SourceFile &file : files)
         for (int page = 0; page < file.PageCount(); ++page)

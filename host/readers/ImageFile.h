@@ -28,6 +28,12 @@ struct SourcePage {
     int orientation = 1; ///< EXIF orientation that makes it upright
 };
 
+/// What a decoder has to say of a file that it did not give up.
+struct Damage {
+    std::string what;        ///< empty: nothing
+    bool isInvented = false; ///< some pixels are its own, or some of the file's are missing
+};
+
 /// The pixels of one page: upright, cropped, in their final size and colours, 8 bits a sample.
 class PageRows {
 public:
@@ -49,6 +55,8 @@ public:
     virtual void Read(const Take &take) = 0;
     /// Makes Read, which runs in another thread, end soon.
     virtual void Stop() = 0;
+    /// What was wrong with the file though Read has given all rows. To be asked after it.
+    [[nodiscard]] virtual Damage TellDamage() { return {}; }
 
 private:
     int mWidth, mHeight, mBands;
@@ -69,8 +77,9 @@ struct PageTarget {
 
 struct PageImage {
     std::shared_ptr<PageRows> rows;
-    Placement placement;  ///< where they go on the page; the size is theirs
-    bool isQuick = false; ///< to read them again costs no more than to keep them
+    Placement placement;   ///< where they go on the page; the size is theirs
+    bool isQuick = false;  ///< to read them again costs no more than to keep them
+    std::string note = {}; ///< what of the page is not printed, for a warning; empty: nothing
 };
 
 /// An open file. Failures are HostErrors (Input) that name the file.

@@ -49,7 +49,7 @@ void StartImageModule(bool withPlugIns) {
 }
 
 std::unique_ptr<ImageFile> OpenWithModule(const std::string &path, FileKind kind,
-                                          const std::string &name) {
+                                          const std::string &name, bool tolerant) {
     StartImageModule(true);
-    return std::unique_ptr<ImageFile>(Loading().get()(path, kind, name));
+    return std::unique_ptr<ImageFile>(Loading().get()(path, kind, name, tolerant));
 }

@@ -11,18 +11,19 @@
 /// time. Only the first call counts.
 void StartImageModule(bool withPlugIns);
 
-/// Opens a file with the module, started by now or not; people call it `name`. Throws HostError
-/// when the module cannot be loaded.
+/// Opens a file with the module, started by now or not; people call it `name`. `tolerant` goes on
+/// where it is cut off, if that is possible. Throws HostError when the module cannot be loaded, or
+/// not read the file.
 [[nodiscard]] std::unique_ptr<ImageFile> OpenWithModule(const std::string &path, FileKind kind,
-                                                        const std::string &name);
+                                                        const std::string &name, bool tolerant);
 
 /// What the module exports.
 extern "C" {
 /// Starts libvips. Throws HostError.
 using ImageModuleStart = void();
 /// A new file; the caller owns it.
-using ImageModuleOpen = ImageFile *(const std::string &path, FileKind kind,
-                                    const std::string &name);
+using ImageModuleOpen = ImageFile *(const std::string &path, FileKind kind, const std::string &name,
+                                    bool tolerant);
 }
 
 #endif

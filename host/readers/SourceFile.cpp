@@ -51,8 +51,8 @@ std::optional<FileKind> KindOf(const std::string &head) {
 
 } // namespace
 
-SourceFile::SourceFile(const std::string &path, PDFOptions options)
-    : mInput(TakeInput(path)), mOptions(std::move(options)) {
+SourceFile::SourceFile(const std::string &path, PDFOptions options, bool tolerant)
+    : mInput(TakeInput(path)), mOptions(std::move(options)), mTolerant(tolerant) {
     const std::string head = ReadHead(mInput.path);
     const std::optional<FileKind> kind = KindOf(head);
     if (!kind && IsPostScript(head))
@@ -74,7 +74,7 @@ ImageFile &SourceFile::Full() const {
     if (!mFull && mKind == FileKind::PDF)
         mFull = std::make_unique<PDFFile>(mInput.path, mOptions);
     else if (!mFull)
-        mFull = OpenWithModule(mInput.path, mKind, mInput.name);
+        mFull = OpenWithModule(mInput.path, mKind, mInput.name, mTolerant);
     return *mFull;
 }
 

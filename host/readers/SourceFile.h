@@ -12,8 +12,9 @@
 class SourceFile {
 public:
     /// Takes what comes from standard input ("-") or a pipe (see TakeInput), and checks that it, or
-    /// the regular file `path`, is readable and of a known kind.
-    explicit SourceFile(const std::string &path, PDFOptions options = {});
+    /// the regular file `path`, is readable and of a known kind. `tolerant` goes on where it is cut
+    /// off, if that is possible.
+    explicit SourceFile(const std::string &path, PDFOptions options = {}, bool tolerant = false);
 
     /// What people call it.
     [[nodiscard]] const std::string &Path() const { return mInput.name; }
@@ -38,6 +39,7 @@ private:
 
     InputFile mInput;
     PDFOptions mOptions;
+    bool mTolerant;
     FileKind mKind = FileKind::TIFF;
     std::unique_ptr<ImageFile> mPlain;
     mutable std::unique_ptr<ImageFile> mFull; ///< opened when first needed

@@ -436,4 +436,14 @@ TEST_F(PlainTIFF, ReaderThatIsStopped_Ends) {
     EXPECT_EQ(reader.Next().count, 1);
 }
 
+TEST(TIFFPages, TenThousandAndMore_AreCounted) {
+    const TempFolder folder;
+    TIFFSpec spec;
+    spec.width = spec.height = 1;
+    spec.pages = 10001;
+    spec.dpiX = 0; // for both readers
+    SaveTIFF((folder.Path() / "t.tif").string(), spec);
+    EXPECT_EQ(VipsFile((folder.Path() / "t.tif").string(), FileKind::TIFF).PageCount(), 10001);
+}
+
 } // namespace

@@ -8,6 +8,6 @@ ZEL_MODULE_EXPORT void ZELStartImageModule() {
 }
 
 ZEL_MODULE_EXPORT ImageFile *ZELOpenImageFile(const std::string &path, FileKind kind,
-                                              const std::string &name) {
-    return new VipsFile(path, kind, name);
+                                              const std::string &name, bool tolerant) {
+    return new VipsFile(path, kind, name, tolerant);
 }

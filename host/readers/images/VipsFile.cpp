@@ -1,8 +1,10 @@
 #include "host/readers/images/VipsFile.h"
 
 #include "host/readers/PictureKinds.h"
+#include "host/readers/images/JPEGCheck.h"
 #include "host/readers/images/PNGUnit.h"
 #include "host/readers/images/PNMImage.h"
+#include "host/readers/images/TIFFImage.h"
 #include "host/readers/images/VipsPage.h"
 #include "host/readers/images/VipsRows.h"
 #include <algorithm>
@@ -45,7 +47,33 @@ void TakeShape(VipsImage *image, ImageSize &size) {
     size.onlyShape = true;
 }
 
+/// The check that takes reading the whole file; none for files whose reader hears everything.
+FileCheck CheckOf(FileKind kind, const std::string &path) {
+    if (kind != FileKind::JPEG) return nullptr;
+    return [path](const std::atomic<bool> &stopped) { return CheckJPEG(path, stopped); };
+}
+
+std::string NoteOf(const TIFFPage &page) {
+    const int count = page.LeftOut();
+    if (count == 0) return {};
+    return (count == 1 ? std::string("a sample") : std::to_string(count) + " samples") +
+           " of each pixel that the file does not call colour or transparency, such as a spot "
+           "ink, " +
+           (count == 1 ? "is" : "are") + " left out";
+}
+
 } // namespace
+
+VipsFile::VipsFile(std::string path, FileKind kind, std::string name, bool tolerant)
+    : mPath(std::move(path)), mName(std::move(name)), mKind(kind), mTolerant(tolerant) {
+    if (kind == FileKind::TIFF) mTIFFPages = ListTIFFPages(mPath, mName);
+}
+
+const TIFFPage &VipsFile::TIFFPageAt(int page) const {
+    const TIFFPage &found = mTIFFPages.at(static_cast<size_t>(page));
+    if (!found.problem.empty()) ::ThrowUnreadable(mName, page, found.problem);
+    return found;
+}
 
 /// One call of a libvips loader; `options` are its own.
 template <typename... Options>
@@ -53,8 +81,9 @@ VipsImagePtr VipsFile::LoadWith(const char *loader, int page, bool sequential,
                                 Options... options) const {
     VipsImage *image = nullptr;
     const VipsAccess access = sequential ? VIPS_ACCESS_SEQUENTIAL : VIPS_ACCESS_RANDOM;
-    const int result = vips_call(loader, mPath.c_str(), &image, "access", access, "fail_on",
-                                 VIPS_FAIL_ON_ERROR, options..., nullptr);
+    const int result =
+        vips_call(loader, mPath.c_str(), &image, "access", access, "fail_on",
+                  mTolerant ? VIPS_FAIL_ON_NONE : VIPS_FAIL_ON_ERROR, options..., nullptr);
     VipsImagePtr loaded(image);
     if (result != 0) ThrowUnreadable(page);
     return loaded;
@@ -62,8 +91,6 @@ VipsImagePtr VipsFile::LoadWith(const char *loader, int page, bool sequential,
 
 VipsImagePtr VipsFile::Load(int page, double scale, bool sequential) const {
     switch (mKind) {
-        case FileKind::TIFF:
-            return LoadWith("tiffload", page, sequential, "page", page);
         case FileKind::PNG:
             return LoadWith("pngload", page, sequential);
         case FileKind::JPEG:
@@ -78,13 +105,16 @@ VipsImagePtr VipsFile::Load(int page, double scale, bool sequential) const {
             return LoadWith("heifload", page, sequential, "page", PrimaryPicture());
         case FileKind::SVG:
             return LoadWith("svgload", page, sequential, "dpi", kSVGDpi, "scale", scale);
+        case FileKind::TIFF:
         case FileKind::PNM:
         case FileKind::PDF: // not an image
             break;
     }
     VipsImage *image = nullptr;
     const VipsAccess access = sequential ? VIPS_ACCESS_SEQUENTIAL : VIPS_ACCESS_RANDOM;
-    const int result = LoadPNM(mPath.c_str(), access, &image);
+    const int result = mKind == FileKind::TIFF
+                           ? LoadTIFF(mPath.c_str(), TIFFPageAt(page), access, &image)
+                           : LoadPNM(mPath.c_str(), access, &image);
     VipsImagePtr loaded(image);
     if (result != 0) ThrowUnreadable(page);
     return loaded;
@@ -123,8 +153,11 @@ int VipsFile::FurtherFrames() {
 }
 
 void VipsFile::CountPages(VipsImage *image) {
-    // Those of JPEG 2000 are the same picture, smaller and smaller.
-    mFrames = mKind == FileKind::JPEG2000 ? 1 : std::max(1, vips_image_get_n_pages(image));
+    // Those of JPEG 2000 are the same picture, smaller and smaller. libvips takes 10,000 pages of a
+    // TIFF file and more for one.
+    mFrames = mKind == FileKind::JPEG2000 ? 1
+              : mKind == FileKind::TIFF   ? static_cast<int>(mTIFFPages.size())
+                                          : std::max(1, vips_image_get_n_pages(image));
     mPageCount = MayHoldFrames(mKind) ? 1 : mFrames;
 }
 
@@ -168,8 +201,9 @@ SourcePage VipsFile::Describe(int page) {
 PageImage VipsFile::OpenPage(int page, const PageTarget &target) {
     VipsPage opened = OpenVipsPage(*this, page, Describe(page), target);
     return {std::make_unique<VipsRows>(mName, page, std::move(opened.pixels),
-                                       opened.placement.pixelByPixel),
-            opened.placement, false};
+                                       opened.placement.pixelByPixel, CheckOf(mKind, mPath)),
+            opened.placement, false,
+            mKind == FileKind::TIFF ? NoteOf(TIFFPageAt(page)) : std::string()};
 }
 
 void VipsFile::ThrowUnreadable(int page) const {

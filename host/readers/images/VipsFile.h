@@ -3,13 +3,13 @@
 #define ZEL_HOST_IMAGES_VIPSFILE_H
 
 #include "host/readers/ImageFile.h"
+#include "host/readers/TIFFPages.h"
 #include "host/readers/images/VipsSupport.h"
 
 class VipsFile : public ImageFile {
 public:
-    /// People call the file `name`.
-    VipsFile(std::string path, FileKind kind, std::string name)
-        : mPath(std::move(path)), mName(std::move(name)), mKind(kind) {}
+    /// People call the file `name`. `tolerant` goes on where a JPEG file has been cut off.
+    VipsFile(std::string path, FileKind kind, std::string name, bool tolerant = false);
     VipsFile(const std::string &path, FileKind kind) : VipsFile(path, kind, path) {}
 
     [[nodiscard]] int PageCount() override;
@@ -34,9 +34,13 @@ private:
     void CountPages(VipsImage *image);
     void MeasureDrawing(SourcePage &page) const;
 
+    [[nodiscard]] const TIFFPage &TIFFPageAt(int page) const;
+
     std::string mPath, mName;
     FileKind mKind;
-    int mPageCount = 0; ///< 0: not counted yet
+    bool mTolerant;
+    std::vector<TIFFPage> mTIFFPages; ///< of a TIFF file
+    int mPageCount = 0;               ///< 0: not counted yet
     int mFrames = 0;
 };
 

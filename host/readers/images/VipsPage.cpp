@@ -60,10 +60,11 @@ void Flatten(Chain &chain) {
     if (!vips_image_hasalpha(chain.Get())) return;
     const bool ink = vips_image_guess_interpretation(chain.Get()) == VIPS_INTERPRETATION_CMYK;
     const VipsBandFormat format = vips_image_get_format(chain.Get());
-    const double white = ink ? 0 : format == VIPS_FORMAT_USHORT ? 65535 : 255;
-    VipsArrayDouble *background = vips_array_double_newv(1, white);
-    chain.Apply([background](VipsImage *in, VipsImage **out) {
-        return vips_flatten(in, out, "background", background, nullptr);
+    // libvips takes the range of 16-bit inks for that of 8-bit ones.
+    const double full = format == VIPS_FORMAT_USHORT ? 65535 : 255;
+    VipsArrayDouble *background = vips_array_double_newv(1, ink ? 0 : full);
+    chain.Apply([background, full](VipsImage *in, VipsImage **out) {
+        return vips_flatten(in, out, "background", background, "max_alpha", full, nullptr);
     });
     vips_area_unref(VIPS_AREA(background));
 }

@@ -1,6 +1,9 @@
 #include "host/readers/images/VipsRows.h"
 
+#include "host/readers/images/TIFFImage.h"
 #include <algorithm>
+#include <functional>
+#include <future>
 #include <mutex>
 
 namespace {
@@ -32,20 +35,26 @@ int GiveFromSink(VipsRegion *region, VipsRect *area, void *argument) {
 
 } // namespace
 
-VipsRows::VipsRows(std::string path, int page, VipsImagePtr image, bool straight)
+VipsRows::VipsRows(std::string path, int page, VipsImagePtr image, bool straight, FileCheck check)
     : PageRows(vips_image_get_width(image.get()), vips_image_get_height(image.get()),
                vips_image_get_bands(image.get())),
-      mPath(std::move(path)), mPage(page), mImage(std::move(image)), mStraight(straight) {}
+      mPath(std::move(path)), mPage(page), mImage(std::move(image)), mStraight(straight),
+      mCheck(std::move(check)) {}
 
 void VipsRows::Stop() {
-    mStopped = true;
+    mStopped = mCheckStopped = true;
     vips_image_set_kill(mImage.get(), TRUE);
 }
 
 void VipsRows::Read(const Take &take) {
+    vips_error_clear();
+    std::future<Damage> check;
+    if (mCheck) check = std::async(std::launch::async, mCheck, std::cref(mCheckStopped));
     const bool whole = mStraight ? ReadStraight(take) : ReadScaled(take);
     vips_thread_shutdown();
+    if (!whole) mCheckStopped = true;
     if (!whole && !mStopped) ThrowUnreadable(mPath, mPage, TakeVipsError());
+    mDamage = check.valid() ? check.get() : TakeTIFFDamage();
 }
 
 bool VipsRows::ReadStraight(const Take &take) {

@@ -1,6 +1,7 @@
 #include "host/readers/images/VipsSupport.h"
 
 #include "host/command/ExitStatus.h"
+#include "host/readers/images/TIFFImage.h"
 
 namespace {
 
@@ -16,6 +17,7 @@ void StartVips() {
     for (const char *domain : {"VIPS", "GLib", "GLib-GObject"})
         g_log_set_handler(domain, static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), DropMessage,
                           nullptr);
+    HearTIFFDecoders();
     // Every page is read once; a cache would only keep files open.
     vips_cache_set_max(0);
 }
