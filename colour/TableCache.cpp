@@ -2,6 +2,7 @@
 #include "support/RegularFile.h"
 
 #include <algorithm>
+#include <platform/Platform.h>
 #include <sys/stat.h>
 
 namespace {
@@ -14,45 +15,45 @@ std::chrono::nanoseconds SinceEpoch(const timespec &time) {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-FileIdentity Identify(const std::string &path) {
+FileStamp StampOf(const std::string &path) {
     struct stat info {};
     if (stat(path.c_str(), &info) != 0) return {};
-    return {info.st_dev, info.st_ino, info.st_size, info.st_mtim, info.st_ctim};
+    const FileTimes times = PlatformTimesOf(info);
+    return {info.st_dev, info.st_ino, info.st_size, times.modified, times.changed};
 }
 
 } // namespace
 
-bool FileIdentity::operator==(const FileIdentity &other) const {
+bool FileStamp::operator==(const FileStamp &other) const {
     return device == other.device && inode == other.inode && size == other.size &&
            Same(modified, other.modified) && Same(changed, other.changed);
 }
 
-bool TableCache::HasSettled(const FileIdentity &identity) const {
+bool TableCache::HasSettled(const FileStamp &stamp) const {
     timespec now{};
     (void)clock_gettime(CLOCK_REALTIME, &now);
-    return SinceEpoch(now) - SinceEpoch(identity.changed) >= mSettling;
+    return SinceEpoch(now) - SinceEpoch(stamp.changed) >= mSettling;
 }
 
 EightColourLUT *TableCache::Acquire(CFURLRef url) {
     const std::lock_guard lock(mMutex);
     const std::string path = PathOfURL(url);
-    const FileIdentity identity = Identify(path);
+    const FileStamp stamp = StampOf(path);
     const auto found = std::find_if(mEntries.begin(), mEntries.end(), [&](const Entry &entry) {
-        return entry.reusable && entry.identity == identity;
+        return entry.reusable && entry.stamp == stamp;
     });
-    if (found == mEntries.end()) return Load(url, path, identity);
+    if (found == mEntries.end()) return Load(url, path, stamp);
     mEntries.splice(mEntries.begin(), mEntries, found);
     ++found->users;
     return found->table.get();
 }
 
-EightColourLUT *TableCache::Load(CFURLRef url, const std::string &path,
-                                 const FileIdentity &identity) {
+EightColourLUT *TableCache::Load(CFURLRef url, const std::string &path, const FileStamp &stamp) {
     bool sampled = false;
     EightColourLUT *table = LoadEightColourLUT(url, &sampled);
     if (!table) return nullptr;
-    const bool reusable = sampled && HasSettled(identity) && Identify(path) == identity;
-    mEntries.push_front({decltype(Entry::table)(table), identity, reusable, 1});
+    const bool reusable = sampled && HasSettled(stamp) && StampOf(path) == stamp;
+    mEntries.push_front({decltype(Entry::table)(table), stamp, reusable, 1});
     DropUnused();
     return table;
 }

@@ -13,13 +13,13 @@
 #include <sys/types.h>
 
 /// What tells one state of one file from every other.
-struct FileIdentity {
+struct FileStamp {
     dev_t device;
     ino_t inode;
     off_t size;
     timespec modified, changed;
 
-    bool operator==(const FileIdentity &other) const;
+    bool operator==(const FileStamp &other) const;
 };
 
 /// Any thread.
@@ -49,13 +49,13 @@ private:
     };
     struct Entry {
         std::unique_ptr<EightColourLUT, FreeTable> table;
-        FileIdentity identity;
+        FileStamp stamp;
         bool reusable;
         int users;
     };
 
-    EightColourLUT *Load(CFURLRef url, const std::string &path, const FileIdentity &identity);
-    bool HasSettled(const FileIdentity &identity) const;
+    EightColourLUT *Load(CFURLRef url, const std::string &path, const FileStamp &stamp);
+    bool HasSettled(const FileStamp &stamp) const;
     void DropUnused();
 
     const std::chrono::nanoseconds mSettling;

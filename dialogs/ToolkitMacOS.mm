@@ -4,6 +4,11 @@
 
 BOOL EnsureApplication(void) {
     [NSApplication sharedApplication];
+    // A bare command is no application yet: its windows would get no keys.
+    if ([NSApp activationPolicy] == NSApplicationActivationPolicyProhibited) {
+        [NSApp setActivationPolicy:NSApplicationActivationPolicyRegular];
+        [NSApp activateIgnoringOtherApps:YES];
+    }
     return YES;
 }
 

@@ -1,7 +1,9 @@
 /// Services that have no common API on the two platforms.
 #pragma once
 #include <CoreFoundation/CoreFoundation.h>
+#include <ctime>
 #include <string>
+#include <sys/stat.h>
 
 #pragma GCC visibility push(default)
 
@@ -14,6 +16,12 @@ bool PlatformScanNumber(const std::string &text, double &value);
 
 /// Is the item, or a folder that holds it, in a trash folder of the user?
 bool PlatformIsInTrash(const std::string &path);
+
+/// When a file's content was changed last, and when anything of it was.
+struct FileTimes {
+    timespec modified, changed;
+};
+FileTimes PlatformTimesOf(const struct stat &info);
 
 /// Asks the system not to keep what is written to `fd` in its file cache. A hint; never fails.
 void PlatformDisableFileCache(int fd);

@@ -4,22 +4,12 @@
 #include "ppd/LanguageEncoding.h"
 #include "ppd/MiniParser.h"
 #include "ppd/ParserError.h"
+#include "support/CFText.h"
 
 #include <initializer_list>
 #include <string>
 
 namespace {
-
-/// UTF-8, or Latin-1 for what is not: then every byte is one character and none is lost.
-CFRef<CFStringRef> TextOf(const std::string &bytes) {
-    const auto *data = reinterpret_cast<const UInt8 *>(bytes.data());
-    const auto length = static_cast<CFIndex>(bytes.size());
-    CFRef<CFStringRef> text(
-        CFStringCreateWithBytes(nullptr, data, length, kCFStringEncodingUTF8, false));
-    if (text) return text;
-    return CFRef<CFStringRef>(
-        CFStringCreateWithBytes(nullptr, data, length, kCFStringEncodingISOLatin1, false));
-}
 
 CFRef<CFNumberRef> NumberOf(double value) {
     return CFRef<CFNumberRef>(CFNumberCreate(nullptr, kCFNumberDoubleType, &value));
@@ -45,7 +35,9 @@ public:
     void Set(CFStringRef key, CFTypeRef value) {
         if (value) CFDictionarySetValue(mDictionary.Get(), key, value);
     }
-    void Set(CFStringRef key, const std::string &text) { Set(key, TextOf(text).Get()); }
+    void Set(CFStringRef key, const std::string &text) {
+        Set(key, TextOfUnknownEncoding(text).Get());
+    }
     void Set(CFStringRef key, double value) { Set(key, NumberOf(value).Get()); }
     void Set(CFStringRef key, int32_t value) { Set(key, NumberOf(value).Get()); }
     void Set(CFStringRef key, bool value) { Set(key, value ? kCFBooleanTrue : kCFBooleanFalse); }
@@ -63,7 +55,8 @@ Dictionary NamedChoice(const Choice &choice, const std::string &languageEncoding
     Dictionary dictionary;
     dictionary.Set(CFSTR("name"), choice.GetName());
     const CFRef<CFStringRef> shown = PPD::DecodeText(choice.GetUIName(), languageEncoding);
-    dictionary.Set(CFSTR("ui_name"), shown ? shown.Get() : TextOf(choice.GetUIName()).Get());
+    dictionary.Set(CFSTR("ui_name"),
+                   shown ? shown.Get() : TextOfUnknownEncoding(choice.GetUIName()).Get());
     dictionary.Set(CFSTR("postscript"), choice.GetPostscript());
     return dictionary;
 }
@@ -184,6 +177,6 @@ CFDictionaryRef ZELPrCopyPrinterInfo(CFURLRef ppd, CFStringRef *message) {
     } catch (...) {
         // Nothing leaves an entry point but its result.
     }
-    if (message) *message = TextOf(refusal).Detach();
+    if (message) *message = TextOfUnknownEncoding(refusal).Detach();
     return nullptr;
 }

@@ -11,3 +11,13 @@ std::optional<std::string> UTF8Text(CFStringRef string) {
     text.resize(strlen(text.c_str()));
     return text;
 }
+
+CFRef<CFStringRef> TextOfUnknownEncoding(const std::string &bytes) {
+    const auto *data = reinterpret_cast<const UInt8 *>(bytes.data());
+    const auto length = static_cast<CFIndex>(bytes.size());
+    CFRef<CFStringRef> text(
+        CFStringCreateWithBytes(kCFAllocatorDefault, data, length, kCFStringEncodingUTF8, false));
+    if (text) return text;
+    return CFRef<CFStringRef>(CFStringCreateWithBytes(kCFAllocatorDefault, data, length,
+                                                      kCFStringEncodingISOLatin1, false));
+}

@@ -7,6 +7,7 @@
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"
 #include "ppd/PrinterInfoDictionary.h"
+#include "support/CFText.h"
 
 #include <memory>
 #include <platform/Platform.h>
@@ -14,17 +15,6 @@
 #include <utility>
 
 namespace {
-
-/// UTF-8 if it is that, otherwise byte for byte: PPD files come in many encodings.
-CFStringRef CreateMessage(const std::string &text) {
-    auto bytes = reinterpret_cast<const UInt8 *>(text.data());
-    auto length = static_cast<CFIndex>(text.size());
-    CFStringRef message =
-        CFStringCreateWithBytes(kCFAllocatorDefault, bytes, length, kCFStringEncodingUTF8, false);
-    if (message) return message;
-    return CFStringCreateWithBytes(kCFAllocatorDefault, bytes, length, kCFStringEncodingISOLatin1,
-                                   false);
-}
 
 std::unique_ptr<PostscriptPrinterInfo> ReadPrinter(CFURLRef ppd, std::string &error) {
     try {
@@ -46,7 +36,7 @@ int32_t ZELPrOpenWithPrinter(CFBundleRef bundle, CFURLRef ppd, DriverContext **c
     std::string error;
     std::unique_ptr<PostscriptPrinterInfo> printer = ReadPrinter(ppd, error);
     if (printer) return OpenContext(bundle, std::move(printer), context);
-    if (message) *message = CreateMessage(error);
+    if (message) *message = TextOfUnknownEncoding(error).Detach();
     return kZELFileNotFound;
 }
 
@@ -55,7 +45,7 @@ int32_t ZELPrSetPrinter(DriverContext *context, CFURLRef ppd, CFStringRef *messa
     std::string error;
     std::unique_ptr<PostscriptPrinterInfo> printer = ReadPrinter(ppd, error);
     if (!printer) {
-        if (message) *message = CreateMessage(error);
+        if (message) *message = TextOfUnknownEncoding(error).Detach();
         return kZELFileNotFound;
     }
     delete context->printerInfo;

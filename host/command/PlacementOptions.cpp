@@ -1,8 +1,8 @@
 #include "host/command/PlacementOptions.h"
 
 #include "host/command/ExitStatus.h"
+#include "host/job/Decimal.h"
 #include <algorithm>
-#include <charconv>
 
 namespace {
 
@@ -36,10 +36,9 @@ bool TakeRule(const RuleWord (&rules)[N], const std::string &word, PlacementWish
 
 bool TakePercent(const std::string &text, PlacementWishes &wishes) {
     const size_t length = text.size() - (!text.empty() && text.back() == '%' ? 1 : 0);
-    const char *end = text.data() + length;
+    size_t at = 0;
     double percent = 0;
-    const auto [stop, error] = std::from_chars(text.data(), end, percent, std::chars_format::fixed);
-    if (error != std::errc() || stop != end) return false;
+    if (!ReadDecimal(text, at, percent) || at != length) return false;
     if (!(percent >= kLeastPercent && percent <= kMostPercent)) return false;
     wishes.rule = ScaleRule::Percent;
     wishes.percent = percent;

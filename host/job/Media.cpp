@@ -1,7 +1,7 @@
 #include "host/job/Media.h"
 
 #include "host/command/ExitStatus.h"
-#include <charconv>
+#include "host/job/Decimal.h"
 #include <cmath>
 #include <cstring>
 
@@ -14,11 +14,7 @@ constexpr double kTolerance = 0.01;
 
 /// Reads a positive number; moves `at` behind it.
 bool ReadNumber(const std::string &text, size_t &at, double &number) {
-    const char *start = text.data() + at;
-    const auto [stop, error] =
-        std::from_chars(start, text.data() + text.size(), number, std::chars_format::fixed);
-    at += static_cast<size_t>(stop - start);
-    return error == std::errc() && std::isfinite(number) && number > 0;
+    return ReadDecimal(text, at, number) && number > 0;
 }
 
 bool ReadPair(const std::string &text, size_t &at, double &first, double &second) {
