@@ -14,7 +14,6 @@ static constexpr NSTimeInterval kTick = 0.04;
 
 @interface ZELMenuTracker : NSObject {
     ZELMenuList *_list;
-    NSWindow *_window;
     NSPoint _origin;   // where the button was pressed that opened the list
     BOOL _isOpening;   // and it is still down
     BOOL _isPressed;   // a button was pressed on the list
@@ -99,6 +98,8 @@ static constexpr NSTimeInterval kTick = 0.04;
 /// Scrolls while the pointer is at an end of the list, or beyond it with the button down; faster
 /// and faster.
 - (void)tick {
+    // AppKit hides it when the user goes to another program.
+    if (![[_list window] isVisible]) [self leave];
     NSInteger row = -1;
     const NSPoint point = [NSEvent mouseLocation];
     const MenuListPart part = [_list partAtScreenPoint:point row:&row];
@@ -244,8 +245,6 @@ static constexpr NSTimeInterval kTick = 0.04;
         return;
     }
     [[event window] sendEvent:event];
-    // The user has gone to another program.
-    if (kind == GSAppKitWindowFocusOut && ![_window isKeyWindow]) [self leave];
 }
 
 - (void)handle:(NSEvent *)event {
@@ -289,7 +288,6 @@ static constexpr NSTimeInterval kTick = 0.04;
 - (NSInteger)track:(ZELMenuList *)list above:(NSWindow *)window pressedBy:(NSEvent *)press {
     GSDisplayServer *server = GSServerForWindow(window);
     _list = list;
-    _window = window;
     _chosen = -1;
     _isOpening = press != nil;
     _origin = press != nil ? [self screenPointOf:press] : [NSEvent mouseLocation];

@@ -313,7 +313,7 @@ static BOOL HasEditor(NSView *view) {
                        isHighlighted:(BOOL)isHighlighted
                                state:(int)state
                               isLeaf:(BOOL)isLeaf {
-    DrawThemeBrowserRow(frame, cell, view, isHighlighted || state != 0, image != nil);
+    DrawThemeBrowserRow(frame, cell, isHighlighted || state != 0, image != nil);
 }
 
 #pragma mark Bezels

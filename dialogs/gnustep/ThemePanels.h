@@ -10,8 +10,7 @@ void UseThemePanel(NSSavePanel *panel);
 // What the theme draws in them.
 
 /// A row of a browser: a folder or a file, and a chevron after what can be entered.
-void DrawThemeBrowserRow(NSRect frame, NSBrowserCell *cell, NSView *view, BOOL isHighlighted,
-                         BOOL hasIcon);
+void DrawThemeBrowserRow(NSRect frame, NSBrowserCell *cell, BOOL isHighlighted, BOOL hasIcon);
 
 enum ThemeScrollerPart { kThemeKnob, kThemeSlot, kThemeLess, kThemeMore };
 

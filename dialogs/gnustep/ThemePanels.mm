@@ -100,8 +100,7 @@ static void DrawBranch(NSRect room, NSColor *colour) {
     [chevron stroke];
 }
 
-void DrawThemeBrowserRow(NSRect frame, NSBrowserCell *cell, NSView *view, BOOL isHighlighted,
-                         BOOL hasIcon) {
+void DrawThemeBrowserRow(NSRect frame, NSBrowserCell *cell, BOOL isHighlighted, BOOL hasIcon) {
     NSColor *colour =
         [cell isEnabled] ? [NSColor controlTextColor] : [NSColor disabledControlTextColor];
     if (isHighlighted) {

@@ -45,7 +45,7 @@
     return [window isKeyWindow] && focus == [self handleOf:window];
 }
 
-// kind, name, centre in the window's content (from the top left), enabled, value.
+// kind, name, centre in the window's content (in pixels from the top left), enabled, value.
 - (void)write:(const char *)kind
          name:(NSString *)name
          rect:(NSRect)rect
@@ -54,8 +54,11 @@
         value:(NSString *)value {
     NSView *content = [[view window] contentView];
     const NSRect shown = [view convertRect:rect toView:content];
-    fprintf(_file, "%s\t%s\t%d\t%d\t%d\t%s\n", kind, [name UTF8String], (int)NSMidX(shown),
-            (int)(NSHeight([content bounds]) - NSMidY(shown)), (int)enabled, [value UTF8String]);
+    const CGFloat scale = [[view window] userSpaceScaleFactor];
+    fprintf(_file, "%s\t%s\t%d\t%d\t%d\t%s\n", kind, [name UTF8String],
+            (int)(NSMidX(shown) * scale),
+            (int)((NSHeight([content bounds]) - NSMidY(shown)) * scale), (int)enabled,
+            [value UTF8String]);
 }
 
 - (void)writeEditorOf:(NSControl *)control name:(NSString *)name {
@@ -155,11 +158,11 @@
     return outlets;
 }
 
-// handle, place on the screen from the top left, size, height in points.
-- (void)writeMenuWindow:(NSWindow *)window height:(CGFloat)height {
+// handle, place on the screen from the top left, height of its content, size.
+- (void)writeMenuWindow:(NSWindow *)window {
     const NSRect frame = [window frame], screen = [[window screen] frame];
     fprintf(_file, "menu\t%lu\t%d\t%d\t%d\t%d %d\n", [self handleOf:window], (int)NSMinX(frame),
-            (int)(NSMaxY(screen) - NSMaxY(frame)), (int)height, (int)NSWidth(frame),
+            (int)(NSMaxY(screen) - NSMaxY(frame)), (int)NSHeight(frame), (int)NSWidth(frame),
             (int)NSHeight(frame));
 }
 
@@ -169,7 +172,7 @@
         if (![sub isKindOfClass:[NSPopUpButton class]]) continue;
         NSMenuView *list = [[(NSPopUpButton *)sub menu] menuRepresentation];
         if (![[list window] isVisible]) continue;
-        [self writeMenuWindow:[list window] height:NSHeight([list bounds])];
+        [self writeMenuWindow:[list window]];
         const NSInteger count = [[(NSPopUpButton *)sub menu] numberOfItems];
         for (NSInteger i = 0; i < count; ++i) {
             // All of them would be more than can be read twenty times a second.

@@ -86,3 +86,19 @@ bool PointerIsFree() {
     XCloseDisplay(display); // and with it the grab
     return result == GrabSuccess;
 }
+
+ForeignWindow::ForeignWindow() : mDisplay(XOpenDisplay(nullptr)) {
+    if (mDisplay == nullptr) return;
+    const Window window =
+        XCreateSimpleWindow(mDisplay, DefaultRootWindow(mDisplay), 0, 0, 200, 100, 0, 0, 0);
+    XSelectInput(mDisplay, window, FocusChangeMask);
+    XMapRaised(mDisplay, window);
+    XEvent event;
+    do {
+        XNextEvent(mDisplay, &event);
+    } while (event.type != FocusIn);
+}
+
+ForeignWindow::~ForeignWindow() {
+    if (mDisplay != nullptr) XCloseDisplay(mDisplay);
+}

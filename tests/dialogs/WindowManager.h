@@ -21,3 +21,15 @@ WindowPlace PlaceOfWindow(const std::string &handle);
 
 /// False while a window manager moves a window with the pointer; it takes the keys then as well.
 bool PointerIsFree();
+
+/// A window of another program, in front and with the keyboard while the object lives.
+class ForeignWindow {
+public:
+    ForeignWindow();
+    ~ForeignWindow();
+    ForeignWindow(const ForeignWindow &) = delete;
+    ForeignWindow &operator=(const ForeignWindow &) = delete;
+
+private:
+    struct _XDisplay *mDisplay; ///< a connection of its own
+};

@@ -212,6 +212,56 @@ TEST_F(MenuTest, Wheel_ScrollsTheMenuAndNotTheChoice) {
     EXPECT_EQ(ConfirmedPage(), "A4");
 }
 
+TEST_F(MenuTest, AnotherProgramInFront_ClosesTheMenuForGood) {
+    OpenWithPages(0, "A4");
+    mPerson.OpenMenu("pagesMenu");
+    {
+        const ForeignWindow window;
+        WaitForNoMenu();
+    }
+    mPerson.WaitForWindow("dialog");
+    mPerson.Toggle("rotateBox");
+    EXPECT_FALSE(IsOpen(mPerson.Look()));
+    EXPECT_EQ(ConfirmedPage(), "A4");
+}
+
+/// Scales the windows of the test's host; as before when it has gone.
+class ScaleFactor {
+public:
+    explicit ScaleFactor(CFStringRef factor) { Set(factor); }
+    ~ScaleFactor() { Set(nullptr); }
+    ScaleFactor(const ScaleFactor &) = delete;
+    ScaleFactor &operator=(const ScaleFactor &) = delete;
+
+private:
+    static void Set(CFStringRef factor) {
+        CFPreferencesSetAppValue(CFSTR("GSScaleFactor"), factor, CFSTR("dialog_host"));
+        CFPreferencesAppSynchronize(CFSTR("dialog_host"));
+    }
+};
+
+TEST_F(MenuTest, ScaledWindow_IsUsedAlike) {
+    const ScaleFactor factor(CFSTR("1.4"));
+    OpenWithPages(300, "P1100");
+    mPerson.Hold("pagesMenu", 100ms);
+    const Screen screen = WaitForMenu();
+    mPerson.TakePicture("menu-scaled");
+    const Screen::Control &entry = screen.items.at("102");
+    EXPECT_EQ(Highlighted(screen), "102");
+    EXPECT_TRUE(0 < entry.y && entry.y < screen.menuRoom) << entry.y;
+    EXPECT_LE(screen.menuY + screen.menuHeight, kScreenHeight);
+    // A row is higher than without the factor.
+    EXPECT_GT(screen.items.at("103").y - entry.y, 28);
+    mPerson.Press("Escape");
+    WaitForNoMenu();
+    mPerson.Choose("pagesMenu", 110);
+    mPerson.Toggle("flipVerticalBox");
+    mPerson.ClickTo("okButton", "");
+    EXPECT_EQ(mPerson.Result(), "confirmed 1 opened 0 closed 0");
+    EXPECT_EQ(RecordName(mPerson.Record().mPageName), "P1108");
+    EXPECT_NE(mPerson.Record().mFlipV_be, 0u);
+}
+
 TEST_F(MenuTest, WindowClosedWhileAMenuIsOpen_IsACancel) {
     OpenWithPages(0, "A4");
     mPerson.OpenMenu("pagesMenu");
