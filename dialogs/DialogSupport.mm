@@ -60,6 +60,8 @@ void ReleaseLoadedWindow(NSWindow *window) {
     ReleaseView([window contentView]);
     [window setDelegate:nil];
     [window orderOut:nil];
+    // Where the window was; the toolkit keeps that in memory for a while.
+    [[NSUserDefaults standardUserDefaults] synchronize];
 }
 
 void StopModalAndWake(void) {

@@ -1,11 +1,13 @@
 #include "host/command/CommandLine.h"
 #include "host/command/PrintCommand.h"
 #include "host/driver/ProgramPath.h"
+#include "host/job/Cancellation.h"
 #include "host/readers/RowReader.h"
 #include <cstdio>
 #include <unistd.h>
 
 int main(int argc, char **argv) {
+    Cancellation::Begin(IsJSONWanted(argc, argv));
     SetProgramPath(argv[0]);
     const int status = RunCommandLine(argc, argv, PrintCommand);
     if (!RowReader::HasLeftOne()) return status;

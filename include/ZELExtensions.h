@@ -47,6 +47,9 @@ ZEL_EXPORT int32_t ZELPrSetPrinter(DriverContext *context, CFURLRef ppd, CFStrin
 /// not be the printer of this context. The caller releases the URL.
 ZEL_EXPORT CFURLRef ZELPrCopyUsersPrinter(DriverContext *context);
 
+/// Has the user chosen a PPD file, whether it is still there or not?
+ZEL_EXPORT Boolean ZELPrUserHasChosenPrinter(DriverContext *context);
+
 /// The hot folder that the user has chosen in the print dialog, as it is saved now; null when there
 /// is none or it cannot be found, as for the printer. The caller releases the URL, and decides
 /// whether it is this context's: see ZELPrSetJobSettings.
@@ -66,9 +69,10 @@ ZEL_EXPORT void ZELPrSetSendToPrintQueue(DriverContext *context, Boolean send);
 /// in the middle.
 ZEL_EXPORT uint64_t ZELPrDocumentLength(DriverContext *context);
 
-/// As ZELPrOpen, with the printer of a PPD file instead of the one that the user has chosen, which
-/// is not looked for. kZELFileNotFound when the file is refused; then `*message`, if asked for,
-/// says why (the caller releases it).
+/// As ZELPrOpen, with the printer of a PPD file (null: the built-in description) instead of the one
+/// that the user has chosen, which is not looked for, and of which nothing is said.
+/// kZELFileNotFound when the file is refused; then `*message`, if asked for, says why (the caller
+/// releases it).
 ZEL_EXPORT int32_t ZELPrOpenWithPrinter(CFBundleRef bundle, CFURLRef ppd, DriverContext **context,
                                         CFStringRef *message);
 

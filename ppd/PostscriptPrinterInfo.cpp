@@ -31,6 +31,8 @@ PostscriptPrinterInfo::PostscriptPrinterInfo() {
     SetNoPPDInfo();
 }
 
+PostscriptPrinterInfo::PostscriptPrinterInfo(Chosen) {}
+
 PostscriptPrinterInfo::PostscriptPrinterInfo(CFURLRef ppdURL)
     : mParser(std::make_unique<PPD::MiniParser>(ppdURL)), mName(FileName(ppdURL)) {
     ExtractInfo();

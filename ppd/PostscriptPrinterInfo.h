@@ -14,8 +14,12 @@ class MiniParser;
 
 class PostscriptPrinterInfo {
 public:
-    /// The built-in description: A4, 300 dpi, no colour, Level 2.
+    /// The built-in description: A4, 300 dpi, no colour, Level 2. Says on the console that there is
+    /// no PPD.
     PostscriptPrinterInfo();
+    /// The same for who has chosen it, without a word.
+    enum class Chosen { kBuiltIn };
+    explicit PostscriptPrinterInfo(Chosen);
     /// Reads a PPD file. Throws PPD::ParserError.
     explicit PostscriptPrinterInfo(CFURLRef ppdURL);
     /// A copy has a parser of its own. Throws PPD::ParserError when the file has gone since.

@@ -170,7 +170,8 @@ CFDictionaryRef ZELPrCopyPrinterInfo(CFURLRef ppd, CFStringRef *message) {
     std::string refusal = "The printer description cannot be read";
     try {
         const PostscriptPrinterInfo info =
-            ppd ? PostscriptPrinterInfo(ppd) : PostscriptPrinterInfo();
+            ppd ? PostscriptPrinterInfo(ppd)
+                : PostscriptPrinterInfo(PostscriptPrinterInfo::Chosen::kBuiltIn);
         return CreatePrinterInfoDictionary(info, SheetSizesOf(ppd)).Detach();
     } catch (const PPD::ParserError &error) {
         refusal = error.ErrorMessage();

@@ -27,6 +27,10 @@ std::unique_ptr<PostscriptPrinterInfo> ReadPrinter(CFURLRef ppd, std::string &er
     return nullptr;
 }
 
+std::unique_ptr<PostscriptPrinterInfo> BuiltIn() {
+    return std::make_unique<PostscriptPrinterInfo>(PostscriptPrinterInfo::Chosen::kBuiltIn);
+}
+
 } // namespace
 
 int32_t ZELPrOpenWithPrinter(CFBundleRef bundle, CFURLRef ppd, DriverContext **context,
@@ -34,7 +38,7 @@ int32_t ZELPrOpenWithPrinter(CFBundleRef bundle, CFURLRef ppd, DriverContext **c
     if (message) *message = nullptr;
     if (context) *context = nullptr;
     std::string error;
-    std::unique_ptr<PostscriptPrinterInfo> printer = ReadPrinter(ppd, error);
+    std::unique_ptr<PostscriptPrinterInfo> printer = ppd ? ReadPrinter(ppd, error) : BuiltIn();
     if (printer) return OpenContext(bundle, std::move(printer), context);
     if (message) *message = TextOfUnknownEncoding(error).Detach();
     return kZELFileNotFound;
@@ -77,6 +81,10 @@ Boolean ZELPrDialogFailed() {
 
 void ZELPrCancelDialog() {
     CancelDialog();
+}
+
+Boolean ZELPrUserHasChosenPrinter(DriverContext *context) {
+    return HasSavedPPD(context->bundleIdentifier.Get());
 }
 
 CFURLRef ZELPrCopyUsersPrinter(DriverContext *context) {

@@ -2,12 +2,17 @@
 
 #include "PSHPrint.h"
 #include "host/command/Console.h"
+#include "host/command/HelpFormatter.h"
 #include "host/command/PlacementOptions.h"
+#include "host/command/Report.h"
 #include "host/job/JobTitle.h"
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <strings.h>
 
 namespace {
@@ -81,6 +86,8 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
 
     app.option_defaults()->group("How");
     Choice(app, "--ppd", options.ppd, "FILE", "PPD file of the printer");
+    app.add_flag("--built-in-printer", options.builtInPrinter,
+                 "print for no printer in particular: one A4 page, 300 dpi");
     Choice(app, "--media", options.media, "NAME|WxH{pt,mm,in}",
            "page by its name, or its size as WxH with pt, mm or in");
     Choice(app, "--resolution", options.resolution, "NAME|DPI",
@@ -123,8 +130,17 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
     app.add_flag("--print-dialog", options.printDialog, "run the driver's print dialog first");
 
     app.option_defaults()->group("Program");
+    app.add_flag("--no-sync", options.noSync, "do not wait until the document is on the disk");
+    app.add_flag("--allow-large", options.allowLarge,
+                 "print images that seem too large to be meant");
     app.add_flag("--dry-run", options.dryRun, "tell what would be printed, and print nothing");
-    app.add_flag("-q,--quiet", options.quiet, "say nothing on success");
+    app.add_flag_function(
+        "-q,--quiet",
+        [&options](std::int64_t count) {
+            options.quiet = count > 0;
+            SetQuiet(options.quiet);
+        },
+        "say nothing on success, not even warnings");
     app.add_flag("--json", options.json, "report as JSON on standard output");
     app.add_option("--band-height", options.bandHeight, "rows handed to the driver at a time")
         ->type_name("N")
@@ -142,10 +158,34 @@ void CheckArguments(int argc, char **argv) {
                                                    "the file");
 }
 
+/// The exit status of a failure that has been told: in one line, and as JSON to a program.
+int Fail(const HostError &error, bool asJSON) {
+    if (asJSON) {
+        // The failure is one whether anybody hears of it or not.
+        (void)fputs(ErrorAsJSON(error).c_str(), stdout);
+        (void)fflush(stdout);
+    }
+    ComplainOfFailure(error.what());
+    return static_cast<int>(error.Status());
+}
+
+/// Help, or the version.
+int ShowHelp(const CLI::App &app, const CLI::Success &wish, bool asJSON) {
+    (void)app.exit(wish);
+    if (std::cout.flush()) return static_cast<int>(ExitStatus::Success);
+    return Fail(HostError(ExitStatus::Output, "cannot write to standard output"), asJSON);
+}
+
 static_assert(kZELColourSpaceCMYK == 0 && kZELColourSpaceGray == 1 && kZELColourSpaceRGB == 2,
               "the order of the words");
 
 } // namespace
+
+bool IsJSONWanted(int argc, char **argv) {
+    for (int i = 1; i < argc && strcmp(argv[i], "--") != 0; ++i)
+        if (strcmp(argv[i], "--json") == 0) return true;
+    return false;
+}
 
 std::function<std::string(std::string &)> OneOf(std::vector<std::string> words) {
     return [words = std::move(words)](std::string &text) {
@@ -163,8 +203,10 @@ std::function<std::string(std::string &)> OneOf(std::vector<std::string> words) 
 
 int RunCommandLine(int argc, char **argv,
                    const std::function<ExitStatus(const JobOptions &)> &print) {
+    const bool asJSON = IsJSONWanted(argc, argv);
     CLI::App app("Prints images and PDFs as PostScript through the ZEL PostScript Printer Driver.",
                  "zelprint");
+    app.formatter(std::make_shared<HelpFormatter>());
     JobOptions options;
     CommandAction action = [&] { return print(options); };
     AddJobOptions(app, options);
@@ -177,28 +219,22 @@ int RunCommandLine(int argc, char **argv,
     app.require_subcommand(0, 1);
     try {
         app.parse(argc, argv);
-    } catch (const CLI::ParseError &error) {
-        if (error.get_exit_code() == 0) {
-            // Help, or the version.
-            (void)app.exit(error);
-            if (std::cout.flush()) return static_cast<int>(ExitStatus::Success);
-            Complain("cannot write to standard output");
-            return static_cast<int>(ExitStatus::Output);
-        }
-        Complain(std::string(error.what()) + "; see zelprint --help");
-        return static_cast<int>(ExitStatus::Usage);
-    }
-    try {
         CheckArguments(argc, argv);
         // A command answers in its terminal: without a display the driver's messages are lines
         // there, and no alert waits for a click.
         if (!options.pageSetup && !options.printDialog) (void)unsetenv("DISPLAY");
         return static_cast<int>(action());
+    } catch (const CLI::Success &wish) {
+        return ShowHelp(app, wish, asJSON);
+    } catch (const CLI::ParseError &error) {
+        return Fail(
+            HostError(ExitStatus::Usage, std::string(error.what()) + "; see zelprint --help"),
+            asJSON);
     } catch (const HostError &error) {
-        Complain(error.what());
-        return static_cast<int>(error.Status());
+        return Fail(error, asJSON);
     } catch (const std::exception &error) {
-        Complain(std::string("unexpected failure: ") + error.what());
-        return static_cast<int>(ExitStatus::Driver);
+        return Fail(
+            HostError(ExitStatus::Driver, std::string("unexpected failure: ") + error.what()),
+            asJSON);
     }
 }

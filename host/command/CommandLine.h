@@ -13,7 +13,11 @@ class App;
 /// What to run once the whole command line has been read; set by the subcommand that was named.
 using CommandAction = std::function<ExitStatus()>;
 
-/// Runs zelprint. Every failure is one line on standard error. `print` prints a job.
+/// Does the command line ask for JSON? Told before it is parsed, which may fail.
+[[nodiscard]] bool IsJSONWanted(int argc, char **argv);
+
+/// Runs zelprint. Every failure is one line on standard error, and JSON on standard output for who
+/// asks for that. `print` prints a job.
 [[nodiscard]] int RunCommandLine(int argc, char **argv,
                                  const std::function<ExitStatus(const JobOptions &)> &print);
 

@@ -5,6 +5,12 @@
 #include <cstdio>
 #include <cstring>
 
+namespace {
+
+bool isQuiet = false;
+
+} // namespace
+
 std::string PlainText(const std::string &utf8) {
     std::string text;
     for (size_t i = 0; i < utf8.size(); ++i) {
@@ -23,6 +29,14 @@ void Answer(const std::string &text) {
                     std::string("cannot write to standard output: ") + strerror(errno));
 }
 
+void SetQuiet(bool quiet) {
+    isQuiet = quiet;
+}
+
 void Complain(const std::string &message) {
+    if (!isQuiet) ComplainOfFailure(message);
+}
+
+void ComplainOfFailure(const std::string &message) {
     (void)fprintf(stderr, "zelprint: %s\n", PlainText(message).c_str());
 }

@@ -12,7 +12,14 @@
 /// written.
 void Answer(const std::string &text);
 
-/// Writes one line that begins with "zelprint: ".
+/// With `quiet`, Complain is silent: what it says is of interest only where somebody reads it.
+void SetQuiet(bool quiet);
+
+/// Writes one line that begins with "zelprint: ": something that does not keep the job from being
+/// printed.
 void Complain(const std::string &message);
+
+/// Writes one line that begins with "zelprint: ", why the command fails.
+void ComplainOfFailure(const std::string &message);
 
 #endif

@@ -2,6 +2,7 @@
 
 #include "host/command/Console.h"
 #include "host/command/Report.h"
+#include "host/job/Cancellation.h"
 
 namespace {
 
@@ -27,7 +28,9 @@ ExitStatus PrintEach(const JobOptions &options,
     CheckOptions(options);
     ExitStatus status = ExitStatus::Success;
     size_t printed = 0;
+    const Cancellation cancellation; // what is printed by then is told
     for (const std::string &file : options.files) {
+        Cancellation::Check();
         JobOptions one = options;
         one.files = {file};
         try {
@@ -37,9 +40,10 @@ ExitStatus PrintEach(const JobOptions &options,
             if (EndsAll(error.Status())) throw;
             if (status == ExitStatus::Success) status = error.Status();
             if (options.json) Answer(ErrorAsJSON(error, file));
-            Complain(error.what());
+            ComplainOfFailure(error.what());
         }
     }
+    Cancellation::Disregard();
     if (!options.json && !options.quiet && !options.dryRun)
         Answer("printed " + std::to_string(printed) + " of " +
                std::to_string(options.files.size()) +

@@ -44,6 +44,9 @@ struct JobOptions {
     bool pageSetup = false;
     bool printDialog = false;
     bool allowDamaged = false; ///< print what a decoder makes of a damaged file
+    bool builtInPrinter = false;
+    bool noSync = false;
+    bool allowLarge = false;
     bool dryRun = false;
     bool quiet = false;
     bool json = false;

@@ -9,13 +9,14 @@
 #include <CLI/CLI.hpp>
 #include <cctype>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace {
 
 struct Options {
     SeparationRecipe recipe;
     std::string name;
-    bool force = false, forSystem = false;
+    bool force = false, forSystem = false, json = false;
 };
 
 ExitStatus Make(const Options &options, const std::string &bundlePath) {
@@ -26,7 +27,10 @@ ExitStatus Make(const Options &options, const std::string &bundlePath) {
         options.forSystem ? SystemSeparationsFolder() : SeparationsFolder(DriverBundle(bundlePath));
     const std::string bytes = MakeSeparationProfile(options.recipe);
     const std::string path = InstallSeparation(folder, options.name, bytes, options.force);
-    Answer("Separation '" + PlainText(options.name) + "' is in " + PlainText(path) + "\n");
+    const nlohmann::json answer = {{"name", options.name}, {"path", path}};
+    Answer(options.json
+               ? answer.dump() + "\n"
+               : "Separation '" + PlainText(options.name) + "' is in " + PlainText(path) + "\n");
     return ExitStatus::Success;
 }
 
@@ -63,6 +67,7 @@ void AddOptions(CLI::App &command, Options &options) {
     command.add_flag("--system", options.forSystem,
                      "for the print queues of this machine, not for this user");
     command.add_flag("--force", options.force, "replace a separation of that name");
+    command.add_flag("--json", options.json, "tell where it is as a JSON object");
 }
 
 } // namespace

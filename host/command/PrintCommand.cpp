@@ -23,6 +23,9 @@ constexpr int kKeptBytes = 32 << 20;
 void CheckOptions(const JobOptions &options) {
     if (options.files.empty())
         throw HostError(ExitStatus::Usage, "no file to print; see zelprint --help");
+    if (options.ppd && options.builtInPrinter)
+        throw HostError(ExitStatus::Usage,
+                        "--ppd and --built-in-printer both name a printer; give one of them");
     const bool placed = options.output && options.hotFolder;
     if (placed && options.output->find('/') != std::string::npos)
         throw HostError(ExitStatus::Usage,
@@ -93,7 +96,7 @@ ExitStatus Print(const JobOptions &options) {
     StartModule(files, options.each);
     CheckPNMFiles(files);
     TellOfFrames(files);
-    const DriverSession session(bundle, PPDOfJob(options));
+    const DriverSession session(bundle, PPDOfJob(options), options.quiet);
     const RecordHandle record(sizeof(PSHPrint));
     const JobPlan plan = SetUpJob(session, options, files, record.Get());
     const std::string cut = CutNotice(plan, options.placement);
@@ -116,10 +119,5 @@ ExitStatus Print(const JobOptions &options) {
 ExitStatus PrintCommand(const JobOptions &options) {
     if (options.each && !options.files.empty())
         return PrintEach(options, [](const JobOptions &one) { (void)Print(one); });
-    try {
-        return Print(options);
-    } catch (const HostError &error) {
-        if (options.json) Mention(ErrorAsJSON(error));
-        throw;
-    }
+    return Print(options);
 }

@@ -178,6 +178,7 @@ ExitStatus ShowPrinter(const std::string &bundlePath, const std::string &path, b
 nlohmann::ordered_json ReadPrinterInfo(const DriverBundle &bundle, const std::string &path) {
     const CFOwner<CFURLRef> url = MakeFileURL(path, false);
     if (!url) throw HostError(ExitStatus::Input, kAboutPrinter, path + ": Can't get path to file");
+    CheckPPDSize(path);
     CFOwner<CFStringRef> message;
     const CFOwner<CFDictionaryRef> info(
         ZEL_CALL(bundle, ZELPrCopyPrinterInfo)(url.Get(), message.Out()));

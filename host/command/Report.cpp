@@ -147,14 +147,17 @@ std::string DryRunAsText(const JobPlan &plan) {
     return "would print " + Details(plan) + ", " + std::to_string(plan.grid.width) + " x " +
            std::to_string(plan.grid.height) + " pixels a page, about " +
            Megabytes(ExpectedBytes(plan)) + (plan.queue ? ", to the print queue" : ", in ") +
-           (plan.queue ? "" : plan.folder) + "\n";
+           (plan.queue            ? ""
+            : plan.folder.empty() ? "a folder still to be chosen"
+                                  : plan.folder) +
+           "\n";
 }
 
 std::string DryRunAsJSON(const JobPlan &plan) {
     json job = JobAsJSON(plan);
     job["dry_run"] = true;
     job["queue"] = plan.queue;
-    job["folder"] = plan.folder;
+    job["folder"] = plan.folder.empty() ? json(nullptr) : json(plan.folder);
     job["expected_bytes"] = ExpectedBytes(plan);
     return Dump(job);
 }

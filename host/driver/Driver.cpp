@@ -5,6 +5,7 @@
 #include "host/driver/ProgramPath.h"
 #include <cstdlib>
 #include <sys/stat.h>
+#include <utility>
 
 namespace {
 
@@ -13,6 +14,11 @@ const char kBundleName[] = "ZELPostscript.bundle";
 bool IsFolder(const std::string &path) {
     struct stat info {};
     return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+[[noreturn]] void Refuse(const std::string &ppd, CFStringRef message) {
+    throw HostError(ExitStatus::Input, kAboutPrinter,
+                    ppd + ": refused as a PPD file: " + WhyRefused(ppd, message));
 }
 
 } // namespace
@@ -39,17 +45,19 @@ DriverBundle::DriverBundle(const std::string &option) : mPath(FindBundle(option)
     const auto load = [this](const char *name) {
         return CFBundleGetFunctionPointerForName(mBundle.Get(), MakeCFString(name).Get());
     };
-#define ZEL_HOST_LOAD(name)                                                                        \
-    mFunctions.name = reinterpret_cast<decltype(mFunctions.name)>(load(#name));
-    ZEL_HOST_FUNCTIONS(ZEL_HOST_LOAD)
-#undef ZEL_HOST_LOAD
-    if (!mFunctions.ZELPrOpen || !mFunctions.ZELPrClose)
+    // The system says of every name why it is not found: the first tells enough.
+    if (!load("ZELPrOpen"))
         throw HostError(ExitStatus::Driver,
                         "the driver bundle " + mPath + " cannot be loaded; install it again");
+#define ZEL_HOST_LOAD(name)                                                                        \
+    mFunctions.name = reinterpret_cast<decltype(mFunctions.name)>(load(#name));                    \
+    if (!mFunctions.name) ThrowMissing(#name);
+    ZEL_HOST_FUNCTIONS(ZEL_HOST_LOAD)
+#undef ZEL_HOST_LOAD
 }
 
 void DriverBundle::KeepFreedMemory(int bytes) const {
-    if (mFunctions.ZELPrKeepFreedMemory) mFunctions.ZELPrKeepFreedMemory(bytes);
+    mFunctions.ZELPrKeepFreedMemory(bytes);
 }
 
 void DriverBundle::ThrowMissing(const char *name) const {
@@ -65,27 +73,61 @@ RecordHandle::~RecordHandle() {
     DisposeHandle(mHandle);
 }
 
-DriverSession::DriverSession(const DriverBundle &bundle, const std::string &ppd) : mBundle(bundle) {
-    CFOwner<CFStringRef> message;
-    int32_t code = kZELNoError;
-    if (ppd.empty()) {
-        code = bundle.Functions().ZELPrOpen(bundle.Bundle(), &mContext);
-    } else {
-        CheckPPDName(ppd);
-        code = ZEL_CALL(bundle, ZELPrOpenWithPrinter)(
-            bundle.Bundle(), MakeFileURL(ppd, false).Get(), &mContext, message.Out());
+DriverSession::DriverSession(const DriverBundle &bundle, const std::optional<std::string> &ppd,
+                             bool quiet)
+    : mBundle(bundle) {
+    try {
+        if (ppd)
+            OpenWithPrinter(*ppd);
+        else
+            OpenWithUsersPrinter(quiet);
+    } catch (...) {
+        if (mContext) (void)ZEL_CALL(mBundle, ZELPrClose)(mContext);
+        throw;
     }
-    if (message)
-        throw HostError(ExitStatus::Input, kAboutPrinter,
-                        ppd + ": refused as a PPD file: " + WhyRefused(ppd, message.Get()));
+}
+
+void DriverSession::Check(int32_t code) const {
     if (code != kZELNoError || !mContext)
         throw HostError(ExitStatus::Driver,
                         "the driver cannot be opened (code " + std::to_string(code) + ")");
 }
 
+void DriverSession::OpenWithPrinter(const std::string &ppd) {
+    if (!ppd.empty()) CheckPPDName(ppd);
+    const CFOwner<CFURLRef> url = ppd.empty() ? CFOwner<CFURLRef>() : MakeFileURL(ppd, false);
+    CFOwner<CFStringRef> message;
+    const int32_t code = ZEL_CALL(mBundle, ZELPrOpenWithPrinter)(mBundle.Bundle(), url.Get(),
+                                                                 &mContext, message.Out());
+    if (message) Refuse(ppd, message.Get());
+    Check(code);
+}
+
+/// The driver would read any file, and would say on standard error what it does without one.
+void DriverSession::OpenWithUsersPrinter(bool quiet) {
+    OpenWithPrinter({});
+    const std::string ppd = UsersPPD();
+    if (quiet && ppd.empty() && ZEL_CALL(mBundle, ZELPrUserHasChosenPrinter)(mContext))
+        throw HostError(ExitStatus::Input, kAboutPrinter,
+                        "the PPD file that the user has chosen is gone; choose "
+                        "the printer with --ppd or --page-setup");
+    if (ppd.empty() && quiet) return;
+    CFOwner<CFStringRef> message;
+    if (!ppd.empty()) {
+        CheckPPDSize(ppd);
+        if (ZEL_CALL(mBundle, ZELPrSetPrinter)(mContext, MakeFileURL(ppd, false).Get(),
+                                               message.Out()) == kZELNoError)
+            return;
+        // Nobody would hear that another printer is meant.
+        if (quiet) Refuse(ppd, message.Get());
+    }
+    (void)ZEL_CALL(mBundle, ZELPrClose)(std::exchange(mContext, nullptr));
+    Check(ZEL_CALL(mBundle, ZELPrOpen)(mBundle.Bundle(), &mContext));
+}
+
 DriverSession::~DriverSession() {
     // The code was reported by the call that failed first.
-    (void)mBundle.Functions().ZELPrClose(mContext);
+    (void)ZEL_CALL(mBundle, ZELPrClose)(mContext);
 }
 
 std::string DriverSession::ErrorText(int32_t code) const {

@@ -5,6 +5,7 @@
 #include "ZELExtensions.h"
 #include "ZELPrint.h"
 #include "host/driver/CFOwner.h"
+#include <optional>
 #include <string>
 
 /// Every function that zelprint calls, by its exported name.
@@ -40,6 +41,8 @@
     X(ZELPrSetSendToPrintQueue)                                                                    \
     X(ZELPrDocumentLength)                                                                         \
     X(ZELPrCopyUsersPrinter)                                                                       \
+    X(ZELPrUserHasChosenPrinter)                                                                   \
+    X(ZELPrSetPrinter)                                                                             \
     X(ZELPrCopyUsersHotFolder)                                                                     \
     X(ZELPrUserSendsToPrintQueue)                                                                  \
     X(ZELPrCanShowDialogs)                                                                         \
@@ -48,7 +51,7 @@
     X(ZELPrHandToPrintQueue)                                                                       \
     X(ZELPrKeepFreedMemory)
 
-/// The bundle's functions under their own names. A function that this bundle lacks is null.
+/// The bundle's functions under their own names.
 struct DriverFunctions {
 // A name after :: takes no parentheses.
 #define ZEL_HOST_DECLARE(name)                                                                     \
@@ -64,22 +67,15 @@ struct DriverFunctions {
 /// A loaded bundle. Bundles are never unloaded.
 class DriverBundle {
 public:
-    /// Loads the bundle that `option` names (see FindBundle). Throws HostError.
+    /// Loads the bundle that `option` names (see FindBundle). Throws HostError, also when the
+    /// bundle lacks a function.
     explicit DriverBundle(const std::string &option);
 
     [[nodiscard]] CFBundleRef Bundle() const { return mBundle.Get(); }
-    /// The functions; calling one that is null is the caller's fault: see Require.
     [[nodiscard]] const DriverFunctions &Functions() const { return mFunctions; }
 
-    /// See ZELPrKeepFreedMemory; a driver that does not know it leaves the allocator as it is.
+    /// See ZELPrKeepFreedMemory.
     void KeepFreedMemory(int bytes) const;
-
-    /// `function` itself. Throws HostError when the bundle lacks it; `name` is for the message.
-    template <typename F>
-    [[nodiscard]] F Require(F function, const char *name) const {
-        if (!function) ThrowMissing(name);
-        return function;
-    }
 
 private:
     [[noreturn]] void ThrowMissing(const char *name) const;
@@ -89,8 +85,8 @@ private:
     DriverFunctions mFunctions;
 };
 
-/// Calls `bundle.Functions().name(...)` or fails with a clear message when it is not there.
-#define ZEL_CALL(bundle, name) (bundle).Require((bundle).Functions().name, #name)
+/// bundle.Functions().name
+#define ZEL_CALL(bundle, name) (bundle).Functions().name
 
 /// A memory handle of the host's own.
 class RecordHandle {
@@ -108,8 +104,11 @@ private:
 /// An open driver; closed with its owner.
 class DriverSession {
 public:
-    /// With the printer of the PPD file `ppd`; empty: with the user's. Throws HostError.
-    DriverSession(const DriverBundle &bundle, const std::string &ppd);
+    /// With the printer of the PPD file `ppd`, or the built-in one for an empty path; without a
+    /// path, with the one that the user has chosen. Where there is none, or none that can be read,
+    /// the driver says so and takes the built-in one; with `quiet` it says nothing, and a chosen
+    /// printer that cannot be used is a failure. Throws HostError.
+    DriverSession(const DriverBundle &bundle, const std::optional<std::string> &ppd, bool quiet);
     ~DriverSession();
     DriverSession(const DriverSession &) = delete;
     DriverSession &operator=(const DriverSession &) = delete;
@@ -124,6 +123,10 @@ public:
     [[nodiscard]] std::string UsersHotFolder() const;
 
 private:
+    void OpenWithPrinter(const std::string &ppd);
+    void OpenWithUsersPrinter(bool quiet);
+    void Check(int32_t code) const;
+
     const DriverBundle &mBundle;
     DriverContext *mContext = nullptr;
 };

@@ -11,6 +11,9 @@
 
 namespace {
 
+/// Far beyond printers' descriptions. The driver reads the file once a keyword.
+constexpr off_t kLargestPPD = 4 << 20;
+
 const void *ValueOf(CFDictionaryRef dictionary, const char *key) {
     return CFDictionaryGetValue(dictionary, MakeCFString(key).Get());
 }
@@ -125,10 +128,19 @@ std::string WhyRefused(const std::string &ppd, CFStringRef message) {
                      : TextOfCFString(message);
 }
 
+void CheckPPDSize(const std::string &ppd) {
+    struct stat info {};
+    if (stat(ppd.c_str(), &info) != 0 || info.st_size <= kLargestPPD) return;
+    throw HostError(ExitStatus::Input, kAboutPrinter,
+                    ppd + ": larger than 4 MB, as no printer's description is; "
+                          "check the name of the PPD file");
+}
+
 void CheckPPDName(const std::string &ppd) {
     if (access(ppd.c_str(), R_OK) != 0)
         throw HostError(ExitStatus::Input, kAboutPrinter,
                         ppd + ": " + strerror(errno) + "; check the name of the PPD file");
+    CheckPPDSize(ppd);
 }
 
 SessionPrinter PrinterOf(const DriverSession &session) {

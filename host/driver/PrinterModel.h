@@ -43,7 +43,12 @@ struct PrinterModel {
     [[nodiscard]] const PrinterResolution *BestResolution(double x, double y) const;
 };
 
-/// Throws HostError (Input) when there is no file of that name that can be read.
+/// Throws HostError (Input) when the file is larger than any printer's description: reading it
+/// would take minutes.
+void CheckPPDSize(const std::string &ppd);
+
+/// Throws HostError (Input) when there is no file of that name that can be read, or CheckPPDSize
+/// does.
 void CheckPPDName(const std::string &ppd);
 
 /// The printer that a session prints with, and its PPD file: empty for the built-in printer.

@@ -1,15 +1,21 @@
-/// Ctrl-C and its kin while a document is being written.
+/// Ctrl-C and its kin, from the start of the program to its end.
 #ifndef ZEL_HOST_CANCELLATION_H
 #define ZEL_HOST_CANCELLATION_H
 
 #include "host/command/ExitStatus.h"
-#include <csignal>
 
-/// While it lives, SIGINT, SIGTERM and SIGHUP are noted instead of ending the process, so that the
-/// unfinished document can be taken away; a write beyond a limit fails instead of killing. One at a
-/// time.
+/// While one lives, SIGINT, SIGTERM and SIGHUP are noted instead of ending the process, so that
+/// what is unfinished can be taken away. May be nested. With the last of them the process ends, if
+/// a signal has come and no exception is on its way.
 class Cancellation {
 public:
+    /// From now on these signals end the process at once, with the documented status and one line
+    /// (and with JSON on standard output, if `json`); writing to a closed pipe or beyond a limit
+    /// fails instead of killing. To be called once.
+    static void Begin(bool json);
+    /// The document is in its place: from now on signals change nothing.
+    static void Disregard();
+
     Cancellation();
     ~Cancellation();
     Cancellation(const Cancellation &) = delete;
@@ -18,9 +24,8 @@ public:
     [[nodiscard]] static bool IsWanted();
     /// The exit status that belongs to the signal.
     [[nodiscard]] static ExitStatus Status();
-
-private:
-    struct sigaction mOld[5];
+    /// Throws HostError with the status that belongs to the signal, if one has come.
+    static void Check();
 };
 
 #endif

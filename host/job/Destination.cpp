@@ -39,6 +39,9 @@ std::string ChooseTitle(const JobOptions &options, const SourceFile &first) {
 Destination PlanDestination(const DriverSession &session, const JobOptions &options,
                             const RecordChoices &choices, const SourceFile &first, bool eps) {
     Destination plan;
+    plan.sync = !options.noSync;
+    plan.namedInDialog = options.printDialog;
+    plan.moreFollow = options.each;
     plan.title = ChooseTitle(options, first);
     if (options.hotFolder) plan.folder = *options.hotFolder;
     if (options.output) {
@@ -59,7 +62,7 @@ Destination PlanDestination(const DriverSession &session, const JobOptions &opti
         throw HostError(ExitStatus::Usage,
                         "an EPS file is no print job; leave out --queue or --eps");
     if (plan.folder.empty() && plan.queue) plan.folder = FolderForQueue();
-    if (plan.folder.empty())
+    if (plan.folder.empty() && !options.dryRun)
         throw HostError(ExitStatus::Usage, "there is no saved hot folder; say where the document "
                                            "goes with --hot-folder DIR or -o FILE");
     return plan;

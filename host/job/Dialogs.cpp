@@ -23,7 +23,7 @@ std::atomic<bool> windowsAreUsed{false};
 
 /// Where cleaning up is over and nothing but the program's end is left.
 [[noreturn]] void EndAtOnce(ExitStatus status, const char *message) {
-    Complain(message);
+    ComplainOfFailure(message);
     (void)fflush(nullptr);
     _exit(static_cast<int>(status));
 }

@@ -58,7 +58,10 @@ struct RasterPlan {
 struct Destination {
     std::string title;
     std::string folder;
-    std::string name; ///< what the first file is called there; empty: after the title
+    std::string name;           ///< what the first file is called there; empty: after the title
+    bool namedInDialog = false; ///< the user may have chosen another in the print dialog
+    bool moreFollow = false;    ///< documents, which a signal may keep from being printed
+    bool sync = true;           ///< wait until the document is on the disk
     bool queue = false;
 };
 

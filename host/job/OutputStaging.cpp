@@ -1,6 +1,7 @@
 #include "host/job/OutputStaging.h"
 
 #include "host/command/ExitStatus.h"
+#include "host/job/Cancellation.h"
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -9,6 +10,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <set>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -37,12 +39,15 @@ std::string RealFolder(const std::string &folder) {
     return real;
 }
 
-std::string SplitExtension(std::string &name) {
+/// "base.ps", "base_01.ps", ..., "base_99.ps"
+constexpr int kNumbers = 100;
+
+std::string Numbered(const std::string &name, int number) {
     const size_t dot = name.rfind('.');
-    if (dot == std::string::npos || dot == 0) return {};
-    std::string extension = name.substr(dot);
-    name.resize(dot);
-    return extension;
+    const size_t end = dot == std::string::npos || dot == 0 ? name.size() : dot;
+    char suffix[8] = "";
+    if (number > 0) (void)snprintf(suffix, sizeof suffix, "_%02d", number);
+    return name.substr(0, end) + suffix + name.substr(end);
 }
 
 /// Waits until the file or folder is on the disk. 0 or an errno value.
@@ -93,7 +98,7 @@ OutputStaging::OutputStaging(const std::string &folder, const StagingFunctions &
 std::vector<std::string> OutputStaging::Files() const {
     std::vector<std::string> names;
     DIR *folder = opendir(Folder().c_str());
-    if (!folder) return names;
+    if (!folder) Refuse(Folder(), std::string(strerror(errno)) + "; print again");
     while (const dirent *entry = readdir(folder)) {
         const std::string name = entry->d_name;
         if (name != "." && name != ".." && !StagingFolder::IsOwn(name)) names.push_back(name);
@@ -107,19 +112,26 @@ std::vector<std::string> OutputStaging::Files() const {
 }
 
 std::string OutputStaging::MoveUnique(const std::string &name) const {
-    std::string base = name;
-    const std::string extension = SplitExtension(base);
-    for (int number = 0; number < 100; ++number) {
-        char suffix[8] = "";
-        if (number > 0) (void)snprintf(suffix, sizeof suffix, "_%02d", number);
-        std::string target = mFolder + "/" + base;
-        target.append(suffix).append(extension);
+    for (int number = 0; number < kNumbers; ++number) {
+        std::string target = mFolder + "/" + Numbered(name, number);
         const int code = MoveWithoutReplacing(mDriver.move, Folder() + "/" + name, target);
         if (code == 0) return target;
         if (code != EEXIST) Refuse(target, strerror(code));
     }
     Refuse(mFolder + "/" + name, "this name and its 99 numbered forms are taken; remove some of "
                                  "these files, or choose another title with -t");
+}
+
+void OutputStaging::RestoreNames(const std::vector<std::string> &names) const {
+    const std::vector<std::string> files = Files();
+    const std::set<std::string> present(files.begin(), files.end());
+    for (const std::string &name : names)
+        for (int number = 1; number < kNumbers && present.count(name) == 0; ++number) {
+            const std::string numbered = Numbered(name, number);
+            if (present.count(numbered) == 0) continue;
+            (void)rename((Folder() + "/" + numbered).c_str(), (Folder() + "/" + name).c_str());
+            break;
+        }
 }
 
 std::string OutputStaging::MoveOver(const std::string &file, const std::string &name) const {
@@ -134,6 +146,8 @@ std::vector<FinishedFile> OutputStaging::Publish(const std::string &name) {
     const std::vector<std::string> files = Files();
     std::vector<FinishedFile> published(files.size());
     if (mSync == Sync::Yes) SynchronizeFiles(files);
+    // That may have taken a while.
+    Cancellation::Check();
     // A file that replaces another goes last: that step cannot be undone.
     const size_t first = name.empty() ? 0 : 1;
     try {

@@ -37,8 +37,12 @@ public:
 
     /// Where the driver writes.
     [[nodiscard]] const std::string &Folder() const { return mStaging->Path(); }
-    /// Names of the files there, in the order of the pages.
+    /// Names of the files there, in the order of the pages. Throws HostError (Output).
     [[nodiscard]] std::vector<std::string> Files() const;
+
+    /// Gives files that the driver could not create at once, and so has numbered ("title_01.ps"),
+    /// the `names` that they were meant to have.
+    void RestoreNames(const std::vector<std::string> &names) const;
 
     /// Moves the files to the final folder: all, or none. The first is called `name` there if that
     /// is not empty, and replaces what has the name; every other file takes its own name, with a

@@ -8,6 +8,7 @@
 #include "host/readers/RowReader.h"
 #include "host/separations/Separations.h"
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <set>
@@ -165,9 +166,8 @@ private:
     }
 
     void StopIfCancelled() const {
-        if (!Cancellation::IsWanted()) return;
-        mDriver.ZELPrSetError(mContext, kZELUserCancelled);
-        throw HostError(Cancellation::Status(), "cancelled; nothing was kept");
+        if (Cancellation::IsWanted()) mDriver.ZELPrSetError(mContext, kZELUserCancelled);
+        Cancellation::Check();
     }
 
     const DriverSession &mSession;
@@ -235,6 +235,18 @@ bool IsQueued(const DriverBundle &bundle, const std::string &path) {
     return ZEL_CALL(bundle, ZELPrHandToPrintQueue)(path.c_str()) != 0;
 }
 
+/// What the driver calls the files unless it could not create one at once.
+std::vector<std::string> NamesOf(const JobPlan &plan) {
+    if (!plan.eps) return {plan.title + ".ps"};
+    std::vector<std::string> names;
+    for (int page = 1; page <= plan.TotalPages(); ++page) {
+        char suffix[24] = "";
+        if (page > 1) (void)snprintf(suffix, sizeof suffix, "_p%02d", page);
+        names.push_back(plan.title + suffix + ".eps");
+    }
+    return names;
+}
+
 } // namespace
 
 JobResult PrintJob(const DriverSession &session, Handle record, const JobPlan &plan, int bandHeight,
@@ -242,22 +254,29 @@ JobResult PrintJob(const DriverSession &session, Handle record, const JobPlan &p
     const Cancellation cancellation;
     const DriverFunctions &driver = session.Bundle().Functions();
     OutputStaging staging(plan.folder,
-                          {driver.ZELPrMoveWithoutReplacing, driver.ZELPrInheritRights});
+                          {driver.ZELPrMoveWithoutReplacing, driver.ZELPrInheritRights},
+                          plan.sync ? Sync::Yes : Sync::No);
     CheckRoom(plan.folder, plan.LeastFileSize(plan.TotalPages()));
     SetOutputFolder(session, record, staging.Folder());
     DocumentWriter writer(session, plan, bandHeight, quiet);
     writer.Open();
     writer.PrintPages();
+    if (!plan.namedInDialog) staging.RestoreNames(NamesOf(plan));
     CheckFiles(plan, staging, writer.Length());
     JobResult result;
+    Cancellation::Check();
     result.queued =
         plan.queue && IsQueued(session.Bundle(), staging.Folder() + "/" + staging.Files()[0]);
-    if (result.queued) return result;
+    if (result.queued) {
+        if (!plan.moreFollow) Cancellation::Disregard();
+        return result;
+    }
     // A name that is not made from the title was chosen in the print dialog's save panel, which has
     // asked whether it may replace a file.
     const std::string staged = staging.Files()[0];
-    const bool chosen = staged != plan.title + (plan.eps ? ".eps" : ".ps");
+    const bool chosen = plan.namedInDialog && staged != plan.title + (plan.eps ? ".eps" : ".ps");
     result.files = staging.Publish(plan.name.empty() && chosen ? staged : plan.name);
+    if (!plan.moreFollow) Cancellation::Disregard();
     if (plan.queue)
         throw HostError(ExitStatus::Queue, "the print queue did not take the document; it is kept "
                                            "as " +

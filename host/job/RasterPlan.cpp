@@ -2,6 +2,7 @@
 
 #include "host/command/Console.h"
 #include "host/command/ExitStatus.h"
+#include "host/job/ImageLimits.h"
 #include "host/job/PageRange.h"
 #include "host/separations/DriverSeparation.h"
 #include <algorithm>
@@ -108,6 +109,7 @@ PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
     if (choice.pages.empty())
         throw HostError(ExitStatus::Usage, "none of the " + std::to_string(number) +
                                                " pages is in the range asked for; correct -P");
+    if (!options.allowLarge) CheckImageSizes(choice.pages);
     return choice;
 }
 

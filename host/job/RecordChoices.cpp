@@ -84,8 +84,9 @@ void SuggestDocument(const DriverSession &session, const SourceFile &first) {
 }
 
 /// The printer that the job is to be repeated with; `ppd` is the one before the dialog.
-std::string RunPageSetup(const DriverSession &session, const SourceFile &first,
-                         std::optional<bool> queue, Handle record, const std::string &ppd) {
+std::optional<std::string> RunPageSetup(const DriverSession &session, const SourceFile &first,
+                                        std::optional<bool> queue, Handle record,
+                                        const std::optional<std::string> &ppd) {
     const DriverBundle &bundle = session.Bundle();
     SuggestDocument(session, first);
     if (queue) ZEL_CALL(bundle, ZELPrSetSendToPrintQueue)(session.Context(), *queue);
@@ -125,7 +126,7 @@ std::string RunPrintDialog(const DriverSession &session, const std::string &titl
 }
 
 void SaveSettings(const DriverSession &session, const JobOptions &options, Handle record,
-                  const std::string &ppd, std::optional<bool> queue) {
+                  const std::optional<std::string> &ppd, std::optional<bool> queue) {
     if (options.hotFolder) SetOutputFolder(session, record, *options.hotFolder);
     const CFOwner<CFDictionaryRef> settings(
         ZEL_CALL(session.Bundle(), ZELPrCopyJobSettings)(session.Context(), record));
@@ -134,9 +135,10 @@ void SaveSettings(const DriverSession &session, const JobOptions &options, Handl
 
 } // namespace
 
-std::string PPDOfJob(const JobOptions &options) {
-    if (!options.ppd)
-        return options.settings.empty() ? std::string() : ReadSettings(options.settings).ppd;
+std::optional<std::string> PPDOfJob(const JobOptions &options) {
+    if (options.builtInPrinter) return std::string();
+    if (!options.ppd && options.settings.empty()) return std::nullopt;
+    if (!options.ppd) return ReadSettings(options.settings).ppd;
     const std::string path = RealPath(*options.ppd);
     return path.empty() ? *options.ppd : path;
 }
@@ -148,7 +150,7 @@ RecordChoices ChooseRecord(const DriverSession &session, const JobOptions &optio
     FillRecord(session, saved, handle);
     Record record(handle);
     ApplyOptions(session.Bundle(), options, PrinterOf(session).model, record);
-    std::string ppd = PPDOfJob(options);
+    std::optional<std::string> ppd = PPDOfJob(options);
     std::optional<bool> queue = options.queue ? options.queue : saved.queue;
     if (options.pageSetup) {
         ppd = RunPageSetup(session, first, queue, handle, ppd);

@@ -13,8 +13,9 @@ struct RecordChoices {
     std::optional<bool> queue; ///< of the options or the settings file
 };
 
-/// The PPD file that the options or the settings file name; empty: the user's. Throws HostError.
-[[nodiscard]] std::string PPDOfJob(const JobOptions &options);
+/// The PPD file that the options or the settings file name, empty for the built-in printer; none:
+/// the user's. Throws HostError.
+[[nodiscard]] std::optional<std::string> PPDOfJob(const JobOptions &options);
 
 /// Fills the record from the user's defaults or the settings file, applies the options, runs the
 /// dialogs asked for (`first` is what they take for the document) and saves the settings where that

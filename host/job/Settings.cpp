@@ -2,8 +2,10 @@
 
 #include "PSHPrint.h"
 #include "host/command/ExitStatus.h"
+#include "host/job/Cancellation.h"
 #include "host/job/OutputStaging.h"
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -46,6 +48,7 @@ std::vector<uint8_t> ReadWhole(const std::string &path) {
 }
 
 void WriteWhole(const std::string &path, const std::vector<uint8_t> &bytes) {
+    const Cancellation cancellation; // the draft goes, whatever comes
     CheckReplaceable(path);
     const std::string draft = path + ".zelprint-" + std::to_string(getpid());
     FILE *file = fopen(draft.c_str(), "wbx");
@@ -67,6 +70,13 @@ CFDictionaryRef AsDictionary(CFTypeRef value) {
     return static_cast<CFDictionaryRef>(value);
 }
 
+uint32_t ColourSpaceOf(const std::vector<uint8_t> &record) {
+    uint32_t colourSpace = 0;
+    for (size_t i = 0; i < sizeof colourSpace; ++i)
+        colourSpace = colourSpace << 8 | record[offsetof(PSHPrint, mColourSpace_be) + i];
+    return colourSpace;
+}
+
 } // namespace
 
 SavedSettings ReadSettings(const std::string &path) {
@@ -80,6 +90,10 @@ SavedSettings ReadSettings(const std::string &path) {
         memcmp(bytes.data(), "POST", 4) != 0)
         throw refuse();
     settings.record.assign(bytes.begin(), bytes.begin() + kRecordSize);
+    if (ColourSpaceOf(settings.record) > kZELColourSpaceRGB)
+        throw HostError(ExitStatus::Input, path +
+                                               ": its colour space is none that the driver knows; "
+                                               "make the settings again with --save-settings");
     const CFOwner<CFDataRef> data(CFDataCreate(kCFAllocatorDefault, bytes.data() + kRecordSize,
                                                static_cast<CFIndex>(bytes.size() - kRecordSize)));
     CFTypeRef plist = CFPropertyListCreateWithData(
@@ -100,15 +114,14 @@ SavedSettings ReadSettings(const std::string &path) {
 }
 
 void WriteSettings(const std::string &path, Handle record, CFDictionaryRef jobSettings,
-                   const std::string &ppd, std::optional<bool> queue) {
+                   const std::optional<std::string> &ppd, std::optional<bool> queue) {
     const MutableDictionary all = MakeDictionary();
     for (const char *key : {"fromPage", "toPage", "copies", "outputFolder"}) {
         const CFOwner<CFStringRef> name = MakeCFString(key);
         const void *value = jobSettings ? CFDictionaryGetValue(jobSettings, name.Get()) : nullptr;
         if (value) CFDictionarySetValue(all.Get(), name.Get(), value);
     }
-    if (!ppd.empty())
-        CFDictionarySetValue(all.Get(), MakeCFString("ppd").Get(), MakeCFString(ppd).Get());
+    if (ppd) CFDictionarySetValue(all.Get(), MakeCFString("ppd").Get(), MakeCFString(*ppd).Get());
     if (queue)
         CFDictionarySetValue(all.Get(), MakeCFString("queue").Get(),
                              *queue ? kCFBooleanTrue : kCFBooleanFalse);

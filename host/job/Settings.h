@@ -16,7 +16,7 @@
 struct SavedSettings {
     std::vector<uint8_t> record; ///< 416 bytes
     CFOwner<CFDictionaryRef> jobSettings;
-    std::string ppd; ///< empty: the user's printer
+    std::optional<std::string> ppd; ///< empty: the built-in printer; none: the user's
     std::optional<bool> queue;
 };
 
@@ -25,7 +25,7 @@ struct SavedSettings {
 
 /// Writes a settings file, replacing one of that name only when it is complete. Throws HostError.
 void WriteSettings(const std::string &path, Handle record, CFDictionaryRef jobSettings,
-                   const std::string &ppd, std::optional<bool> queue);
+                   const std::optional<std::string> &ppd, std::optional<bool> queue);
 
 /// The folder under "outputFolder"; empty when there is none or it is gone.
 [[nodiscard]] std::string OutputFolderOf(CFDictionaryRef jobSettings);

@@ -2,6 +2,7 @@
 #include "host/separations/MakeSeparation.h"
 
 #include "host/command/ExitStatus.h"
+#include "host/job/Cancellation.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -88,6 +89,7 @@ std::string InstallSeparation(const std::string &folder, const std::string &name
     fs::create_directories(folder, error);
     if (error) Fail("cannot make the folder", folder, error.value());
     std::string path = folder + "/" + name;
+    const Cancellation cancellation; // the unfinished file goes, whatever comes
     NewFile file(folder);
     file.Write(bytes);
     if (force)

@@ -215,9 +215,9 @@ CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applica
 
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {
     if (!String(key) || !String(applicationID)) return;
-    if (value && !IsPropertyList(Object(value))) return;
     std::lock_guard<std::recursive_mutex> guard(gLock);
     @autoreleasepool {
+        if (value && !IsPropertyList(Object(value))) return;
         id stored = value ? Object(value) : [NSNull null];
         [DomainOf(String(applicationID)).changes setObject:stored forKey:String(key)];
     }

@@ -30,7 +30,9 @@ void UnlockDefaults(id, SEL) {
 
 /// A later version of the library may do without these methods.
 void ReplaceMethod(const char *name, IMP implementation) {
-    Method method = class_getInstanceMethod([NSUserDefaults class], sel_registerName(name));
+    // Not by a message to the class: its preparation needs arguments in UTF-8, or ends the process.
+    Class defaults = objc_getClass("NSUserDefaults");
+    Method method = class_getInstanceMethod(defaults, sel_registerName(name));
     if (method) (void)method_setImplementation(method, implementation);
 }
 

@@ -17,7 +17,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// Writing takes milliseconds, but there may be many who write.
-constexpr std::chrono::seconds kPatienceWithOurs{10};
+constexpr std::chrono::seconds kPatienceWithOurs{5};
 constexpr std::chrono::seconds kPatienceWithGNUstep{1};
 constexpr std::chrono::milliseconds kPause{5};
 /// A folder as old as that is broken by GNUstep itself.

@@ -23,6 +23,7 @@ struct DriverFunctions {
     X(ZELPrDocumentLength)                                                                         \
     X(ZELPrErrorString)                                                                            \
     X(ZELPrGetInfo)                                                                                \
+    X(ZELPrInheritRights)                                                                          \
     X(ZELPrJob)                                                                                    \
     X(ZELPrJobMerge)                                                                               \
     X(ZELPrKeepFreedMemory)                                                                        \
@@ -30,6 +31,7 @@ struct DriverFunctions {
     X(ZELPrOpen)                                                                                   \
     X(ZELPrOpenDoc)                                                                                \
     X(ZELPrOpenPage)                                                                               \
+    X(ZELPrOpenWithPrinter)                                                                        \
     X(ZELPrPrintBitmap)                                                                            \
     X(ZELPrSetError)                                                                               \
     X(ZELPrSetJobName)                                                                             \
@@ -38,6 +40,7 @@ struct DriverFunctions {
     X(ZELPrSetSendToPrintQueue)                                                                    \
     X(ZELPrStyle)                                                                                  \
     X(ZELPrSuggestPage)                                                                            \
+    X(ZELPrUserHasChosenPrinter)                                                                   \
     X(ZELPrUserSendsToPrintQueue)                                                                  \
     X(ZELPrValidate)
 #define ZEL_DECLARE(name) decltype(&::name) name = nullptr;

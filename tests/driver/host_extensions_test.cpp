@@ -77,6 +77,15 @@ INSTANTIATE_TEST_SUITE_P(All, SavedPlaces,
                                                     &DriverFunctions::ZELPrCopyUsersHotFolder}),
                          [](const auto &info) { return info.param.name; });
 
+TEST_F(HostExtensions, UserHasChosenPrinter_AlsoOneThatIsGone) {
+    EXPECT_FALSE(Driver().ZELPrUserHasChosenPrinter(session.Get()));
+    const std::string path = folder.Write("old.ppd", "x");
+    SetPreference(CFSTR("PPDBookmark"), MakeBookmark(path).Get());
+    EXPECT_TRUE(Driver().ZELPrUserHasChosenPrinter(session.Get()));
+    fs::remove(path);
+    EXPECT_TRUE(Driver().ZELPrUserHasChosenPrinter(session.Get()));
+}
+
 TEST_F(HostExtensions, UserSendsToPrintQueue_IsWhatIsSaved) {
     EXPECT_FALSE(Driver().ZELPrUserSendsToPrintQueue(session.Get()));
     SetPreference(CFSTR("SendToDefaultPrintQueue"), kCFBooleanTrue);
@@ -99,6 +108,14 @@ TEST_F(HostExtensions, MoveWithoutReplacing_LeavesATakenNameAlone) {
     EXPECT_EQ(Driver().ZELPrMoveWithoutReplacing(from.c_str(), fresh.c_str()), 0);
     EXPECT_EQ(ReadFile(fresh), "new");
     EXPECT_FALSE(fs::exists(from));
+}
+
+TEST_F(HostExtensions, InheritRights_NeedsBothFolders) {
+    const std::string from = folder.Path().string();
+    EXPECT_EQ(Driver().ZELPrInheritRights(from.c_str(), (from + "/none").c_str()), ENOENT);
+    EXPECT_EQ(Driver().ZELPrInheritRights((from + "/none").c_str(), from.c_str()), ENOENT);
+    fs::create_directory(from + "/new");
+    EXPECT_EQ(Driver().ZELPrInheritRights(from.c_str(), (from + "/new").c_str()), 0);
 }
 
 TEST_F(HostExtensions, KeepFreedMemory_AllocationGoesOn) {

@@ -369,6 +369,36 @@ TEST_F(SessionTest, SuggestPage_None_RecordIsNotFitted) {
     EXPECT_EQ(DoubleFromBigEndian(record.Record().mXDpi_be), 600);
 }
 
+TEST_F(SessionTest, OpenWithPrinter_LooksForNoOther) {
+    const CFRef<CFURLRef> ppd = MakeURL(folder.Write("Test.ppd", TestPPD().Text()));
+    SetPreference(CFSTR("PPDFile"), CFSTR("/nonexistent.ppd"));
+    for (CFURLRef printer : {ppd.Get(), CFURLRef{nullptr}}) {
+        DriverContext *context = nullptr;
+        testing::internal::CaptureStderr();
+        ASSERT_EQ(Driver().ZELPrOpenWithPrinter(LoadedBundle(), printer, &context, nullptr), 0);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        Driver().ZELPrDefaults(context, record.Get());
+        EXPECT_EQ(DoubleFromBigEndian(record.Record().mXDpi_be), printer ? 600 : 300);
+        EXPECT_EQ(Driver().ZELPrClose(context), 0);
+    }
+    SetPreference(CFSTR("PPDFile"), nullptr);
+}
+
+TEST_F(SessionTest, OpenWithPrinter_RefusedFile_OpensNothingAndSaysWhy) {
+    const CFRef<CFURLRef> ppd = MakeURL(folder.Write("Bad.ppd", "rubbish"));
+    auto *context = reinterpret_cast<DriverContext *>(&folder);
+    CFStringRef message = nullptr;
+    EXPECT_EQ(Driver().ZELPrOpenWithPrinter(LoadedBundle(), ppd.Get(), &context, &message),
+              kZELFileNotFound);
+    EXPECT_EQ(context, nullptr);
+    ASSERT_NE(message, nullptr);
+    EXPECT_TRUE(CFEqual(message, CFSTR("Not a PPD file")));
+    CFRelease(message);
+    EXPECT_EQ(Driver().ZELPrOpenWithPrinter(LoadedBundle(), nullptr, nullptr, nullptr),
+              kZELBadParameter);
+    EXPECT_EQ(Driver().ZELPrOpenWithPrinter(nullptr, nullptr, &context, nullptr), kZELBadParameter);
+}
+
 TEST_F(SessionTest, SetJobName_IsRetainedUntilReplaced) {
     const CFRef<CFStringRef> name = MakeString("A name that only this test uses");
     const CFIndex before = CFGetRetainCount(name.Get());

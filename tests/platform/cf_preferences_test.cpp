@@ -137,6 +137,19 @@ TEST(Preferences, ValuesThatNoFileCanHoldAreIgnored) {
     EXPECT_TRUE(application.Synchronize());
 }
 
+TEST(Preferences, NeedNoAutoreleasePool) {
+    testing::internal::CaptureStderr();
+    std::thread([] {
+        const Application application{"com.zel.test.pool"};
+        const auto list = Dictionary();
+        CFDictionarySetValue(list.Get(), CFSTR("key"), Array().Get());
+        application.Set("Key", list.Get());
+        EXPECT_TRUE(application.Synchronize());
+        EXPECT_TRUE(application.Get("Key"));
+    }).join();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 TEST(Preferences, NullArgumentsDoNothing) {
     CFPreferencesSetAppValue(nullptr, CFSTR("x"), CFSTR("com.zel.test"));
     CFPreferencesSetAppValue(CFSTR("x"), CFSTR("x"), nullptr);

@@ -104,6 +104,12 @@ void RestoreSavedPPDFile(CFStringRef applicationID, CFPropertyListRef value) {
     CFPreferencesSetAppValue(CFSTR("PPDBookmark"), value, applicationID);
 }
 
+bool HasSavedPPD(CFStringRef applicationID) {
+    for (CFStringRef key : {CFSTR("PPDBookmark"), CFSTR("PPDFile")})
+        if (CFRef<CFPropertyListRef>(CFPreferencesCopyAppValue(key, applicationID))) return true;
+    return false;
+}
+
 CFRef<CFURLRef> CopySavedPPD(CFStringRef applicationID) {
     return SavedLocation(applicationID, CFSTR("PPDBookmark"), CFSTR("PPDFile"));
 }

@@ -19,6 +19,8 @@
 void SetFileLocationPreference(CFStringRef applicationID, CFStringRef key, CFDataRef bookmark);
 
 [[nodiscard]] CFRef<CFDataRef> CopyPPDFileLocation(CFStringRef applicationID);
+/// Was one chosen, whether it is still there or not?
+[[nodiscard]] bool HasSavedPPD(CFStringRef applicationID);
 /// Where the file is now; null when none was chosen or its bookmark leads nowhere. A path as old
 /// versions kept it is told also when nothing is there, so that a host can name what is missing.
 [[nodiscard]] CFRef<CFURLRef> CopySavedPPD(CFStringRef applicationID);

@@ -1,0 +1,15 @@
+/// How zelprint shows its options: within 80 columns.
+#ifndef ZEL_HOST_HELPFORMATTER_H
+#define ZEL_HOST_HELPFORMATTER_H
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+class HelpFormatter : public CLI::Formatter {
+public:
+    [[nodiscard]] std::string make_option(const CLI::Option *option,
+                                          bool isPositional) const override;
+    [[nodiscard]] std::string make_subcommand(const CLI::App *command) const override;
+};
+
+#endif
