@@ -28,7 +28,7 @@ await() {
     sleep 0.5
 }
 
-await Alert
+await '^zelprint$' # an alert
 xdotool key Return
 await ZEL
 xdotool key Return

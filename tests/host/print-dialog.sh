@@ -38,7 +38,7 @@ press() {
 job() {
     "$zelprint" --print-dialog --colour-space gray "$picture" >out 2>err &
     job=$!
-    press Alert Return # no PPD file has been selected
+    press '^zelprint$' Return # an alert: no PPD file has been selected
     press ZEL "$1"
     wait "$job"
     status=$?

@@ -54,9 +54,10 @@ done
 
 # A document that lost bytes on its way to the disk, its end or some in the middle, is no job for a printer.
 size=$(wc -c <hot/Document.ps)
+# (A blank ends a path in LD_PRELOAD, so the library's folder is told apart from its name.)
 for at in 100000 $((size - 3)); do
     status=0
-    LD_PRELOAD=$4 ZEL_FAULT=short-write ZEL_FAULT_PATH=/Document.ps ZEL_FAULT_AT=$at ASAN_OPTIONS=verify_asan_link_order=0 \
+    LD_LIBRARY_PATH=${4%/*} LD_PRELOAD=${4##*/} ZEL_FAULT=short-write ZEL_FAULT_PATH=/Document.ps ZEL_FAULT_AT=$at ASAN_OPTIONS=verify_asan_link_order=0 \
         "$zelprint" --quiet --hot-folder queued -t Document --queue "$picture" >messages 2>&1 || status=$?
     [ "$status" -eq 3 ] || fail "exit status $status instead of 3 for a document without byte $at"
     [ -z "$(ls -A queued)" ] || fail "files are left: $(ls -A queued)"

@@ -13,11 +13,14 @@ protected:
     /// Runs zelprint with a fault in the files whose paths contain `part`, from byte `at` on.
     [[nodiscard]] RunResult RunWithFault(const std::string &fault, const std::string &part,
                                          uint64_t at, const Names &arguments) const {
+        // A blank ends a path in LD_PRELOAD, so the library's folder is told apart from its name.
+        const fs::path library = ZEL_FAULTY_FILES;
         const std::string options = getenv("ASAN_OPTIONS") ? getenv("ASAN_OPTIONS") : "";
-        return mPlace.Run(arguments,
-                          {"LD_PRELOAD=" ZEL_FAULTY_FILES, "ZEL_FAULT=" + fault,
-                           "ZEL_FAULT_PATH=" + part, "ZEL_FAULT_AT=" + std::to_string(at),
-                           "ASAN_OPTIONS=" + options + ":verify_asan_link_order=0"});
+        return mPlace.Run(arguments, {"LD_PRELOAD=" + library.filename().string(),
+                                      "LD_LIBRARY_PATH=" + library.parent_path().string(),
+                                      "ZEL_FAULT=" + fault, "ZEL_FAULT_PATH=" + part,
+                                      "ZEL_FAULT_AT=" + std::to_string(at),
+                                      "ASAN_OPTIONS=" + options + ":verify_asan_link_order=0"});
     }
     [[nodiscard]] Names Job(const Names &more) const {
         Names job = {"--colour-space", "rgb",          "--hot-folder", mPlace.Hot(), "--media",
