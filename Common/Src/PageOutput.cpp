@@ -13,8 +13,9 @@
 
 /// Room for the widest pixel of all formats.
 constexpr uint64_t kWidestPixel = 12;
-/// No paper needs more; a damaged record could ask for 24 GiB, which some systems would hand out.
-constexpr uint64_t kLongestLine = uint64_t{1} << 30;
+/// 22 metres at 10000 dpi. A damaged record could ask for 24 GiB, which some systems would hand
+/// out, and the writer's rows are as long.
+constexpr uint64_t kLongestLine = uint64_t{100} << 20;
 
 struct PageOutputSession {
     ~PageOutputSession() { Output_Kill(output); }

@@ -247,6 +247,14 @@ TEST_F(PageOutput, ANegativeWidthIsOutOfMemory) {
     EXPECT_EQ(mSession, nullptr);
 }
 
+TEST_F(PageOutput, AWidthBeyondAnyPaperIsOutOfMemory) {
+    for (const int32_t width : {10000000, 80000000, INT32_MAX}) {
+        mGeometry.widthPixels = width;
+        EXPECT_EQ(Open(kZELFormatGray8, 8), -108) << width;
+        EXPECT_EQ(mSession, nullptr);
+    }
+}
+
 TEST_F(PageOutput, ABandOfAnotherFormatIsRefused) {
     OpenGrayPage();
     const ZELBand band = {kRowA.data(), {0, 0, 1, 4}, 4, kZELFormatXRGB32};
