@@ -35,7 +35,7 @@ bool IsControl(uint32_t code) {
 }
 
 /// Drops what is no text, and makes one blank of every run of blanks.
-std::string PlainText(const std::string &text) {
+std::string PrintableText(const std::string &text) {
     std::string clean;
     for (size_t at = 0; at < text.size();) {
         uint32_t code = 0;
@@ -83,7 +83,7 @@ bool IsUTF8(const std::string &text) {
 }
 
 std::string CleanTitle(const std::string &text) {
-    std::string title = PlainText(text);
+    std::string title = PrintableText(text);
     CutAtCharacter(title, kLongestTitle);
     while (!title.empty() && title.back() == ' ')
         title.pop_back();

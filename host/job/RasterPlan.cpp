@@ -3,7 +3,7 @@
 #include "host/command/Console.h"
 #include "host/command/ExitStatus.h"
 #include "host/job/ImageLimits.h"
-#include "host/job/PageRange.h"
+#include "host/job/PageSet.h"
 #include "host/separations/DriverSeparation.h"
 #include <algorithm>
 #include <utility>
@@ -96,9 +96,9 @@ PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
     ZELDriverInfo info = {};
     (void)ZEL_CALL(session.Bundle(), ZELPrGetInfo)(session.Context(), record, &info);
     // In the print dialog the user has confirmed a range, which -P has only filled in.
-    const PageRange range = options.pageRange && !options.printDialog
-                                ? PageRange::Parse(*options.pageRange)
-                                : PageRange(info.firstPage, info.lastPage);
+    const PageSet range = options.pageRange && !options.printDialog
+                              ? PageSet::Parse(*options.pageRange)
+                              : PageSet(info.firstPage, info.lastPage);
     PageChoice choice;
     choice.copies = std::max<int>(1, info.copies);
     choice.allowDamaged = options.allowDamaged;

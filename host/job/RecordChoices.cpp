@@ -6,7 +6,7 @@
 #include "host/job/Destination.h"
 #include "host/job/Dialogs.h"
 #include "host/job/Media.h"
-#include "host/job/PageRange.h"
+#include "host/job/PageSet.h"
 #include "host/job/Settings.h"
 #include "host/separations/Separations.h"
 #include <cstring>
@@ -102,7 +102,7 @@ std::optional<std::string> RunPageSetup(const DriverSession &session, const Sour
 /// Fills in what the dialog shows of the options.
 void SetPageRange(const JobOptions &options, Record &record) {
     if (!options.pageRange) return;
-    const auto range = PageRange::Parse(*options.pageRange).ForDialog();
+    const auto range = PageSet::Parse(*options.pageRange).ForDialog();
     if (!range)
         throw HostError(ExitStatus::Usage,
                         "the print dialog knows one range of pages up to 999; give -P one, or "

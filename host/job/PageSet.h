@@ -1,6 +1,6 @@
 /// Page ranges as lp writes them: "1-4,7,9-".
-#ifndef ZEL_HOST_PAGERANGE_H
-#define ZEL_HOST_PAGERANGE_H
+#ifndef ZEL_HOST_PAGESET_H
+#define ZEL_HOST_PAGESET_H
 
 #include <optional>
 #include <string>
@@ -9,14 +9,14 @@
 
 /// A set of page numbers, counted from 1 through all files of the job. Pages always come in the
 /// order of the document, however the ranges are ordered.
-class PageRange {
+class PageSet {
 public:
     /// All pages.
-    PageRange();
+    PageSet();
     /// Pages `first` to `last`; 999 as last page means up to the end, as in the print dialog.
-    PageRange(int first, int last);
+    PageSet(int first, int last);
     /// Reads "1-4,7,9-" ("-4" is "1-4"). Throws HostError (Usage) for anything else.
-    [[nodiscard]] static PageRange Parse(const std::string &text);
+    [[nodiscard]] static PageSet Parse(const std::string &text);
 
     [[nodiscard]] bool Contains(int page) const;
     /// The first and last page as the print dialog and a record have them; none when it takes more
@@ -24,7 +24,7 @@ public:
     [[nodiscard]] std::optional<std::pair<int, int>> ForDialog() const;
 
 private:
-    explicit PageRange(std::vector<std::pair<int, int>> ranges) : mRanges(std::move(ranges)) {}
+    explicit PageSet(std::vector<std::pair<int, int>> ranges) : mRanges(std::move(ranges)) {}
     std::vector<std::pair<int, int>> mRanges;
 };
 

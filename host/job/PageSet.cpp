@@ -1,4 +1,4 @@
-#include "host/job/PageRange.h"
+#include "host/job/PageSet.h"
 
 #include "host/command/ExitStatus.h"
 #include <charconv>
@@ -32,12 +32,12 @@ bool ParseRange(const std::string &text, std::pair<int, int> &range) {
 
 } // namespace
 
-PageRange::PageRange() : mRanges{{1, INT_MAX}} {}
+PageSet::PageSet() : mRanges{{1, INT_MAX}} {}
 
-PageRange::PageRange(int first, int last)
+PageSet::PageSet(int first, int last)
     : mRanges{{first, last == kLastPageOfDialog ? INT_MAX : last}} {}
 
-PageRange PageRange::Parse(const std::string &text) {
+PageSet PageSet::Parse(const std::string &text) {
     std::vector<std::pair<int, int>> ranges;
     for (size_t start = 0; start <= text.size();) {
         const size_t comma = std::min(text.find(',', start), text.size());
@@ -48,10 +48,10 @@ PageRange PageRange::Parse(const std::string &text) {
         ranges.push_back(range);
         start = comma + 1;
     }
-    return PageRange(std::move(ranges));
+    return PageSet(std::move(ranges));
 }
 
-std::optional<std::pair<int, int>> PageRange::ForDialog() const {
+std::optional<std::pair<int, int>> PageSet::ForDialog() const {
     if (mRanges.size() != 1) return std::nullopt;
     auto [first, last] = mRanges[0];
     if (last == INT_MAX) last = kLastPageOfDialog;
@@ -59,7 +59,7 @@ std::optional<std::pair<int, int>> PageRange::ForDialog() const {
     return std::pair(first, last);
 }
 
-bool PageRange::Contains(int page) const {
+bool PageSet::Contains(int page) const {
     for (const auto &[first, last] : mRanges)
         if (page >= first && page <= last) return true;
     return false;
