@@ -3,6 +3,7 @@
 #include "PSHPrint.h"
 #include "host/command/Console.h"
 #include "host/command/HelpFormatter.h"
+#include "host/command/LpOptions.h"
 #include "host/command/PlacementOptions.h"
 #include "host/command/Report.h"
 #include "host/job/JobTitle.h"
@@ -77,8 +78,11 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
     app.option_defaults()->group("Where to");
     Choice(app, "--hot-folder", options.hotFolder, "DIR",
            "folder that receives the finished document");
-    Choice(app, "-o,--output", options.output, "NAME",
-           "name of the file to write, replacing what is there");
+    Choice(app, "-o,--output", options.outputWords, "NAME",
+           "name of the file to write, replacing a document of that name")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->allow_extra_args(false);
+    app.add_flag("--force", options.force, "replace a file that is no document, too");
     Switch(app, "--eps,!--ps", options.eps, "one EPS file a page, or one PostScript file (--ps)");
     Switch(app, "--queue,!--no-queue", options.queue, "hand the document to the print queue");
 
@@ -208,7 +212,10 @@ int RunCommandLine(int argc, char **argv,
                  "zelprint");
     app.formatter(std::make_shared<HelpFormatter>());
     JobOptions options;
-    CommandAction action = [&] { return print(options); };
+    CommandAction action = [&] {
+        TakeOutputWords(options);
+        return print(options);
+    };
     AddJobOptions(app, options);
     app.set_version_flag("--version", "zelprint " ZEL_VERSION);
     app.option_defaults()->group("Options");

@@ -20,6 +20,7 @@ struct JobOptions {
     std::optional<std::string> title;
     std::optional<std::string> ppd;
     std::optional<std::string> hotFolder;
+    std::vector<std::string> outputWords; ///< what -o has been given: see LpOptions.h
     std::optional<std::string> output;
     std::optional<std::string> media;
     std::optional<std::string> resolution;
@@ -43,6 +44,7 @@ struct JobOptions {
     std::string saveSettings;
     bool pageSetup = false;
     bool printDialog = false;
+    bool force = false;        ///< replace a file that is no document
     bool allowDamaged = false; ///< print what a decoder makes of a damaged file
     bool builtInPrinter = false;
     bool noSync = false;

@@ -3,6 +3,7 @@
 #include "host/command/ExitStatus.h"
 #include "host/job/JobTitle.h"
 #include "host/job/OutputStaging.h"
+#include "host/job/Replacement.h"
 #include <cstdlib>
 #include <unistd.h>
 
@@ -50,6 +51,7 @@ Destination PlanDestination(const DriverSession &session, const JobOptions &opti
         if (plan.folder.empty()) plan.folder = folder;
         if (eps && !EndsInEPS(plan.name)) plan.name += ".eps";
         CheckReplaceable(plan.folder + "/" + plan.name);
+        CheckDocumentMayReplace(plan.folder + "/" + plan.name, options.files, options.force);
         // EPS pages are named after the first.
         if (eps) plan.title = TitleOfFile(plan.name);
     }

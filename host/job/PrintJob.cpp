@@ -4,6 +4,7 @@
 #include "host/command/Progress.h"
 #include "host/job/Cancellation.h"
 #include "host/job/PageCache.h"
+#include "host/job/Replacement.h"
 #include "host/job/Settings.h"
 #include "host/readers/RowReader.h"
 #include "host/separations/Separations.h"
@@ -231,6 +232,13 @@ void CheckFiles(const JobPlan &plan, const OutputStaging &staging, uint64_t made
                       std::to_string(size) + " of " + std::to_string(made) + " bytes arrived");
 }
 
+std::vector<std::string> PrintedFiles(const JobPlan &plan) {
+    std::vector<std::string> paths;
+    for (const PageReference &page : plan.pages)
+        paths.push_back(page.file->ReadablePath());
+    return paths;
+}
+
 bool IsQueued(const DriverBundle &bundle, const std::string &path) {
     return ZEL_CALL(bundle, ZELPrHandToPrintQueue)(path.c_str()) != 0;
 }
@@ -275,6 +283,7 @@ JobResult PrintJob(const DriverSession &session, Handle record, const JobPlan &p
     // asked whether it may replace a file.
     const std::string staged = staging.Files()[0];
     const bool chosen = plan.namedInDialog && staged != plan.title + (plan.eps ? ".eps" : ".ps");
+    if (chosen) CheckNotPrinted(plan.folder + "/" + staged, PrintedFiles(plan));
     result.files = staging.Publish(plan.name.empty() && chosen ? staged : plan.name);
     if (!plan.moreFollow) Cancellation::Disregard();
     if (plan.queue)

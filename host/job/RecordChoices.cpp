@@ -7,6 +7,7 @@
 #include "host/job/Dialogs.h"
 #include "host/job/Media.h"
 #include "host/job/PageSet.h"
+#include "host/job/Replacement.h"
 #include "host/job/Settings.h"
 #include "host/separations/Separations.h"
 #include <cstring>
@@ -130,6 +131,7 @@ void SaveSettings(const DriverSession &session, const JobOptions &options, Handl
     if (options.hotFolder) SetOutputFolder(session, record, *options.hotFolder);
     const CFOwner<CFDictionaryRef> settings(
         ZEL_CALL(session.Bundle(), ZELPrCopyJobSettings)(session.Context(), record));
+    CheckSettingsMayReplace(options.saveSettings, options.files, options.force);
     WriteSettings(options.saveSettings, record, settings.Get(), ppd, queue);
 }
 

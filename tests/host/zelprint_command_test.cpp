@@ -76,7 +76,7 @@ TEST_F(Command, DryRun_WritesNothing) {
 }
 
 TEST_F(Command, Output_NamesAndReplacesTheFile) {
-    WriteFile(mPlace.Path("mine.eps"), "old");
+    WriteFile(mPlace.Path("mine.eps"), "%!old");
     ASSERT_EQ(mPlace
                   .Run({"--eps", "--media", "40x50pt", "--colour-space", "rgb", "-o",
                         mPlace.Path("mine.eps"), Source()})
