@@ -38,9 +38,13 @@ struct ColourPlan {
     /// How ink and light belong together, for pages that are drawn; see PageTarget.
     std::shared_ptr<const InkProfile> inks;
 
+    /// Makes ink of the pages that come in light, where others come in ink.
+    SeparateColours separate;
+
     /// Whether light becomes ink anywhere in the document.
     [[nodiscard]] bool Separates() const {
-        return colourSpace == kZELColourSpaceCMYK && (pixels != DocumentPixels::CMYK || inks);
+        return colourSpace == kZELColourSpaceCMYK &&
+               (pixels != DocumentPixels::CMYK || inks || separate);
     }
     ColourIntent intent = ColourIntent::Relative; ///< from ink to light
 };

@@ -119,7 +119,7 @@ private:
         const bool keeps =
             number <= mPlan.TotalPages() - static_cast<int>(mPlan.pages.size()) && !image.isQuick;
         if (keeps) mCache.Begin(page, place);
-        RowReader reader(image.rows, mPlan.pixels, mBandHeight);
+        RowReader reader(image.rows, mPlan.pixels, mBandHeight, mPlan.separate);
         int top = 0;
         for (Rows rows = Next(reader); rows.count > 0; rows = Next(reader)) {
             PrintBand(rows, top, place);

@@ -1,6 +1,5 @@
 #include "host/job/RasterPlan.h"
 
-#include "host/command/Console.h"
 #include "host/command/ExitStatus.h"
 #include "host/job/ImageLimits.h"
 #include "host/job/PageSet.h"
@@ -43,18 +42,21 @@ bool IsDrawn(const PageReference &page) {
     return page.file->Kind() == FileKind::PDF;
 }
 
-/// One document has one kind of pixels: ink if every page comes in ink.
-DocumentPixels PixelsForInk(const JobOptions &options, const std::vector<PageReference> &pages) {
+/// One document has one kind of pixels: ink if any page comes in ink, so that this stays as it is.
+void ChoosePixels(const DriverBundle &bundle, const JobOptions &options,
+                  const std::vector<PageReference> &pages, ColourPlan &plan) {
     const auto isInk = [&options](const PageReference &page) {
         return IsDrawn(page) ? !options.separatePDF
                              : page.file->Describe(page.page).kind == PixelKind::CMYK;
     };
     const auto count = std::count_if(pages.begin(), pages.end(), isInk);
-    if (count == static_cast<std::ptrdiff_t>(pages.size())) return DocumentPixels::CMYK;
-    if (count > 0)
-        Complain("CMYK and other images in one document: the CMYK ones are converted and "
-                 "separated anew; print them by themselves to keep them as they are");
-    return DocumentPixels::XRGB;
+    if (count == 0) return;
+    plan.pixels = DocumentPixels::CMYK;
+    if (count == static_cast<std::ptrdiff_t>(pages.size())) return;
+    const auto separation = std::make_shared<DriverSeparation>(bundle, plan.separation);
+    plan.separate = [separation](const uint8_t *light, size_t pixels, uint8_t *ink) {
+        separation->Separate(light, pixels, ink);
+    };
 }
 
 /// Who draws in ink has to use the document's separation; who draws ink in light, and not as a
@@ -121,7 +123,7 @@ ColourPlan PlanColours(const DriverBundle &bundle, const JobOptions &options, co
     if (plan.colourSpace == kZELColourSpaceCMYK) {
         plan.separation = record.Separation();
         if (plan.separation == "Standard") plan.separation.clear();
-        plan.pixels = PixelsForInk(options, pages);
+        ChoosePixels(bundle, options, pages, plan);
     }
     if (NeedsInkProfile(options, plan.pixels) && std::any_of(pages.begin(), pages.end(), IsDrawn))
         plan.inks = ProfileOf(bundle, plan.separation);

@@ -173,8 +173,9 @@ public:
     [[nodiscard]] PageImage OpenPage(int page, const PageTarget &target) override {
         const SourcePage source = Describe(page);
         const Placement placement = LayOut(target.grid, source.size, target.placement);
+        // Light that is to be ink is separated by who takes the rows.
         const bool ownColours =
-            (source.kind == PixelKind::CMYK) == (target.pixels == DocumentPixels::CMYK);
+            source.kind != PixelKind::CMYK || target.pixels == DocumentPixels::CMYK;
         if (target.placement.turned || !ownColours || !placement.pixelByPixel) return {};
         const PlainPage &plain = mPages.at(static_cast<size_t>(page));
         return {std::make_unique<PlainRows>(mPath, page, plain, placement), placement, true};

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
+#include <vector>
 
 namespace {
 
@@ -27,7 +28,8 @@ struct Piece {
 
 class RowReader::Reader {
 public:
-    Reader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight);
+    Reader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight,
+           SeparateColours separate);
     Reader(const Reader &) = delete;
     Reader &operator=(const Reader &) = delete;
     /// What the thread does.
@@ -41,12 +43,15 @@ private:
     /// Whether Next finds what it is to return. To be asked with the mutex locked.
     [[nodiscard]] bool IsReady() const { return mFilled > mUsed || mDone; }
     [[nodiscard]] bool Take(const uint8_t *rows, size_t rowBytes, int count);
+    void PackRow(const uint8_t *row, uint8_t *out);
     [[nodiscard]] bool HandOver();
     void GiveBack();
 
     std::shared_ptr<PageRows> mSource;
     DocumentPixels mFormat;
     int mRowBytes, mBandHeight, mPieceHeight;
+    SeparateColours mSeparate;
+    std::vector<uint8_t> mLight; ///< a row on its way to ink
     Piece mPieces[kPieces];
 
     // The reading thread fills piece mFilled % kPieces, the caller uses piece mUsed % kPieces.
@@ -59,8 +64,12 @@ private:
     int mTop = 0; ///< rows of the current piece that the caller has had
 };
 
-RowReader::Reader::Reader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight)
-    : mSource(std::move(source)), mFormat(format), mRowBytes(mSource->Width() * PixelSize(format)) {
+RowReader::Reader::Reader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight,
+                          SeparateColours separate)
+    : mSource(std::move(source)), mFormat(format), mRowBytes(mSource->Width() * PixelSize(format)),
+      mSeparate(std::move(separate)) {
+    if (format == DocumentPixels::CMYK && mSource->Bands() != 4)
+        mLight.resize(static_cast<size_t>(mRowBytes));
     const int height = mSource->Height();
     const int most = std::max(1, std::min(height, kLargestBand / mRowBytes));
     const int usual = std::clamp(kPieceBytes / mRowBytes, 1, most);
@@ -98,13 +107,23 @@ void RowReader::Reader::Run() {
     mChanged.notify_all();
 }
 
+void RowReader::Reader::PackRow(const uint8_t *row, uint8_t *out) {
+    const int width = mSource->Width();
+    if (mLight.empty()) {
+        PackPixels(row, mSource->Bands(), width, mFormat, out);
+        return;
+    }
+    PackPixels(row, mSource->Bands(), width, DocumentPixels::XRGB, mLight.data());
+    mSeparate(mLight.data(), static_cast<size_t>(width), out);
+}
+
 /// Packs rows; false when nobody wants more.
 bool RowReader::Reader::Take(const uint8_t *rows, size_t rowBytes, int count) {
     for (int row = 0; row < count; ++row) {
         Piece &piece = mPieces[mFilled % kPieces];
-        PackPixels(
-            rows + static_cast<size_t>(row) * rowBytes, mSource->Bands(), mSource->Width(), mFormat,
-            piece.rows.get() + static_cast<size_t>(piece.count) * static_cast<size_t>(mRowBytes));
+        PackRow(rows + static_cast<size_t>(row) * rowBytes,
+                piece.rows.get() +
+                    static_cast<size_t>(piece.count) * static_cast<size_t>(mRowBytes));
         if (++piece.count == mPieceHeight && !HandOver()) return false;
     }
     return true;
@@ -150,8 +169,9 @@ Rows RowReader::Reader::Next() {
     return {pixels, mRowBytes, count};
 }
 
-RowReader::RowReader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight)
-    : mReader(std::make_shared<Reader>(std::move(source), format, bandHeight)),
+RowReader::RowReader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight,
+                     SeparateColours separate)
+    : mReader(std::make_shared<Reader>(std::move(source), format, bandHeight, std::move(separate))),
       mThread([reader = mReader] { reader->Run(); }) {}
 
 RowReader::~RowReader() {

@@ -18,8 +18,10 @@ struct Rows {
 /// of about a megabyte ahead, whatever the size of the page.
 class RowReader {
 public:
-    /// Rows come in `format`, in bands of `bandHeight` rows (0: as they come).
-    RowReader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight);
+    /// Rows come in `format`, in bands of `bandHeight` rows (0: as they come). `separate` makes ink
+    /// of light, where there is any of it and the format is CMYK.
+    RowReader(std::shared_ptr<PageRows> source, DocumentPixels format, int bandHeight,
+              SeparateColours separate = {});
     /// Stops reading, wherever it is. A source that does not stop within a second, because the
     /// library below it is busy with one long piece of work, is left to itself together with the
     /// thread that reads it.

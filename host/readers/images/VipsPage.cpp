@@ -148,7 +148,7 @@ void KeepBands(Chain &chain, int bands) {
 }
 
 void ConvertColours(Chain &chain, PixelKind kind, const PageTarget &target) {
-    if (target.pixels == DocumentPixels::CMYK) {
+    if (target.pixels == DocumentPixels::CMYK && kind == PixelKind::CMYK) {
         ToBytes(chain);
         KeepBands(chain, 4);
         return;

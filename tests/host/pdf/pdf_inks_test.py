@@ -60,6 +60,16 @@ class Inks(PrintingTest):
         self.assertEqual(said(pdfwriter.rgb_image(False)), [])
         self.assertEqual(said(pdfwriter.patches(ICC)[0]), [])  # transparent, but in inks
 
+    def test_OfAPictureBesideAPDF_AreTheDriversOwn(self):
+        wanted = self.driver_inks()
+        pdfwriter.patches(ICC)[0].write(self.path('patches.pdf'))
+        result = self.zelprint('--eps', '--no-auto-rotate', '--media', '81x72pt', '--resolution', '72dpi', '-t', 'both',
+                               '--hot-folder', self.folder, self.path('patches.pdf'), self.path('colours.ppm'))
+        self.assertEqual(result.returncode, 0, result.stderr)
+        [plate] = self.plates(self.path('both_p02.eps'))
+        self.compare(plate, wanted, 0)
+        self.assertIn((0, 0, 0, 255), self.plates(self.path('both.eps'))[0][36])
+
     def test_AreSeparatedAnewWhereAsked(self):
         pdf, _ = pdfwriter.patches(ICC)
         pdf.write(self.path('patches.pdf'))
