@@ -121,6 +121,27 @@ class Pages(PrintingTest):
         self.assertEqual(self.numbers('-P', '5', '-n', '3'), [5, 5, 5])
         self.assertEqual(self.numbers('-P', '1-2', '-n', '2'), [1, 2, 1, 2])
 
+    def test_MayBeThousands(self):
+        printer = self.save('card.ppd', b"""*PPD-Adobe: "4.3"
+*NickName: "Card printer"
+*LanguageLevel: "2"
+*ColorDevice: True
+*DefaultPageSize: Card
+*PageSize Card/Card: "<</PageSize[100 50]>>setpagedevice"
+*DefaultImageableArea: Card
+*ImageableArea Card/Card: "0 0 100 50"
+*DefaultPaperDimension: Card
+*PaperDimension Card/Card: "100 50"
+*DefaultResolution: 72dpi
+*Resolution 72dpi/72 dpi: "<</HWResolution[72 72]>>setpagedevice"
+""")
+        pdfwriter.text_pages(3000).write(self.path('many.pdf'))
+        out = self.path('many.ps')
+        result = self.zelprint('--ppd', printer, '-o', out, self.path('many.pdf'))
+        self.assertEqual(result.returncode, 0, result.stderr)
+        with open(out, 'rb') as file:
+            self.assertEqual(sum(line.startswith(b'%%Page: ') for line in file), 3000)
+
     def test_HaveWhatIsForPrint(self):
         pdf = pdfwriter.PDF()
         look = pdf.stream('/Type /XObject /Subtype /Form /BBox [0 0 10 10]', '0 0 0 1 k 0 0 10 10 re f')
