@@ -19,7 +19,8 @@ constexpr int kLightProfile = 0;
 constexpr int kInkProfile = 1;
 
 /// A line of input is a call of zelDraw. Matrix and clip hold whenever the page's device is set up,
-/// which the interpreter does more than once a page.
+/// which the interpreter does more than once a page. What pages leave in memory is thrown away now
+/// and then: not after each, since fonts go with it.
 const char kProgram[] = R"(
 /zelMatrix [1 0 0 1 0 0] def
 /zelClip [0 0 1 1] def
@@ -33,9 +34,16 @@ const char kProgram[] = R"(
     cleartomark
     (zelprint drawn ) print zelPage = flush
 } def
-{
-    zelIn 1000 string readline { cvx exec } { pop exit } ifelse
-} loop
+/zelPages 0 def
+/zelServe {
+    {
+        zelIn 1000 string readline { cvx exec } { pop exit } ifelse
+        /zelPages zelPages 1 add def
+        zelPages 50 eq { zelState restore /zelState save def } if
+    } loop
+} def
+/zelState save def
+zelServe
 runpdfend
 flush quit
 )";
