@@ -47,11 +47,14 @@ TEST_F(PersonTest, Size_WrongInEachFieldAndUnit_IsRefusedOnOK) {
     ExpectSameRecord(mPerson.Record(), GoodRecord());
 }
 
-TEST_F(PersonTest, Resolution_Wrong_KeepsTheLastGoodOne) {
+TEST_F(PersonTest, Resolution_Wrong_IsRefusedOnOK) {
     UsePrinter({});
     OpenStyle(GoodRecord());
-    for (const char *wrong : {"150", "", "10001", "-72", "fine", "144 dpi"})
+    for (const char *wrong : {"", "10001", "-72", "fine", "144 dpi"}) {
         mPerson.Type("resolution", wrong);
+        ExpectRefused("resolution", "Resolution: 10 to 10000 dpi");
+    }
+    mPerson.Type("resolution", "144");
     mPerson.Press("Return");
     EXPECT_EQ(mPerson.Result(), "confirmed 1 opened 0 closed 0");
     PSHPrint expected = GoodRecord();
