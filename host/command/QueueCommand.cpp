@@ -59,7 +59,7 @@ std::string DeviceURI(const std::string &folder) {
 
 std::string CheckedFolder(const std::string &path) {
     if (path.empty()) throw HostError(ExitStatus::Usage, "give the hot folder with --hot-folder");
-    const std::string folder = RealPath(path);
+    std::string folder = RealPath(path);
     struct stat info = {};
     if (folder.empty() || stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode))
         throw HostError(ExitStatus::Output,

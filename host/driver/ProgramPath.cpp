@@ -6,6 +6,9 @@
 
 namespace {
 
+/// From the programs of an installation to its driver.
+constexpr char kInstalled[] = "/../" ZEL_INSTALL_FOLDER "/";
+
 std::string &ProgramPath() {
     static std::string path;
     return path;
@@ -39,8 +42,7 @@ void SetProgramPath(const char *argv0) {
 std::string FindBesideProgram(const std::string &name) {
     const std::string &program = ProgramPath();
     const std::string folder = program.substr(0, program.rfind('/'));
-    for (const char *place :
-         {"/", "/../", "/../resources/", "/../" ZEL_INSTALL_FOLDER "/", "/../lib/"}) {
+    for (const char *place : {"/", "/../", "/../resources/", kInstalled, "/../lib/"}) {
         std::string path = RealPath(std::string(folder).append(place).append(name));
         if (!path.empty()) return path;
     }
