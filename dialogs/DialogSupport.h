@@ -18,6 +18,10 @@ void PrepareLoadedWindow(NSWindow *window);
 /// is the key. A control grows no wider than the interface file made it.
 void LocalizeLoadedWindow(NSWindow *window, NSBundle *bundle, NSString *table);
 
+/// Puts a window that is not on the screen yet where the user has dragged it last, by that name, or
+/// in the middle of the pointer's screen.
+void PlaceWindow(NSWindow *window, NSString *autosaveName);
+
 /// To be called before the controller of a loaded window is released: drops the bindings, which
 /// retain the controller, and detaches delegates.
 void ReleaseLoadedWindow(NSWindow *window);
@@ -31,6 +35,9 @@ NSMenuItem *InsertPopUpItem(NSPopUpButton *popup, NSString *title, NSInteger tag
 /// Shows a text that may be too long for its field: its middle gives way, and a tool tip has it
 /// all.
 void ShowLongText(NSTextField *field, NSString *text);
+
+/// Makes Return press `button` instead of `former`.
+void MakeDefaultButton(NSButton *button, NSButton *former);
 
 /// Shows an alert as a sheet. `didEnd` (may be NULL) has the form
 /// alertDidEnd:(NSAlert *)alert returnCode:(NSInteger)code contextInfo:(void *)contextInfo. It may

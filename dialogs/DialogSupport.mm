@@ -2,6 +2,8 @@
 
 #import "dialogs/Toolkit.h"
 
+#include <cmath>
+
 NSString *InterfaceFilePath(NSBundle *bundle, NSString *name) {
     NSString *path = [bundle pathForResource:name ofType:@"nib"];
     return path != nil ? path : [bundle pathForResource:name ofType:@"xib"];
@@ -64,6 +66,42 @@ void ReleaseLoadedWindow(NSWindow *window) {
     [[NSUserDefaults standardUserDefaults] synchronize];
 }
 
+/// The screen under the pointer.
+static NSScreen *PointerScreen(void) {
+    const NSPoint pointer = [NSEvent mouseLocation];
+    for (NSScreen *screen in [NSScreen screens])
+        if (NSPointInRect(pointer, [screen frame])) return screen;
+    return [NSScreen mainScreen];
+}
+
+static BOOL IsReachable(NSRect frame) {
+    // Where a title bar can be grabbed.
+    const NSRect bar = NSMakeRect(NSMidX(frame) - 40, NSMaxY(frame) - 20, 80, 20);
+    for (NSScreen *screen in [NSScreen screens])
+        if (NSContainsRect([screen visibleFrame], bar)) return YES;
+    return NO;
+}
+
+static void CentreOn(NSWindow *window, NSScreen *screen) {
+    const NSRect room = [screen visibleFrame], frame = [window frame];
+    [window setFrameOrigin:NSMakePoint(std::floor(NSMidX(room) - NSWidth(frame) / 2),
+                                       std::floor(NSMidY(room) - NSHeight(frame) / 2))];
+}
+
+void PlaceWindow(NSWindow *window, NSString *autosaveName) {
+    const NSRect designed = [window frame];
+    NSString *key = [@"NSWindow Frame " stringByAppendingString:autosaveName];
+    const BOOL isSaved = [[NSUserDefaults standardUserDefaults] objectForKey:key] != nil;
+    [window setFrameAutosaveName:autosaveName];
+    // The place alone: another version of the window may have had another size.
+    const NSRect saved = [window frame];
+    const NSRect frame = NSMakeRect(NSMinX(saved), NSMaxY(saved) - NSHeight(designed),
+                                    NSWidth(designed), NSHeight(designed));
+    [window setFrame:frame display:NO];
+    if (!isSaved || !IsReachable(frame)) CentreOn(window, PointerScreen());
+    PrepareToolkitWindow(window);
+}
+
 void StopModalAndWake(void) {
     // stopModal only marks the session; the modal loop, asleep in the event queue, notices at the
     // next event. A GNUstep run loop moreover does not leave its poll() for an event that a timer
@@ -111,6 +149,12 @@ void ShowLongText(NSTextField *field, NSString *text) {
     }
     [field setStringValue:shown];
     [field setToolTip:text];
+}
+
+void MakeDefaultButton(NSButton *button, NSButton *former) {
+    [former setKeyEquivalent:@""];
+    [button setKeyEquivalent:@"\r"];
+    [[button window] setDefaultButtonCell:[button cell]];
 }
 
 // The methods with a delegate and a selector exist on both platforms and need no blocks.

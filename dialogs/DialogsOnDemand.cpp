@@ -44,10 +44,10 @@ bool StyleDialog(CFBundleRef bundle, PageSetupModel &setup) {
 bool JobDialog(CFBundleRef bundle, CFStringRef bundleIdentifier, CFStringRef title,
                CFURLRef *hotFolder, CFStringRef suggestedJobName, CFStringRef fileExtension,
                CFStringRef *jobName, int16_t *copies, bool *collate, int16_t *firstPage,
-               int16_t *lastPage) {
-    return Module() &&
-           Module()->jobDialog(bundle, bundleIdentifier, title, hotFolder, suggestedJobName,
-                               fileExtension, jobName, copies, collate, firstPage, lastPage);
+               int16_t *lastPage, const JobSummary *summary) {
+    return Module() && Module()->jobDialog(bundle, bundleIdentifier, title, hotFolder,
+                                           suggestedJobName, fileExtension, jobName, copies,
+                                           collate, firstPage, lastPage, summary);
 }
 
 bool RunAlertWindow(CFStringRef message, CFStringRef informative) {

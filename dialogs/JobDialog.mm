@@ -31,6 +31,7 @@ void ReadBack(Controller *controller, const JobDialogResults &results) {
 /// What the dialog shows when it comes up.
 struct JobDialogValues {
     CFStringRef title, suggestedJobName, fileExtension;
+    const JobSummary *summary;
 };
 
 Controller *CreateController(CFStringRef bundleIdentifier, bool withCopies) {
@@ -45,6 +46,7 @@ void SetUp(Controller *controller, const JobDialogValues &values, const JobDialo
     [controller setHotFolder:(NSURL *)*results.hotFolder];
     [controller setSuggestedJobName:(NSString *)values.suggestedJobName];
     [controller setFileExtension:(NSString *)values.fileExtension];
+    [controller showSummary:values.summary];
     if (results.copies == nullptr) return;
     [controller setNumberOfCopies:*results.copies];
     if (results.collate != nullptr) [controller setCollated:*results.collate];
@@ -70,14 +72,14 @@ bool RunAndReadBack(Controller **controller, CFStringRef bundleIdentifier,
 bool JobDialog(CFBundleRef bundle, CFStringRef bundleIdentifier, CFStringRef title,
                CFURLRef *hotFolder, CFStringRef suggestedJobName, CFStringRef fileExtension,
                CFStringRef *jobName, int16_t *copies, bool *collate, int16_t *firstPage,
-               int16_t *lastPage) {
+               int16_t *lastPage, const JobSummary *summary) {
     if (!BeginDialog("print")) return false;
     bool confirmed = false;
     @autoreleasepool {
         Controller *controller = nil;
-        confirmed =
-            RunAndReadBack(&controller, bundleIdentifier, {title, suggestedJobName, fileExtension},
-                           {hotFolder, jobName, copies, collate, firstPage, lastPage});
+        confirmed = RunAndReadBack(&controller, bundleIdentifier,
+                                   {title, suggestedJobName, fileExtension, summary},
+                                   {hotFolder, jobName, copies, collate, firstPage, lastPage});
         EndDialog(controller);
     }
     return confirmed;

@@ -1,6 +1,8 @@
 /// The print dialog's window: which pages, and where the output goes.
 #pragma once
 
+#include "dialogs/JobDialog.h"
+
 #import <AppKit/AppKit.h>
 
 /// Lives for one call of JobDialog. Run on the main thread.
@@ -11,6 +13,7 @@
     BOOL _isOK;
     NSMatrix *_pageModeMatrix;
     NSTextField *_fromPageText, *_toPageText, *_numberOfCopiesText, *_hotFolderText;
+    NSTextField *_documentText, *_printerText, *_pageText;
     NSButton *_collateCheckbox, *_saveButton, *_saveAsButton;
 }
 
@@ -24,7 +27,9 @@
 @property (nonatomic, assign) IBOutlet NSTextField *fromPageText, *toPageText;
 @property (nonatomic, assign) IBOutlet NSTextField *numberOfCopiesText; ///< nil without copies
 @property (nonatomic, assign) IBOutlet NSTextField *hotFolderText;      ///< shows the folder's path
-@property (nonatomic, assign) IBOutlet NSButton *collateCheckbox;       ///< nil without copies
+@property (nonatomic, assign) IBOutlet NSTextField *documentText;       ///< what is printed
+@property (nonatomic, assign) IBOutlet NSTextField *printerText, *pageText; ///< nil with copies
+@property (nonatomic, assign) IBOutlet NSButton *collateCheckbox;           ///< nil without copies
 @property (nonatomic, assign) IBOutlet NSButton *saveButton, *saveAsButton;
 @property (nonatomic, assign) int16_t numberOfCopies; ///< 0 without a field
 @property (nonatomic, assign) BOOL collated;          ///< NO without a check box
@@ -32,6 +37,9 @@
 
 /// `nibName` is "JobDialog" (with copies) or "JobDialog_NC". nil when the bundle lacks it.
 - (id)initWithBundle:(NSBundle *)bundle nibName:(NSString *)nibName;
+
+/// Says what is printed; the job's name must have been set. `summary` may be null.
+- (void)showSummary:(const JobSummary *)summary;
 
 /// Runs the dialog; YES when confirmed.
 - (BOOL)runJobDialog;

@@ -2,6 +2,7 @@
 
 #import "dialogs/DialogSupport.h"
 #include "dialogs/PageRange.h"
+#include "dialogs/Units.h"
 
 #include <platform/Platform.h>
 
@@ -22,6 +23,7 @@ static void FillBlankField(NSTextField *field) {
 @synthesize pageModeMatrix = _pageModeMatrix, fromPageText = _fromPageText;
 @synthesize toPageText = _toPageText, numberOfCopiesText = _numberOfCopiesText;
 @synthesize hotFolderText = _hotFolderText, collateCheckbox = _collateCheckbox;
+@synthesize documentText = _documentText, printerText = _printerText, pageText = _pageText;
 @synthesize saveButton = _saveButton, saveAsButton = _saveAsButton;
 
 - (id)initWithBundle:(NSBundle *)bundle nibName:(NSString *)nibName {
@@ -47,12 +49,45 @@ static void FillBlankField(NSTextField *field) {
     PrepareLoadedWindow([self window]);
     LocalizeLoadedWindow([self window], _myBundle, @"Localizable");
     [_pageModeMatrix setMode:NSRadioModeMatrix];
+    PlaceWindow([self window], @"ZELPostscriptPrinterDriverJobDialogPosition");
     [self showHotFolder];
 }
 
+- (NSString *)localized:(NSString *)key {
+    return [_myBundle localizedStringForKey:key value:key table:@"Localizable"];
+}
+
 - (void)showHotFolder {
-    NSString *none = [_myBundle localizedStringForKey:@"none" value:@"none" table:@"Localizable"];
-    ShowLongText(_hotFolderText, _hotFolder != nil ? [_hotFolder path] : none);
+    ShowLongText(_hotFolderText, _hotFolder != nil ? [_hotFolder path] : [self localized:@"none"]);
+}
+
+- (NSString *)documentWithPages:(int)pages {
+    NSString *name = _suggestedJobName != nil ? _suggestedJobName : @"";
+    if (pages == 0) return name;
+    NSString *format = [self localized:pages == 1 ? @"onePage" : @"manyPages"];
+    return [NSString stringWithFormat:format, name, pages];
+}
+
+- (NSString *)pageOf:(const JobSummary &)summary {
+    static NSString *const units[] = {@"pixels", @"points", @"millimetres", @"inches"};
+    const int unit = summary.unit;
+    const std::string width = FormatPoints(summary.width, unit, summary.xDpi);
+    const std::string height = FormatPoints(summary.height, unit, summary.yDpi);
+    NSString *name = [NSString stringWithUTF8String:summary.page.c_str()];
+    if ([name length] == 0) name = [self localized:@"Custom"];
+    return [NSString stringWithFormat:[self localized:@"pageOfSize"], name,
+                                      [NSString stringWithUTF8String:width.c_str()],
+                                      [NSString stringWithUTF8String:height.c_str()],
+                                      [self localized:units[unit]]];
+}
+
+- (void)showSummary:(const JobSummary *)summary {
+    if (_documentText == nil) return;
+    ShowLongText(_documentText, [self documentWithPages:summary != nullptr ? summary->pages : 0]);
+    if (summary == nullptr) return;
+    NSString *printer = [NSString stringWithUTF8String:summary->printer.c_str()];
+    ShowLongText(_printerText, [printer length] != 0 ? printer : [self localized:@"none"]);
+    ShowLongText(_pageText, [self pageOf:*summary]);
 }
 
 - (void)setHotFolder:(NSURL *)folder {
@@ -86,6 +121,8 @@ static void FillBlankField(NSTextField *field) {
 - (BOOL)runJobDialog {
     _isOK = NO;
     [_saveButton setEnabled:_hotFolder != nil];
+    // Return does what can be done: without a hot folder somebody has to say where.
+    if (_hotFolder == nil) MakeDefaultButton(_saveAsButton, _saveButton);
     [[self window] makeKeyAndOrderFront:nil];
     [NSApp runModalForWindow:[self window]];
     [[self window] orderOut:nil];
@@ -151,7 +188,7 @@ static void FillBlankField(NSTextField *field) {
 
 - (void)showHotFolderAlert:(NSString *)key {
     NSAlert *alert = [[[NSAlert alloc] init] autorelease];
-    [alert setMessageText:[_myBundle localizedStringForKey:key value:key table:@"Localizable"]];
+    [alert setMessageText:[self localized:key]];
     [alert setInformativeText:@""];
     [alert setShowsHelp:NO];
     BeginAlertSheet(alert, [self window], nil, NULL);

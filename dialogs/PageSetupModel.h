@@ -33,6 +33,7 @@ public:
     static constexpr int kNoPageTag = -2; ///< a printer without pages: nothing to select
 
     virtual const std::string &PrinterName() const = 0; ///< the PPD's file name, empty without one
+    virtual std::string PrinterPath() const = 0;        ///< of the PPD file; empty without one
     virtual bool PrinterHasColour() const = 0;
 
     virtual double PaperWidth() const = 0; ///< points

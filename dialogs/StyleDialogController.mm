@@ -3,6 +3,7 @@
 #include "PSHPrint.h"
 #import "dialogs/DialogSupport.h"
 #import "dialogs/FieldHelpers.h"
+#import "dialogs/Toolkit.h"
 #include "support/Alerts.h"
 
 enum { kPostscriptTag = 1, kEPSTag = 2 };
@@ -127,7 +128,7 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     NSDictionary *info = [_myBundle infoDictionary];
     NSString *version = [info objectForKey:@"CFBundleShortVersionString"];
     [[self window] setTitle:[info objectForKey:@"CFBundleName"]];
-    [[self window] setFrameAutosaveName:@"ZELPostscriptPrinterDriverStyleDialogPosition"];
+    PlaceWindow([self window], @"ZELPostscriptPrinterDriverStyleDialogPosition");
     [_versionText setStringValue:version != nil ? version : @""];
     [_unitsMenu selectItemWithTag:_unitMode];
     [self buildCMYKMenu];
@@ -291,13 +292,22 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     return [self panel:sender shouldEnableURL:[NSURL fileURLWithPath:path]];
 }
 
+/// Beside the present file, which is the one chosen last.
+- (NSURL *)folderOfPPDs {
+    NSString *path = StringOf(_setup->PrinterPath());
+    NSString *folder =
+        [path length] != 0 ? [path stringByDeletingLastPathComponent] : SystemPPDFolder();
+    return folder != nil ? [NSURL fileURLWithPath:folder isDirectory:YES] : nil;
+}
+
 - (IBAction)doOpenPPD:(id)sender {
     NSOpenPanel *panel = [NSOpenPanel openPanel];
     [panel setAllowsMultipleSelection:NO];
     [panel setCanChooseFiles:YES];
     [panel setCanChooseDirectories:NO];
     [panel setDelegate:(id)self];
-    BeginPanelSheet(panel, [self window], nil, nil, self,
+    PrepareToolkitOpenPanel(panel);
+    BeginPanelSheet(panel, [self window], [self folderOfPPDs], nil, self,
                     @selector(openPanelDidEnd:returnCode:contextInfo:));
 }
 

@@ -11,5 +11,14 @@ void PrepareToolkitView(NSView *view);
 /// Repairs a file panel before it is shown.
 void PrepareToolkitPanel(NSSavePanel *panel);
 
+/// Prepares a window that has been placed, before it is shown.
+void PrepareToolkitWindow(NSWindow *window);
+
+/// Prepares a panel in which a PPD file is chosen, before it is shown.
+void PrepareToolkitOpenPanel(NSOpenPanel *panel);
+
+/// The folder that holds the system's PPD files, or nil.
+NSString *SystemPPDFolder(void);
+
 /// Sounds the alert sound at once, also in a host that runs no event loop.
 void SoundToolkitBeep(void);

@@ -4,6 +4,8 @@
 #import "dialogs/gnustep/PopUpMenu.h"
 #import "dialogs/gnustep/Theme.h"
 #import "dialogs/gnustep/ThemePanels.h"
+#import "dialogs/gnustep/TypedPaths.h"
+#import "dialogs/gnustep/WindowSetup.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -164,7 +166,10 @@ static BOOL StartApplication() {
             registerDefaults:[NSDictionary dictionaryWithObject:@"YES"
                                                          forKey:@"GSSuppressAppIcon"]];
         const BOOL fresh = NSApp == nil; // a host may be a GNUstep application itself
-        if (fresh) RegisterThemeColours();
+        if (fresh) {
+            RegisterThemeColours();
+            RegisterScaleFactor();
+        }
         [NSApplication sharedApplication];
         if (fresh) {
             UseTheme();
@@ -298,4 +303,22 @@ void SoundToolkitBeep(void) {
     // The request waits in Xlib's buffer for an event loop to send it.
     Display *display = static_cast<Display *>([GSCurrentServer() serverDevice]);
     if (display != nullptr) XFlush(display);
+}
+
+void PrepareToolkitWindow(NSWindow *window) {
+    MarkAsDialog(window);
+    AvoidOtherWindows(window);
+}
+
+void PrepareToolkitOpenPanel(NSOpenPanel *panel) { AcceptTypedPaths(panel); }
+
+NSString *SystemPPDFolder(void) {
+    for (NSString *path in [NSArray
+             arrayWithObjects:@"/usr/share/ppd", @"/usr/share/cups/model", @"/etc/cups/ppd", nil]) {
+        BOOL isFolder = NO;
+        if ([[NSFileManager defaultManager] fileExistsAtPath:path isDirectory:&isFolder] &&
+            isFolder)
+            return path;
+    }
+    return nil;
 }

@@ -17,3 +17,9 @@ void PrepareToolkitView(NSView *) {}
 void PrepareToolkitPanel(NSSavePanel *) {}
 
 void SoundToolkitBeep(void) { NSBeep(); }
+
+void PrepareToolkitWindow(NSWindow *window) {}
+
+void PrepareToolkitOpenPanel(NSOpenPanel *panel) {}
+
+NSString *SystemPPDFolder(void) { return @"/Library/Printers/PPDs/Contents/Resources"; }

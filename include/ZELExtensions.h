@@ -82,6 +82,9 @@ ZEL_EXPORT int32_t ZELPrOpenWithPrinter(CFBundleRef bundle, CFURLRef ppd, Driver
 /// releases both.
 ZEL_EXPORT CFDictionaryRef ZELPrCopyPrinter(DriverContext *context, CFURLRef *ppd);
 
+/// How many pages the host's document has, for the print dialog to tell; 0: it does not say.
+ZEL_EXPORT void ZELPrSetPageCount(DriverContext *context, int32_t pages);
+
 /// Has the last dialog returned false because it could not be shown or failed, and not because the
 /// user cancelled it? The driver has said why on standard error. Main thread only.
 ZEL_EXPORT Boolean ZELPrDialogFailed(void);

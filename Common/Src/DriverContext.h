@@ -45,6 +45,7 @@ struct DriverContext {
     /// The handle given last to one of the calls that ZELPrOpenDoc names in ZELPrint.h: it has no
     /// record argument. The handle and not a copy, because hosts change the record in between.
     Handle record = nullptr;
+    int pageCount = 0; ///< of the host's document, for the print dialog to tell; 0: not known
     /// Set by ZELPrSetSendToPrintQueue; otherwise the user's preference holds.
     std::optional<bool> sendToPrintQueue;
     uint64_t documentLength = 0; ///< of the document closed last: see ZELPrDocumentLength

@@ -7,6 +7,10 @@
 #include "ZELPrint.h"
 #include "dialogs/JobDialog.h"
 #include "dialogs/StyleDialog.h"
+#include "ppd/LanguageEncoding.h"
+#include "ppd/PostscriptPrinterInfo.h"
+#include "support/BigEndian.h"
+#include "support/CFText.h"
 
 namespace {
 
@@ -26,6 +30,29 @@ Boolean ConfirmedOrCancelled(DriverContext *context, bool confirmed) {
 bool BeginDialog(DriverContext *context, Handle record) {
     context->record = record;
     return context->state == SessionState::kOk;
+}
+
+/// As the pop-up of the page setup calls it.
+std::string ShownPageName(const PostscriptPrinterInfo &printer, const std::string &name) {
+    const int32_t index = printer.Pages().FindPageByName(name);
+    if (index < 0) return name;
+    const std::string &shown = printer.Pages().GetPage(index).GetUIName();
+    return UTF8Text(PPD::DecodeText(shown, printer.GetLanguageEncoding()).Get()).value_or(name);
+}
+
+/// What the print dialog says about the document.
+JobSummary SummaryOf(const DriverContext &context, const PSHPrint &record) {
+    JobSummary summary = {context.printerInfo->GetName(),
+                          {},
+                          DoubleFromBigEndian(record.mPageWidth_be),
+                          DoubleFromBigEndian(record.mPageHeight_be),
+                          DoubleFromBigEndian(record.mXDpi_be),
+                          DoubleFromBigEndian(record.mYDpi_be),
+                          GetDialogUnit(context.bundleIdentifier.Get()),
+                          context.pageCount};
+    if (record.mPageIsCustom_be) return summary;
+    summary.page = ShownPageName(*context.printerInfo, RecordName(record.mPageName));
+    return summary;
 }
 
 } // namespace
@@ -50,12 +77,13 @@ bool DoJob(DriverContext *context, Handle record) {
     CFPreferencesAppSynchronize(applicationID);
     int16_t firstPage = Int16FromBigEndian(copy.fromPage_be);
     int16_t lastPage = Int16FromBigEndian(copy.toPage_be);
+    const JobSummary summary = SummaryOf(*context, copy);
     CFURLRef folder = CopyFoundHotFolder(applicationID).Detach();
     CFStringRef fileName = nullptr;
     const bool confirmed =
         JobDialog(context->bundle.Get(), applicationID, JobDialogTitle(context->bundle.Get()),
                   &folder, context->jobName.Get(), copy.mEPSFormat_be ? CFSTR("eps") : CFSTR("ps"),
-                  &fileName, nullptr, nullptr, &firstPage, &lastPage);
+                  &fileName, nullptr, nullptr, &firstPage, &lastPage, &summary);
     const CFRef<CFURLRef> hotFolder(folder);
     const CFRef<CFStringRef> outputFileName(fileName);
     const RecordLock lock(record);

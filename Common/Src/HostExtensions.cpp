@@ -9,6 +9,7 @@
 #include "ppd/PrinterInfoDictionary.h"
 #include "support/CFText.h"
 
+#include <algorithm>
 #include <memory>
 #include <platform/Platform.h>
 #include <string>
@@ -73,6 +74,10 @@ CFDictionaryRef ZELPrCopyPrinter(DriverContext *context, CFURLRef *ppd) {
     } catch (...) {
         return nullptr;
     }
+}
+
+void ZELPrSetPageCount(DriverContext *context, int32_t pages) {
+    context->pageCount = std::max<int32_t>(pages, 0);
 }
 
 Boolean ZELPrDialogFailed() {

@@ -33,6 +33,7 @@
     X(ZELPrCopySeparationNames)                                                                    \
     X(ZELPrCopySeparationsFolder)                                                                  \
     X(ZELPrCopyPrinter)                                                                            \
+    X(ZELPrSetPageCount)                                                                           \
     X(ZELPrDialogFailed)                                                                           \
     X(ZELPrCancelDialog)                                                                           \
     X(ZELPrCreateSeparation)                                                                       \

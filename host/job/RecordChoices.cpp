@@ -11,6 +11,7 @@
 #include "host/job/Settings.h"
 #include "host/separations/Separations.h"
 #include <cstring>
+#include <numeric>
 #include <unistd.h>
 #include <utility>
 
@@ -111,10 +112,18 @@ void SetPageRange(const JobOptions &options, Record &record) {
     record.SetPages(range->first, range->second);
 }
 
+int PageCountOf(const std::vector<SourceFile> &files) {
+    return std::accumulate(files.begin(), files.end(), 0, [](int pages, const SourceFile &file) {
+        return pages + file.PageCount();
+    });
+}
+
 /// Returns the folder chosen there, if any.
-std::string RunPrintDialog(const DriverSession &session, const std::string &title,
-                           const JobOptions &options, Handle handle) {
+std::string RunPrintDialog(const DriverSession &session, const JobOptions &options,
+                           const std::vector<SourceFile> &files, Handle handle) {
     const DriverBundle &bundle = session.Bundle();
+    const std::string title = ChooseTitle(options, files[0]);
+    ZEL_CALL(bundle, ZELPrSetPageCount)(session.Context(), PageCountOf(files));
     Record record(handle);
     SetPageRange(options, record);
     (void)ZEL_CALL(bundle, ZELPrSetJobName)(session.Context(), nullptr, MakeCFString(title).Get());
@@ -146,7 +155,7 @@ std::optional<std::string> PPDOfJob(const JobOptions &options) {
 }
 
 RecordChoices ChooseRecord(const DriverSession &session, const JobOptions &options,
-                           const SourceFile &first, Handle handle) {
+                           const std::vector<SourceFile> &files, Handle handle) {
     SavedSettings saved;
     if (!options.settings.empty()) saved = ReadSettings(options.settings);
     FillRecord(session, saved, handle);
@@ -155,12 +164,11 @@ RecordChoices ChooseRecord(const DriverSession &session, const JobOptions &optio
     std::optional<std::string> ppd = PPDOfJob(options);
     std::optional<bool> queue = options.queue ? options.queue : saved.queue;
     if (options.pageSetup) {
-        ppd = RunPageSetup(session, first, queue, handle, ppd);
+        ppd = RunPageSetup(session, files[0], queue, handle, ppd);
         queue.reset(); // what was confirmed there is what the user has chosen now
     }
     std::string folder;
-    if (options.printDialog)
-        folder = RunPrintDialog(session, ChooseTitle(options, first), options, handle);
+    if (options.printDialog) folder = RunPrintDialog(session, options, files, handle);
     if (folder.empty()) folder = OutputFolderOf(saved.jobSettings.Get());
     if (!options.saveSettings.empty()) SaveSettings(session, options, handle, ppd, queue);
     return {PrinterOf(session).model, std::move(folder), queue};

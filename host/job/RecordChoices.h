@@ -18,9 +18,9 @@ struct RecordChoices {
 [[nodiscard]] std::optional<std::string> PPDOfJob(const JobOptions &options);
 
 /// Fills the record from the user's defaults or the settings file, applies the options, runs the
-/// dialogs asked for (`first` is what they take for the document) and saves the settings where that
+/// dialogs asked for on `files` and saves the settings where that
 /// is asked for. The session then has the printer. Throws HostError.
 [[nodiscard]] RecordChoices ChooseRecord(const DriverSession &session, const JobOptions &options,
-                                         const SourceFile &first, Handle record);
+                                         const std::vector<SourceFile> &files, Handle record);
 
 #endif

@@ -101,6 +101,17 @@ void PersonTest::SavePlace(CFStringRef key, const std::string &path) {
     CFRelease(url);
 }
 
+void PersonTest::ForgetWindowPlaces() {
+    for (CFStringRef program : {CFSTR("dialog_host"), CFSTR("zelprint")}) {
+        CFPreferencesAppSynchronize(program);
+        for (CFStringRef window :
+             {CFSTR("NSWindow Frame ZELPostscriptPrinterDriverStyleDialogPosition"),
+              CFSTR("NSWindow Frame ZELPostscriptPrinterDriverJobDialogPosition")})
+            CFPreferencesSetAppValue(window, nullptr, program);
+        CFPreferencesAppSynchronize(program);
+    }
+}
+
 void PersonTest::UsePrinter(const PPDOptions &options) {
     SavePlace(CFSTR("PPDBookmark"), WriteFile(mFolder, "Test.ppd", PPDText(options)));
 }

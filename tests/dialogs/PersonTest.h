@@ -16,6 +16,8 @@ protected:
 
     /// Stores a bookmark in the driver's preferences.
     static void SavePlace(CFStringRef key, const std::string &path);
+    /// The windows have never been open.
+    static void ForgetWindowPlaces();
     void UsePrinter(const PPDOptions &options);
     void OpenStyle(const PSHPrint &record);
     /// Presses OK on what is typed; the alert must have that text, and the field is selected then.

@@ -102,3 +102,39 @@ ForeignWindow::ForeignWindow() : mDisplay(XOpenDisplay(nullptr)) {
 ForeignWindow::~ForeignWindow() {
     if (mDisplay != nullptr) XCloseDisplay(mDisplay);
 }
+
+WindowShape ShapeOfWindow(const std::string &handle) {
+    WindowShape shape = {PlaceOfWindow(handle), 0, 0, 0, 0, {}};
+    Display *display = XOpenDisplay(nullptr);
+    if (display == nullptr) return shape;
+    const Window window = std::strtoul(handle.c_str(), nullptr, 10);
+    XWindowAttributes attributes = {};
+    XGetWindowAttributes(display, window, &attributes);
+    shape.width = attributes.width;
+    shape.height = attributes.height;
+    shape.screenWidth = DisplayWidth(display, DefaultScreen(display));
+    shape.screenHeight = DisplayHeight(display, DefaultScreen(display));
+    Atom type = None;
+    int format = 0;
+    unsigned long count = 0, rest = 0;
+    unsigned char *data = nullptr;
+    XGetWindowProperty(display, window, XInternAtom(display, "_NET_WM_WINDOW_TYPE", False), 0, 1,
+                       False, XA_ATOM, &type, &format, &count, &rest, &data);
+    if (data != nullptr && count == 1) {
+        char *name = XGetAtomName(display, *reinterpret_cast<const Atom *>(data));
+        shape.type = name;
+        XFree(name);
+    }
+    if (data != nullptr) XFree(data);
+    XCloseDisplay(display);
+    return shape;
+}
+
+void SetDesktopResources(const std::string &resources) {
+    Display *display = XOpenDisplay(nullptr);
+    if (display == nullptr) return;
+    XChangeProperty(display, DefaultRootWindow(display), XA_RESOURCE_MANAGER, XA_STRING, 8,
+                    PropModeReplace, reinterpret_cast<const unsigned char *>(resources.data()),
+                    static_cast<int>(resources.size()));
+    XCloseDisplay(display);
+}

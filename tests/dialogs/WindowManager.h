@@ -33,3 +33,14 @@ public:
 private:
     struct _XDisplay *mDisplay; ///< a connection of its own
 };
+
+/// What the window manager knows of a window, in pixels; its type is the atom's name.
+struct WindowShape {
+    WindowPlace place;
+    int width, height, screenWidth, screenHeight;
+    std::string type;
+};
+WindowShape ShapeOfWindow(const std::string &handle);
+
+/// The X resources that a desktop sets for all programs ("NAME:\tVALUE\n").
+void SetDesktopResources(const std::string &resources);

@@ -295,13 +295,18 @@ TEST_F(JobDialogFlow, CloseButton_Cancels) {
     EXPECT_FALSE(Run());
 }
 
-TEST_F(JobDialogFlow, NoHotFolder_SaveIsDisabledAndReturnDoesNothing) {
+TEST_F(JobDialogFlow, NoHotFolder_SaveIsDisabledAndReturnAsksForOne) {
     HaveNoHotFolder();
     WhenOpen([] {
         EXPECT_FALSE([[Controller() saveButton] isEnabled]);
         EXPECT_NE(WindowTexts(DialogWindow()).find("none"), std::string::npos);
         TakePicture(DialogWindow(), "job-no-hot-folder");
         PressKey("\r");
+    });
+    WhenAbove([] {
+        EXPECT_TRUE([WindowAboveDialog() isKindOfClass:[NSSavePanel class]]);
+        [(NSSavePanel *)WindowAboveDialog() cancel:nil];
+        StopModalAndWake();
     });
     WhenOpen([] { EXPECT_FALSE([Controller() isOK]); });
     Press(@"Cancel");

@@ -479,6 +479,22 @@ TEST_F(StyleFlow, PPD_VeryLongFileName_GivesWayInTheMiddle) {
     EXPECT_FALSE(Run());
 }
 
+TEST_F(StyleFlow, PPD_RefusedWhileOpen_IsToldInTwoLines) {
+    WriteFile(mFolder, "Bad.ppd", "*PPD-Adobe: \"4.3\"\n*DefaultResolution: 300dpi\n");
+    WhenOpen([this] {
+        NSString *path = [NSString stringWithUTF8String:(mFolder + "/Bad.ppd").c_str()];
+        mSetup.LoadPrinter((CFURLRef)[NSURL fileURLWithPath:path]);
+    });
+    WhenAbove([] {
+        ExpectTextAbove(
+            " PPD File error:*DefaultPageSize not found\nUsing default settings instead");
+        TakePicture(WindowAboveDialog(), "style-ppd-error-alert");
+        PressButton(WindowAboveDialog(), @"OK");
+    });
+    Press(@"Cancel");
+    EXPECT_FALSE(Run());
+}
+
 // Errors of other threads
 
 TEST_F(StyleFlow, DisplayError_FromAWorker_WaitsUntilTheUserHasClosedIt) {

@@ -430,6 +430,99 @@ TEST_F(ZelprintTest, BothDialogs_RangeTyped_PrintsThosePages) {
     EXPECT_TRUE(Contains(ReadAll(mHot + "/page.ps"), "%%Pages: 1"));
 }
 
+TEST_F(ZelprintTest, PPDPanel_OpensBesideThePresentFile) {
+    fs::create_directory(mFolder + "/printers");
+    const std::string option = WriteFile(mFolder + "/printers", "New.ppd", PrinterNamed("New"));
+    WriteFile(mFolder + "/printers", "Newer.ppd", PrinterNamed("Newer"));
+    Zelprint({"--ppd", option, "--page-setup", "--hot-folder", "hot"});
+    mPerson.WaitForWindow("dialog");
+    mPerson.ClickTo("choosePPDButton", "panel");
+    ChooseRow("Newer.ppd");
+    mPerson.ClickTo("OK", "dialog");
+    mPerson.WaitFor("the printer's name",
+                    [](const Screen &s) { return Contains(s.texts, "Newer.ppd"); });
+    mPerson.Press("Escape");
+    EXPECT_EQ(mPerson.Status(), 130);
+}
+
+TEST_F(ZelprintTest, PPDPanel_TypedPathThenReturn_IsTheFile) {
+    fs::create_directory(mFolder + "/printers");
+    const std::string typed = WriteFile(mFolder + "/printers", "New.ppd", PrinterNamed("New"));
+    Zelprint({"--page-setup", "--hot-folder", "hot"});
+    mPerson.WaitForWindow("dialog");
+    mPerson.ClickTo("choosePPDButton", "panel");
+    mPerson.Type("name", typed);
+    mPerson.PressTo("Return", [](const Screen &s) { return s.kind == "dialog" && s.isKey; });
+    mPerson.WaitFor("the printer's name",
+                    [](const Screen &s) { return Contains(s.texts, "New.ppd"); });
+    mPerson.Press("Escape");
+    EXPECT_EQ(mPerson.Status(), 130);
+}
+
+TEST_F(ZelprintTest, PrintDialog_SaysWhatIsPrinted) {
+    SavePlace(CFSTR("HotFolderBookmark"), mHot);
+    Zelprint({"--print-dialog", "--media", "A5", "-t", "Brochure", "page.pgm"});
+    const Screen screen = mPerson.WaitForWindow("dialog");
+    for (const char *text :
+         {"Brochure (2 pages)\n", "Old.ppd\n", "A5 of Old, 148.17 \u00d7 209.90 millimetres\n"})
+        EXPECT_TRUE(Contains(screen.texts, text)) << text << screen.texts;
+    mPerson.TakePicture("zelprint-print-dialog");
+    mPerson.Press("Escape");
+    EXPECT_EQ(mPerson.Status(), 130);
+}
+
+TEST_F(ZelprintTest, PrintDialog_WithoutAHotFolder_ReturnAsksForOne) {
+    Zelprint({"--print-dialog"});
+    mPerson.WaitForWindow("dialog");
+    mPerson.PressTo("Return", [](const Screen &s) { return s.kind == "panel" && s.isKey; });
+    mPerson.ClickTo("Cancel", "dialog");
+    mPerson.PressTo("Escape", [this](const Screen &) { return mPerson.HostHasEnded(); });
+}
+
+class ZelprintWindow : public ZelprintTest, public testing::WithParamInterface<const char *> {};
+
+TEST_P(ZelprintWindow, FirstTime_IsADialogInTheMiddleOfTheScreen) {
+    ForgetWindowPlaces();
+    Zelprint({GetParam()});
+    const Screen screen = mPerson.WaitForWindow("dialog");
+    const WindowShape shape = ShapeOfWindow(screen.handle);
+    EXPECT_EQ(shape.type, "_NET_WM_WINDOW_TYPE_DIALOG");
+    EXPECT_NEAR(shape.place.x + shape.width / 2, shape.screenWidth / 2, 30);
+    EXPECT_NEAR(shape.place.y + shape.height / 2, shape.screenHeight / 2, 30);
+    mPerson.PressTo("Escape", [this](const Screen &) { return mPerson.HostHasEnded(); });
+}
+
+TEST_P(ZelprintWindow, TwoPrograms_DoNotLieOnOneAnother) {
+    Zelprint({GetParam()});
+    const WindowPlace first = PlaceOfWindow(mPerson.WaitForWindow("dialog").handle);
+    const std::string folder = MakeTestFolder();
+    {
+        Person other(folder);
+        other.Start({ZELPRINT_PROGRAM, GetParam(), mFolder + "/page.pgm"});
+        const WindowPlace second = PlaceOfWindow(other.WaitForWindow("dialog").handle);
+        EXPECT_GE(second.x - first.x, 10);
+        EXPECT_GE(second.y - first.y, 10);
+    }
+    RemoveTestFolder(folder);
+    mPerson.PressTo("Escape", [this](const Screen &) { return mPerson.HostHasEnded(); });
+}
+
+TEST_P(ZelprintWindow, FineScreen_IsScaled) {
+    Zelprint({GetParam()});
+    const int plain = ShapeOfWindow(mPerson.WaitForWindow("dialog").handle).width;
+    mPerson.PressTo("Escape", [this](const Screen &) { return mPerson.HostHasEnded(); });
+    SetDesktopResources("Xft.dpi:\t144\n");
+    Zelprint({GetParam()});
+    const int fine = ShapeOfWindow(mPerson.WaitForWindow("dialog").handle).width;
+    mPerson.TakePicture("zelprint-fine" + std::string(GetParam()));
+    SetDesktopResources("");
+    mPerson.PressTo("Escape", [this](const Screen &) { return mPerson.HostHasEnded(); });
+    EXPECT_NEAR(fine, plain * 1.5, 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(Dialogs, ZelprintWindow,
+                         testing::Values("--page-setup", "--print-dialog"));
+
 TEST_F(ZelprintTest, Window_Dragged_OpensThereNextTime) {
     Zelprint({"--page-setup", "--hot-folder", "hot"});
     const WindowPlace before = PlaceOfWindow(mPerson.WaitForWindow("dialog").handle);

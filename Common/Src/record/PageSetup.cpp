@@ -74,6 +74,11 @@ void PageSetup::Use(const PSHPrint &record, const PageSetupSources *sources) {
 const std::string &PageSetup::PrinterName() const {
     return Printer().GetName();
 }
+std::string PageSetup::PrinterPath() const {
+    const CFRef<CFStringRef> path(
+        Printer().URL() ? CFURLCopyFileSystemPath(Printer().URL(), kCFURLPOSIXPathStyle) : nullptr);
+    return UTF8Text(path.Get()).value_or("");
+}
 bool PageSetup::PrinterHasColour() const {
     return Printer().HasColour();
 }

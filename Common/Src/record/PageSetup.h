@@ -28,6 +28,7 @@ public:
     const PSHPrint &Record() const { return mRecord; }
 
     const std::string &PrinterName() const override;
+    std::string PrinterPath() const override;
     bool PrinterHasColour() const override;
     double PaperWidth() const override;
     double PaperHeight() const override;
