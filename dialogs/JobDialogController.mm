@@ -2,7 +2,7 @@
 
 #import "dialogs/DialogSupport.h"
 #include "dialogs/PageRange.h"
-#include "dialogs/Units.h"
+#include "support/Units.h"
 
 #include <platform/Platform.h>
 

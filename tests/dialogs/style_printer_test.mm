@@ -6,6 +6,7 @@
 #include "tests/dialogs/TestBundle.h"
 
 #include <atomic>
+#include <dispatch/dispatch.h>
 #include <filesystem>
 #include <thread>
 
@@ -479,15 +480,15 @@ TEST_F(StyleFlow, PPD_VeryLongFileName_GivesWayInTheMiddle) {
     EXPECT_FALSE(Run());
 }
 
-TEST_F(StyleFlow, PPD_RefusedWhileOpen_IsToldInTwoLines) {
-    WriteFile(mFolder, "Bad.ppd", "*PPD-Adobe: \"4.3\"\n*DefaultResolution: 300dpi\n");
-    WhenOpen([this] {
-        NSString *path = [NSString stringWithUTF8String:(mFolder + "/Bad.ppd").c_str()];
-        mSetup.LoadPrinter((CFURLRef)[NSURL fileURLWithPath:path]);
+TEST_F(StyleFlow, DisplayError_OfTwoLines_IsShownInTwoLines) {
+    WhenOpen([] {
+        dispatch_async_f(dispatch_get_main_queue(), nullptr, [](void *) {
+            DisplayError(
+                " PPD File error:*DefaultPageSize not found\rUsing default settings instead");
+        });
     });
     WhenAbove([] {
-        ExpectTextAbove(
-            " PPD File error:*DefaultPageSize not found\nUsing default settings instead");
+        ExpectTextAbove("*DefaultPageSize not found\nUsing default settings instead");
         TakePicture(WindowAboveDialog(), "style-ppd-error-alert");
         PressButton(WindowAboveDialog(), @"OK");
     });
