@@ -47,6 +47,8 @@ void EndDialog(NSWindowController *controller) {
     @try {
         // Asking for a window that is not there would load it again.
         if ([controller isWindowLoaded]) ReleaseLoadedWindow([controller window]);
+        // Where the window was dragged to: the host may end before AppKit saves it.
+        [[NSUserDefaults standardUserDefaults] synchronize];
     } @catch (NSException *e) {
         // It has been told what failed first.
     }
