@@ -4,6 +4,7 @@
 #define ZEL_EXTENSIONS_H
 
 #include "ZELTypes.h"
+#include <CoreServices/CoreServices.h>
 
 /// The printer model read from a PPD file (null: the built-in description), or null when the file
 /// is refused; then `*message`, if asked for, says why. The caller releases both. Keys:
@@ -58,6 +59,19 @@ ZEL_EXPORT CFURLRef ZELPrCopyUsersHotFolder(DriverContext *context);
 /// Whether the user has chosen that documents go to the default print queue, as it is saved now.
 /// False when the user has not said.
 ZEL_EXPORT Boolean ZELPrUserSendsToPrintQueue(DriverContext *context);
+
+/// The colour space (kZELColourSpace...) that the user has chosen, as it is saved now.
+/// ZELPrDefaults gives a record that of the printer where that has no colour.
+ZEL_EXPORT uint32_t ZELPrUsersColourSpace(DriverContext *context);
+
+/// Saves choices as the user's defaults, as a confirmed dialog does: for a machine without windows.
+/// Of `record`, its colour space, separation, mirroring, turn and file format; `ppd` and
+/// `hotFolder` are where things are that exist; `*send`, whether documents go to the default print
+/// queue. What is null stays as it is saved. Contexts that are open keep their printer. False when
+/// a place cannot be remembered, and then nothing is saved, or when the preferences cannot be
+/// written.
+ZEL_EXPORT Boolean ZELPrSaveDefaults(DriverContext *context, Handle record, CFURLRef ppd,
+                                     CFURLRef hotFolder, const Boolean *send);
 
 /// Makes this context hand its documents to the default print queue, or not, whatever the user has
 /// chosen; the page-setup dialog shows it, and what is confirmed there counts from then on.

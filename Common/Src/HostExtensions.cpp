@@ -2,11 +2,13 @@
 #include "Common/Src/DriverContext.h"
 #include "Common/Src/postscript/PrintQueue.h"
 #include "Common/Src/record/Preferences.h"
+#include "Common/Src/record/PrintRecord.h"
 #include "ZELExtensions.h"
 #include "dialogs/DialogEnd.h"
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"
 #include "ppd/PrinterInfoDictionary.h"
+#include "support/Bookmark.h"
 #include "support/CFText.h"
 
 #include <algorithm>
@@ -102,6 +104,24 @@ CFURLRef ZELPrCopyUsersHotFolder(DriverContext *context) {
 
 Boolean ZELPrUserSendsToPrintQueue(DriverContext *context) {
     return GetSendToDefaultPrintQueue(context->bundleIdentifier.Get());
+}
+
+uint32_t ZELPrUsersColourSpace(DriverContext *context) {
+    return GetColourSpace(context->bundleIdentifier.Get());
+}
+
+Boolean ZELPrSaveDefaults(DriverContext *context, Handle record, CFURLRef ppd, CFURLRef hotFolder,
+                          const Boolean *send) {
+    CFStringRef application = context->bundleIdentifier.Get();
+    if (record && GetHandleSize(record) < static_cast<Size>(sizeof(PSHPrint))) return false;
+    const CFRef<CFDataRef> printer = ppd ? BookmarkOf(ppd) : CFRef<CFDataRef>();
+    const CFRef<CFDataRef> folder = hotFolder ? BookmarkOf(hotFolder) : CFRef<CFDataRef>();
+    if ((ppd && !printer) || (hotFolder && !folder)) return false;
+    SavePPDFileLocation(application, printer.Get());
+    if (hotFolder) SaveHotFolder(application, hotFolder);
+    if (send) SaveSendToDefaultPrintQueue(application, *send != 0);
+    if (record) SaveDefaults(application, CopyRecord(record));
+    return CFPreferencesAppSynchronize(application);
 }
 
 Boolean ZELPrCanShowDialogs() {

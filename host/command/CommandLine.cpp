@@ -219,6 +219,7 @@ int RunCommandLine(int argc, char **argv,
     AddJobOptions(app, options);
     app.set_version_flag("--version", "zelprint " ZEL_VERSION);
     app.option_defaults()->group("Options");
+    AddDefaultsCommand(app, action, options.bundle);
     AddPrinterInfoCommand(app, action, options.bundle);
     AddSeparationsCommand(app, action, options.bundle);
     AddMakeSeparationCommand(app, action, options.bundle);

@@ -24,6 +24,7 @@ using CommandAction = std::function<ExitStatus()>;
 /// Each adds one subcommand to `app`. Its callback stores what it does in `action`; failures are
 /// thrown as HostError. `bundle` is the value of --bundle, valid when the action runs.
 void AddPrinterInfoCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
+void AddDefaultsCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 void AddSeparationsCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 void AddQueueCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 void AddMakeSeparationCommand(CLI::App &app, CommandAction &action, const std::string &bundle);

@@ -46,6 +46,8 @@
     X(ZELPrSetPrinter)                                                                             \
     X(ZELPrCopyUsersHotFolder)                                                                     \
     X(ZELPrUserSendsToPrintQueue)                                                                  \
+    X(ZELPrUsersColourSpace)                                                                       \
+    X(ZELPrSaveDefaults)                                                                           \
     X(ZELPrCanShowDialogs)                                                                         \
     X(ZELPrMoveWithoutReplacing)                                                                   \
     X(ZELPrInheritRights)                                                                          \

@@ -21,13 +21,14 @@ expect() {
     done
 }
 expect "" "$docs/zelprint.md"
+expect defaults "$docs/zelprint.md"
 expect printer-info "$docs/zelprint.md"
 expect separations "$docs/zelprint.md"
 expect make-separation "$docs/zelprint.md" "$docs/separations.md"
 expect queue "$docs/zelprint.md" "$docs/queue.md"
 [ "$seen" -gt 30 ] || { echo "the help lists $seen options only" >&2; exit 1; }
 
-told=$({ for command in "" printer-info separations make-separation queue; do "$zelprint" $command --help; done; } | options)
+told=$({ for command in "" defaults printer-info separations make-separation queue; do "$zelprint" $command --help; done; } | options)
 for option in $manual; do
     echo "$told" | grep -qxe "$option" || { echo "zelprint has no $option" >&2; failed=1; }
 done

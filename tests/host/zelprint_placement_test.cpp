@@ -163,6 +163,19 @@ TEST_F(PlacedPicture, InEveryScale_HasTheSizeAskedFor) {
     }
 }
 
+TEST_F(PlacedPicture, AsLpAsksForIt_IsPlacedLikewise) {
+    const double fit = (578 - 14.17) / 72 * 25.4 / 210;
+    const Box fitted = {5 + 10 * fit, 289 - 287 * fit, 5 + 200 * fit, 289 - 10 * fit};
+    for (const char *word : {"fit-to-page", "fit-to-page=true", "print-scaling=fit"})
+        ExpectNear(Frame(Print({"-o", word, mPlace.Path("a4.tif")})), fitted, word);
+    ExpectNear(Frame(Print({"-o", "print-scaling=none", "-o", "position=top-left",
+                            mPlace.Path("card.tif")})),
+               {15, 17, 95, 57}, "position");
+    const RunResult run = mPlace.PrintRGB({"-o", "print-scaling=huge", mPlace.Path("card.tif")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.Complaint().find("\"huge\" is none of"), std::string::npos) << run.err;
+}
+
 TEST_F(PlacedPicture, WithoutAKnownSize_HasNoScaleInTheReport) {
     json report;
     (void)Print({mPlace.Path("shape.ppm")}, &report);
