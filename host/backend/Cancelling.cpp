@@ -74,6 +74,7 @@ bool IsCancelled() {
 int RunToEnd(const std::vector<std::string> &words, const std::string &output,
              const std::string &errors) {
     std::vector<char *> pointers;
+    pointers.reserve(words.size() + 1);
     for (const std::string &word : words)
         pointers.push_back(const_cast<char *>(word.c_str()));
     pointers.push_back(nullptr);

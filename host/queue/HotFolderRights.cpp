@@ -58,8 +58,8 @@ std::string Remedy(const passwd &user, const std::string &folder) {
     for (std::string above = folder; above != "/";) {
         above = FolderAbove(above);
         if (!ModeAllows(user, above, kEnter))
-            entries = "setfacl -m u:" + std::string(user.pw_name) + ":x " + ShellWord(above) +
-                      " && " + entries;
+            entries.insert(0, "setfacl -m u:" + std::string(user.pw_name) + ":x " +
+                                  ShellWord(above) + " && ");
     }
     return entries + "setfacl -m u:" + user.pw_name + ":rwx,d:u:" + user.pw_name + ":rwx " +
            ShellWord(folder);

@@ -171,9 +171,11 @@ private:
         for (const ordered_json &item : items) {
             const std::string name = item["name"];
             const std::string shown = item["ui_name"];
-            Value("*" + keyword + " " + name + "/" + ASCIITranslation(shown, name),
-                  item["postscript"]);
-            Translate(keyword + " " + name, shown.empty() ? name : shown);
+            std::string choice = keyword;
+            choice.append(" ").append(name);
+            Translate(choice, shown.empty() ? name : shown);
+            choice.insert(0, "*").append("/").append(ASCIITranslation(shown, name));
+            Value(choice, item["postscript"]);
         }
         Line("*CloseUI: *" + keyword);
     }
