@@ -71,7 +71,7 @@ std::string Media(const MarkedOptions &options) {
 
 /// Clients of IPP say 300x300dpi, which no PPD file calls its choice; zelprint finds the nearest.
 std::string Resolution(const MarkedOptions &options) {
-    const std::string asked = options.Sent("printer-resolution");
+    std::string asked = options.Sent("printer-resolution");
     if (!asked.empty() && options.Sent("Resolution").empty()) return asked;
     return options.Choice("Resolution");
 }

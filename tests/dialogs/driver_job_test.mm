@@ -6,6 +6,7 @@
 #include "Common/Src/DriverContext.h"
 #include "Common/Src/record/PrintRecord.h"
 #include "ZELPrint.h"
+#include "ppd/PostscriptPrinterInfo.h"
 
 #include <filesystem>
 #include <fstream>
@@ -34,6 +35,7 @@ class DriverJobFlow : public testing::Test {
         mContext.bundle = CFRef<CFBundleRef>::Retain(TestBundle());
         mContext.bundleIdentifier = CFRef<CFStringRef>::Retain(TestBundleIdentifier());
         mContext.jobName = MakeString("Plan");
+        mContext.printerInfo = &mPrinter;
     }
     ~DriverJobFlow() override {
         DisposeHandle(mHandle);
@@ -67,6 +69,7 @@ class DriverJobFlow : public testing::Test {
 
     std::string mFolder = MakeTestFolder();
     Handle mHandle = NewHandleClear(sizeof(PSHPrint));
+    PostscriptPrinterInfo mPrinter;
     DriverContext mContext;
 };
 
