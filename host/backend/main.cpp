@@ -177,6 +177,19 @@ int RunJob(QueueJob job, const char *sent) {
     return Print(job, folder, file);
 }
 
+/// The job as the scheduler's arguments and environment tell it.
+QueueJob JobOf(int argc, char **argv) {
+    QueueJob job;
+    job.number = argv[1];
+    job.title = argv[3];
+    job.options = argv[5];
+    job.folder = HotFolderOfURI(Variable("DEVICE_URI"));
+    job.ppd = Variable("PPD");
+    // Filters make the copies; a file that comes as it was sent has none.
+    if (argc == 7) job.copies = std::max(1, atoi(argv[4]));
+    return job;
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -189,15 +202,12 @@ int main(int argc, char **argv) {
         return CUPS_BACKEND_FAILED;
     }
     HeedCancelling();
-    QueueJob job;
-    job.number = argv[1];
-    job.title = argv[3];
-    job.options = argv[5];
-    job.folder = HotFolderOfURI(Variable("DEVICE_URI"));
-    job.ppd = Variable("PPD");
-    // Filters make the copies; a file that comes as it was sent has none.
-    if (argc == 7) job.copies = std::max(1, atoi(argv[4]));
-    if (job.folder.empty())
-        return Fail(CUPS_BACKEND_STOP, "The device URI must be zelprint:/path/to/hot-folder");
-    return RunJob(job, argc == 7 ? argv[6] : nullptr);
+    try {
+        const QueueJob job = JobOf(argc, argv);
+        if (job.folder.empty())
+            return Fail(CUPS_BACKEND_STOP, "The device URI must be zelprint:/path/to/hot-folder");
+        return RunJob(job, argc == 7 ? argv[6] : nullptr);
+    } catch (...) { // memory is short, which passes
+        return CUPS_BACKEND_RETRY_CURRENT;
+    }
 }
