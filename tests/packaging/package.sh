@@ -26,25 +26,25 @@ debootstrap --variant=minbase bookworm "$root" "$mirror" >"$work/log" 2>&1 || { 
 mount -t proc proc "$root/proc"
 cp /etc/apt/sources.list "$root/etc/apt/" 2>/dev/null || true
 cp -r /etc/apt/sources.list.d /etc/apt/apt.conf.d /etc/apt/trusted.gpg.d "$root/etc/apt/"
-cp "$work"/packages/*.deb "$project/samples/photograph.jpg" "$project/samples/page.pdf" "$root/root/"
+cp "$work"/packages/*.deb "$project/samples/photograph.jpg" "$project/samples/page.pdf" "$root/srv/"
 before=$(du -smx "$root" | cut -f 1)
 inside apt-get update >"$work/log" 2>&1 &&
-    inside sh -c 'apt-get install -y --no-install-recommends /root/zelprint_*.deb' >>"$work/log" 2>&1 || { tail "$work/log"; fail "it cannot be installed"; }
+    inside sh -c 'apt-get install -y --no-install-recommends /srv/zelprint_*.deb' >>"$work/log" 2>&1 || { tail "$work/log"; fail "it cannot be installed"; }
 echo "installed: $(($(du -smx "$root" --exclude=var/cache --exclude=var/lib/apt | cut -f 1) - before)) MB"
 inside sh -c 'command -v gcc clang' && fail "a compiler came with it"
 
-mkdir "$root/root/hot"
+mkdir "$root/srv/hot"
 for file in photograph.jpg page.pdf; do
-    inside zelprint --quiet --hot-folder /root/hot "/root/$file" || fail "it does not print $file"
+    inside zelprint --quiet --hot-folder /srv/hot "/srv/$file" || fail "it does not print $file"
 done
-for file in "$root"/root/hot/*.ps; do
+for file in "$root"/srv/hot/*.ps; do
     [ "$(tail -n 1 "$file")" = "%%EOF" ] || fail "${file##*/} is not complete"
 done
-[ "$(ls "$root/root/hot")" = "$(printf 'page.ps\nphotograph.ps')" ] || fail "the folder holds: $(ls "$root/root/hot")"
+[ "$(ls "$root/srv/hot")" = "$(printf 'page.ps\nphotograph.ps')" ] || fail "the folder holds: $(ls "$root/srv/hot")"
 inside zelprint --help >/dev/null || fail "no help"
 
-inside sh -c 'dpkg -i /root/zelprint_*.deb' >/dev/null || fail "it cannot be installed again"
+inside sh -c 'dpkg -i /srv/zelprint_*.deb' >/dev/null || fail "it cannot be installed again"
 inside zelprint --version >/dev/null || fail "it does not work after it was installed again"
 inside sh -c 'dpkg -P zelprint' >/dev/null || fail "it cannot be removed"
-left=$(inside sh -c 'find / -xdev -path /proc -prune -o -path /root -prune -o \( -iname "*zelprint*" -o -name zel \) -print')
+left=$(inside sh -c 'find / -xdev -path /proc -prune -o -path /root -prune -o -path /srv -prune -o \( -iname "*zelprint*" -o -name zel \) -print')
 [ -z "$left" ] || fail "it leaves: $left"
