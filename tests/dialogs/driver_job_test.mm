@@ -35,7 +35,7 @@ class DriverJobFlow : public testing::Test {
         mContext.bundle = CFRef<CFBundleRef>::Retain(TestBundle());
         mContext.bundleIdentifier = CFRef<CFStringRef>::Retain(TestBundleIdentifier());
         mContext.jobName = MakeString("Plan");
-        mContext.printerInfo = &mPrinter;
+        mContext.printerInfo = new PostscriptPrinterInfo; // the context owns it
     }
     ~DriverJobFlow() override {
         DisposeHandle(mHandle);
@@ -69,7 +69,6 @@ class DriverJobFlow : public testing::Test {
 
     std::string mFolder = MakeTestFolder();
     Handle mHandle = NewHandleClear(sizeof(PSHPrint));
-    PostscriptPrinterInfo mPrinter;
     DriverContext mContext;
 };
 
