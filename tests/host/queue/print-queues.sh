@@ -249,9 +249,9 @@ check "an unknown separation is told" until_true 60 told lost 'no separation cal
 check "its job is held" until_true 20 sh -c 'lpstat -l -o lost | grep -q job-hold-until-specified'
 cancel -a lost
 print -t cancelled -o Resolution=1200dpi -n 20 "$work/doc.pdf"
-until_true 60 sh -c 'ls -A "$0" | grep -q "^\.zelprint"' "$work" || true
+check "a job to cancel begins" until_true 60 sh -c 'ls -A "$0" "$0/press" | grep -q "^\.zelprint"' "$work"
 cancel -a press
-check "cancelling leaves nothing" until_true 30 holds press 16
+check "cancelling leaves nothing" until_true 60 holds press 16
 check "the late job comes when the folder is there" until_true 90 test -e "$work/gone/late.ps"
 check "only our queues are removed" sh -c 'lpadmin -p other -v file:/dev/null -E 2>/dev/null; ! "$0" queue --remove other 2>/dev/null' "$zelprint"
 check "a queue is removed" "$zelprint" queue --remove gone
