@@ -1,8 +1,8 @@
 #include "host/command/CommandLine.h"
 #include "host/command/PrintCommand.h"
 #include "host/driver/ProgramPath.h"
-#include "host/job/Cancellation.h"
 #include "host/readers/RowReader.h"
+#include "host/terminal/Cancellation.h"
 #include <cstdio>
 #include <unistd.h>
 

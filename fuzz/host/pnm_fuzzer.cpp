@@ -1,8 +1,8 @@
 // Any bytes as a PNM file: it is refused, or has all its samples. A raw file that is whole, and not
 // one byte longer, is cut by a byte and must then be refused.
-#include "host/command/ExitStatus.h"
 #include "host/readers/PNMCheck.h"
 #include "host/readers/PNMHeader.h"
+#include "host/terminal/ExitStatus.h"
 
 #include <cstdio>
 #include <cstdlib>

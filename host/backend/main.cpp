@@ -4,8 +4,8 @@
 #include "host/backend/JobFolder.h"
 #include "host/backend/Messages.h"
 #include "host/backend/QueueJob.h"
-#include "host/command/ExitStatus.h"
 #include "host/separations/SystemSeparations.h"
+#include "host/terminal/ExitStatus.h"
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>

@@ -1,12 +1,12 @@
 #include "host/command/CommandLine.h"
 
 #include "PSHPrint.h"
-#include "host/command/Console.h"
 #include "host/command/HelpFormatter.h"
 #include "host/command/LpOptions.h"
 #include "host/command/PlacementOptions.h"
 #include "host/command/Report.h"
 #include "host/job/JobTitle.h"
+#include "host/terminal/Console.h"
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>

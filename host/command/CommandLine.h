@@ -2,8 +2,8 @@
 #ifndef ZEL_HOST_COMMANDLINE_H
 #define ZEL_HOST_COMMANDLINE_H
 
-#include "host/command/ExitStatus.h"
-#include "host/command/JobOptions.h"
+#include "host/job/JobOptions.h"
+#include "host/terminal/ExitStatus.h"
 #include <functional>
 
 namespace CLI {

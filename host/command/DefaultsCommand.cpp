@@ -1,13 +1,13 @@
 // zelprint defaults [...]: the user's saved defaults, read and set without a window.
 #include "host/command/CommandLine.h"
 
-#include "host/command/Console.h"
-#include "host/command/TextTable.h"
 #include "host/driver/Driver.h"
 #include "host/driver/ProgramPath.h"
 #include "host/driver/Record.h"
 #include "host/job/JobPlan.h"
 #include "host/separations/Separations.h"
+#include "host/terminal/Console.h"
+#include "host/terminal/TextTable.h"
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>

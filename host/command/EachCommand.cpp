@@ -1,8 +1,8 @@
 #include "host/command/EachCommand.h"
 
-#include "host/command/Console.h"
 #include "host/command/Report.h"
-#include "host/job/Cancellation.h"
+#include "host/terminal/Cancellation.h"
+#include "host/terminal/Console.h"
 
 namespace {
 

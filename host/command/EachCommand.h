@@ -2,8 +2,8 @@
 #ifndef ZEL_HOST_EACHCOMMAND_H
 #define ZEL_HOST_EACHCOMMAND_H
 
-#include "host/command/ExitStatus.h"
-#include "host/command/JobOptions.h"
+#include "host/job/JobOptions.h"
+#include "host/terminal/ExitStatus.h"
 #include <functional>
 
 /// Calls `print` for one file after the other. What fails is complained about, and the others are

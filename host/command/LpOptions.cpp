@@ -1,7 +1,7 @@
 #include "host/command/LpOptions.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/command/PlacementOptions.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <cctype>
 #include <sstream>

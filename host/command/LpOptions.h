@@ -2,7 +2,7 @@
 #ifndef ZEL_HOST_LPOPTIONS_H
 #define ZEL_HOST_LPOPTIONS_H
 
-#include "host/command/JobOptions.h"
+#include "host/job/JobOptions.h"
 
 /// Sorts what -o has been given, in its order: words of lp that zelprint understands are taken, and
 /// the last of the others names the file to write. Throws HostError (Usage) for every other word of

@@ -1,11 +1,11 @@
 // zelprint make-separation --to CMYK.icc NAME: a separation profile from two ICC profiles.
 #include "host/command/CommandLine.h"
 
-#include "host/command/Console.h"
 #include "host/driver/Driver.h"
 #include "host/separations/MakeSeparation.h"
 #include "host/separations/Separations.h"
 #include "host/separations/SystemSeparations.h"
+#include "host/terminal/Console.h"
 #include <CLI/CLI.hpp>
 #include <cctype>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "host/command/PlacementOptions.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/job/Decimal.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 
 namespace {

@@ -2,7 +2,7 @@
 #ifndef ZEL_HOST_PLACEMENTOPTIONS_H
 #define ZEL_HOST_PLACEMENTOPTIONS_H
 
-#include "host/job/PagePlacement.h"
+#include "host/placement/PagePlacement.h"
 #include <string>
 
 /// Reads "fit", "shrink", "none", "fill" or a percentage ("71", "141.4%"). What is wrong with other

@@ -1,6 +1,5 @@
 #include "host/command/PrintCommand.h"
 
-#include "host/command/Console.h"
 #include "host/command/EachCommand.h"
 #include "host/command/Report.h"
 #include "host/job/Dialogs.h"
@@ -10,6 +9,7 @@
 #include "host/job/RecordChoices.h"
 #include "host/readers/ImageModule.h"
 #include "host/readers/PNMCheck.h"
+#include "host/terminal/Console.h"
 #include <algorithm>
 #include <cstdio>
 #include <fstream>

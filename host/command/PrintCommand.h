@@ -2,8 +2,8 @@
 #ifndef ZEL_HOST_PRINTCOMMAND_H
 #define ZEL_HOST_PRINTCOMMAND_H
 
-#include "host/command/ExitStatus.h"
-#include "host/command/JobOptions.h"
+#include "host/job/JobOptions.h"
+#include "host/terminal/ExitStatus.h"
 
 /// Throws HostError.
 [[nodiscard]] ExitStatus PrintCommand(const JobOptions &options);

@@ -2,10 +2,10 @@
 #include "host/command/PrinterInfoCommand.h"
 
 #include "host/command/CommandLine.h"
-#include "host/command/Console.h"
-#include "host/command/TextTable.h"
 #include "host/driver/Driver.h"
 #include "host/driver/PrinterModel.h"
+#include "host/terminal/Console.h"
+#include "host/terminal/TextTable.h"
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <cstdio>

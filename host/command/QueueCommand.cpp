@@ -2,7 +2,6 @@
 // there.
 #include "host/command/CommandLine.h"
 
-#include "host/command/Console.h"
 #include "host/command/PrinterInfoCommand.h"
 #include "host/driver/Driver.h"
 #include "host/driver/ProgramPath.h"
@@ -10,6 +9,7 @@
 #include "host/queue/QueuePPD.h"
 #include "host/queue/RunProgram.h"
 #include "host/separations/SystemSeparations.h"
+#include "host/terminal/Console.h"
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>

@@ -2,8 +2,8 @@
 #ifndef ZEL_HOST_REPORT_H
 #define ZEL_HOST_REPORT_H
 
-#include "host/command/ExitStatus.h"
 #include "host/job/PrintJob.h"
+#include "host/terminal/ExitStatus.h"
 
 [[nodiscard]] std::string ReportAsText(const JobPlan &plan, const JobResult &result);
 [[nodiscard]] std::string ReportAsJSON(const JobPlan &plan, const JobResult &result);

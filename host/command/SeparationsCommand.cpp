@@ -1,8 +1,8 @@
 // zelprint separations [--json]: the CMYK separations that the driver offers.
 #include "host/command/CommandLine.h"
 
-#include "host/command/Console.h"
 #include "host/separations/Separations.h"
+#include "host/terminal/Console.h"
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>

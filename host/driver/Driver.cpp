@@ -1,8 +1,8 @@
 #include "host/driver/Driver.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/driver/PrinterModel.h"
 #include "host/driver/ProgramPath.h"
+#include "host/terminal/ExitStatus.h"
 #include <cstdlib>
 #include <sys/stat.h>
 #include <utility>

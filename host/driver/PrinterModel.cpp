@@ -1,6 +1,6 @@
 #include "host/driver/PrinterModel.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>

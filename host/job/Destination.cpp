@@ -1,9 +1,9 @@
 #include "host/job/Destination.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/job/JobTitle.h"
 #include "host/job/OutputStaging.h"
 #include "host/job/Replacement.h"
+#include "host/terminal/ExitStatus.h"
 #include <cstdlib>
 #include <unistd.h>
 

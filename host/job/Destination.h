@@ -2,7 +2,7 @@
 #ifndef ZEL_HOST_DESTINATION_H
 #define ZEL_HOST_DESTINATION_H
 
-#include "host/command/JobOptions.h"
+#include "host/job/JobOptions.h"
 #include "host/job/JobPlan.h"
 #include "host/job/RecordChoices.h"
 

@@ -1,8 +1,8 @@
 #include "host/job/Dialogs.h"
 
-#include "host/command/Console.h"
-#include "host/command/ExitStatus.h"
-#include "host/job/Cancellation.h"
+#include "host/terminal/Cancellation.h"
+#include "host/terminal/Console.h"
+#include "host/terminal/ExitStatus.h"
 #include <atomic>
 #include <chrono>
 #include <condition_variable>

@@ -1,6 +1,6 @@
 #include "host/job/ImageLimits.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <cstdio>
 #include <set>
 #include <sys/stat.h>

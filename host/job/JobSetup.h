@@ -2,8 +2,8 @@
 #ifndef ZEL_HOST_JOBSETUP_H
 #define ZEL_HOST_JOBSETUP_H
 
-#include "host/command/JobOptions.h"
 #include "host/driver/Driver.h"
+#include "host/job/JobOptions.h"
 #include "host/job/JobPlan.h"
 
 /// Fills the record of a new session, runs the dialogs asked for and plans the job; the driver is

@@ -1,7 +1,7 @@
 #include "host/job/Media.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/job/Decimal.h"
+#include "host/terminal/ExitStatus.h"
 #include <cmath>
 #include <cstring>
 

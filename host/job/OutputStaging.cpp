@@ -1,7 +1,7 @@
 #include "host/job/OutputStaging.h"
 
-#include "host/command/ExitStatus.h"
-#include "host/job/Cancellation.h"
+#include "host/terminal/Cancellation.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <cerrno>
 #include <climits>

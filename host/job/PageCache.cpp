@@ -1,6 +1,6 @@
 #include "host/job/PageCache.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>

@@ -3,7 +3,7 @@
 #ifndef ZEL_HOST_PAGECACHE_H
 #define ZEL_HOST_PAGECACHE_H
 
-#include "host/job/PageLayout.h"
+#include "host/placement/PageLayout.h"
 #include "host/readers/RowReader.h"
 #include "host/readers/UnnamedFile.h"
 #include <map>

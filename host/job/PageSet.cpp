@@ -1,6 +1,6 @@
 #include "host/job/PageSet.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <charconv>
 #include <climits>
 

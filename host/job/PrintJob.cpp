@@ -1,13 +1,13 @@
 #include "host/job/PrintJob.h"
 
-#include "host/command/Console.h"
-#include "host/command/Progress.h"
-#include "host/job/Cancellation.h"
 #include "host/job/PageCache.h"
 #include "host/job/Replacement.h"
 #include "host/job/Settings.h"
 #include "host/readers/RowReader.h"
 #include "host/separations/Separations.h"
+#include "host/terminal/Cancellation.h"
+#include "host/terminal/Console.h"
+#include "host/terminal/Progress.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstring>

@@ -1,9 +1,10 @@
 #include "host/job/RasterPlan.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/job/ImageLimits.h"
 #include "host/job/PageSet.h"
 #include "host/separations/DriverSeparation.h"
+#include "host/terminal/Console.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <utility>
 

@@ -2,8 +2,8 @@
 #ifndef ZEL_HOST_RASTERPLAN_H
 #define ZEL_HOST_RASTERPLAN_H
 
-#include "host/command/JobOptions.h"
 #include "host/driver/PrinterModel.h"
+#include "host/job/JobOptions.h"
 #include "host/job/JobPlan.h"
 
 /// Makes the record one that the driver prints as it reads: a named page gets its true size, and

@@ -1,7 +1,5 @@
 #include "host/job/RecordChoices.h"
 
-#include "host/command/Console.h"
-#include "host/command/ExitStatus.h"
 #include "host/driver/ProgramPath.h"
 #include "host/job/Destination.h"
 #include "host/job/Dialogs.h"
@@ -10,6 +8,8 @@
 #include "host/job/Replacement.h"
 #include "host/job/Settings.h"
 #include "host/separations/Separations.h"
+#include "host/terminal/Console.h"
+#include "host/terminal/ExitStatus.h"
 #include <cstring>
 #include <numeric>
 #include <unistd.h>

@@ -2,8 +2,8 @@
 #ifndef ZEL_HOST_RECORDCHOICES_H
 #define ZEL_HOST_RECORDCHOICES_H
 
-#include "host/command/JobOptions.h"
 #include "host/driver/PrinterModel.h"
+#include "host/job/JobOptions.h"
 #include "host/readers/SourceFile.h"
 
 /// The choices that a print record has no field for.

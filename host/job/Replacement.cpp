@@ -1,6 +1,6 @@
 #include "host/job/Replacement.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <fcntl.h>
 #include <initializer_list>

@@ -1,9 +1,9 @@
 #include "host/job/Settings.h"
 
 #include "PSHPrint.h"
-#include "host/command/ExitStatus.h"
-#include "host/job/Cancellation.h"
 #include "host/job/OutputStaging.h"
+#include "host/terminal/Cancellation.h"
+#include "host/terminal/ExitStatus.h"
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>

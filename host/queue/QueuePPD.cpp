@@ -1,7 +1,7 @@
 #include "host/queue/QueuePPD.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/queue/QueueOptions.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>

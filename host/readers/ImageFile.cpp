@@ -1,7 +1,7 @@
 #include "host/readers/ImageFile.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/readers/SpooledInput.h"
+#include "host/terminal/ExitStatus.h"
 
 DocumentPage PageOf(const SourcePage &page) {
     if (page.drawnWidth <= 0) return PageOfImage(page.size);

@@ -3,7 +3,7 @@
 #ifndef ZEL_HOST_IMAGEFILE_H
 #define ZEL_HOST_IMAGEFILE_H
 
-#include "host/job/PageLayout.h"
+#include "host/placement/PageLayout.h"
 #include "host/readers/PackPixels.h"
 #include "host/separations/InkProfile.h"
 #include <cstddef>

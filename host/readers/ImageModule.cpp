@@ -1,7 +1,7 @@
 #include "host/readers/ImageModule.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/driver/ProgramPath.h"
+#include "host/terminal/ExitStatus.h"
 #include <cstdlib>
 #include <dlfcn.h>
 #include <future>

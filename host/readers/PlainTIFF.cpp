@@ -1,8 +1,8 @@
 #include "host/readers/PlainTIFF.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/readers/TIFFPages.h"
 #include "host/separations/ProfileCheck.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <atomic>
 #include <optional>

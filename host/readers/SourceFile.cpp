@@ -1,10 +1,10 @@
 #include "host/readers/SourceFile.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/readers/ImageModule.h"
 #include "host/readers/PictureKinds.h"
 #include "host/readers/PlainTIFF.h"
 #include "host/readers/pdf/PDFFile.h"
+#include "host/terminal/ExitStatus.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>

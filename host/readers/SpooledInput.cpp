@@ -1,6 +1,6 @@
 #include "host/readers/SpooledInput.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 #include "host/readers/UnnamedFile.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>

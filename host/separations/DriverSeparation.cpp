@@ -1,7 +1,7 @@
 #include "host/separations/DriverSeparation.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/separations/Separations.h"
+#include "host/terminal/ExitStatus.h"
 
 DriverSeparation::DriverSeparation(const DriverBundle &bundle, const std::string &name)
     : mBundle(bundle) {

@@ -1,6 +1,6 @@
 #include "host/separations/InkProfile.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <array>
 #include <cmath>

@@ -1,8 +1,8 @@
 // Puts separation profiles where the driver finds them.
 #include "host/separations/MakeSeparation.h"
 
-#include "host/command/ExitStatus.h"
-#include "host/job/Cancellation.h"
+#include "host/terminal/Cancellation.h"
+#include "host/terminal/ExitStatus.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>

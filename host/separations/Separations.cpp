@@ -1,6 +1,6 @@
 #include "host/separations/Separations.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>

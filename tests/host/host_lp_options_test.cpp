@@ -1,6 +1,6 @@
 // What people give with -o out of lp's habit, and what they mean to write.
-#include "host/command/ExitStatus.h"
 #include "host/command/LpOptions.h"
+#include "host/terminal/ExitStatus.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "host/job/Media.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <functional>
 #include <gtest/gtest.h>
 

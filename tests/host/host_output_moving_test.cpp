@@ -1,7 +1,7 @@
 // How a document gets its name on file systems that cannot do all that others can: the functions of
 // the system that staging moves files with are replaced in this program.
-#include "host/command/ExitStatus.h"
 #include "host/job/OutputStaging.h"
+#include "host/terminal/ExitStatus.h"
 
 #include <cerrno>
 #include <dlfcn.h>

@@ -1,6 +1,6 @@
 #include "host/job/OutputStaging.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>

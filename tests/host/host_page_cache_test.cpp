@@ -1,5 +1,5 @@
-#include "host/command/ExitStatus.h"
 #include "host/job/PageCache.h"
+#include "host/terminal/ExitStatus.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,7 +1,7 @@
-#include "host/command/ExitStatus.h"
 #include "host/readers/PlainTIFF.h"
 #include "host/readers/RowReader.h"
 #include "host/readers/images/VipsFile.h"
+#include "host/terminal/ExitStatus.h"
 #include "tests/output/TempFolder.h"
 #include <fstream>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "host/readers/RowReader.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <condition_variable>
 #include <gtest/gtest.h>
 #include <mutex>

@@ -1,8 +1,8 @@
 // zelprint make-separation and zelprint separations, run as a user runs them.
 #include "tests/host/RunShell.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/separations/MakeSeparation.h"
+#include "host/terminal/ExitStatus.h"
 #include "platform/Platform.h"
 #include "tests/colour/ICCTransforms.h"
 #include "tests/output/TempFolder.h"

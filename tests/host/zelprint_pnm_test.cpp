@@ -1,9 +1,9 @@
 // PNM files of all kinds: what is whole prints as it looks, what is damaged is refused.
 #include "tests/host/CommandFixture.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/readers/PNMCheck.h"
 #include "host/readers/images/VipsFile.h"
+#include "host/terminal/ExitStatus.h"
 #include <sstream>
 
 namespace {

@@ -1,7 +1,7 @@
 #include "host/readers/images/VipsPage.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/separations/ProfileCheck.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <cstring>
 

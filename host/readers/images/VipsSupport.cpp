@@ -1,7 +1,7 @@
 #include "host/readers/images/VipsSupport.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/readers/images/TIFFImage.h"
+#include "host/terminal/ExitStatus.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "host/readers/pdf/ChildProcess.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <cerrno>
 #include <csignal>
 #include <cstring>

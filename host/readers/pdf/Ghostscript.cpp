@@ -1,7 +1,7 @@
 #include "host/readers/pdf/Ghostscript.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/driver/ProgramPath.h"
+#include "host/terminal/ExitStatus.h"
 #include <array>
 #include <cerrno>
 #include <cstdio>

@@ -1,9 +1,9 @@
 #include "host/readers/pdf/PDFFile.h"
 
-#include "host/command/Console.h"
 #include "host/readers/SpooledInput.h"
 #include "host/readers/pdf/PDFPages.h"
 #include "host/readers/pdf/PDFRenderer.h"
+#include "host/terminal/Console.h"
 #include <algorithm>
 #include <atomic>
 #include <cmath>

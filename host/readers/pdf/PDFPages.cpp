@@ -1,9 +1,9 @@
 #include "host/readers/pdf/PDFPages.h"
 
-#include "host/command/ExitStatus.h"
 #include "host/readers/SpooledInput.h"
 #include "host/readers/pdf/Ghostscript.h"
 #include "host/readers/pdf/PDFMessages.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <cstdio>
 #include <sstream>

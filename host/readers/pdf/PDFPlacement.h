@@ -2,7 +2,7 @@
 #ifndef ZEL_HOST_PDF_PDFPLACEMENT_H
 #define ZEL_HOST_PDF_PDFPLACEMENT_H
 
-#include "host/job/PageLayout.h"
+#include "host/placement/PageLayout.h"
 
 struct PDFBox {
     double left = 0, bottom = 0, right = 0, top = 0;

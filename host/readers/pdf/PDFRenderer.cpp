@@ -1,8 +1,8 @@
 #include "host/readers/pdf/PDFRenderer.h"
 
-#include "host/command/Console.h"
-#include "host/command/ExitStatus.h"
 #include "host/readers/SpooledInput.h"
+#include "host/terminal/Console.h"
+#include "host/terminal/ExitStatus.h"
 #include <algorithm>
 #include <chrono>
 #include <cstdio>

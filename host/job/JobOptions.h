@@ -3,7 +3,7 @@
 #ifndef ZEL_HOST_JOBOPTIONS_H
 #define ZEL_HOST_JOBOPTIONS_H
 
-#include "host/job/PagePlacement.h"
+#include "host/placement/PagePlacement.h"
 #include "host/readers/pdf/PDFOptions.h"
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
-#include "host/command/TextTable.h"
+#include "host/terminal/TextTable.h"
 
-#include "host/command/Console.h"
+#include "host/terminal/Console.h"
 #include <algorithm>
 
 namespace {

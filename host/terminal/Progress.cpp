@@ -1,4 +1,4 @@
-#include "host/command/Progress.h"
+#include "host/terminal/Progress.h"
 
 #include <algorithm>
 #include <chrono>

@@ -2,7 +2,7 @@
 #ifndef ZEL_HOST_CANCELLATION_H
 #define ZEL_HOST_CANCELLATION_H
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 
 /// While one lives, SIGINT, SIGTERM and SIGHUP are noted instead of ending the process, so that
 /// what is unfinished can be taken away. May be nested. With the last of them the process ends, if

@@ -2,7 +2,7 @@
 #ifndef ZEL_HOST_PAGELAYOUT_H
 #define ZEL_HOST_PAGELAYOUT_H
 
-#include "host/job/PagePlacement.h"
+#include "host/placement/PagePlacement.h"
 
 /// The page as the driver takes it.
 struct PageGrid {

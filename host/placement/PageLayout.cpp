@@ -1,4 +1,4 @@
-#include "host/job/PageLayout.h"
+#include "host/placement/PageLayout.h"
 
 #include <algorithm>
 #include <cmath>

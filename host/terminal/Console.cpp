@@ -1,6 +1,6 @@
-#include "host/command/Console.h"
+#include "host/terminal/Console.h"
 
-#include "host/command/ExitStatus.h"
+#include "host/terminal/ExitStatus.h"
 #include <cerrno>
 #include <cstdio>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "host/job/Cancellation.h"
+#include "host/terminal/Cancellation.h"
 
 #include <atomic>
 #include <csignal>

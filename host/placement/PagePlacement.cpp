@@ -1,4 +1,4 @@
-#include "host/job/PagePlacement.h"
+#include "host/placement/PagePlacement.h"
 
 #include <algorithm>
 #include <cmath>
