@@ -2,7 +2,7 @@
 #include "Common/Src/stream/ASCII85.h"
 #include "Common/Src/stream/StreamEncoders.h"
 #include "Common/Src/stream/Writebuffer.h"
-#include "tests/output/LiteralASCII85.h"
+#include "tests/Common/Src/stream/LiteralASCII85.h"
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <random>

@@ -23,7 +23,7 @@ sed -e "s#^GNUSTEP_USER_DEFAULTS_DIR=.*#GNUSTEP_USER_DEFAULTS_DIR=$work/Defaults
     -e "s#^\(GNUSTEP_USER_DIR_[A-Z_]*\)=GNUstep/#\1=$work/GNUstep/#" /etc/GNUstep/GNUstep.conf > GNUstep.conf
 
 cp "$root/samples/page.pdf" sample.pdf
-PYTHONPATH=$root/tests/host/pdf python3 -B - <<'PYTHON'
+PYTHONPATH=$root/tests/host/readers/pdf python3 -B - <<'PYTHON'
 import pdfwriter
 pdfwriter.full_text(10).write('text.pdf')
 PYTHON

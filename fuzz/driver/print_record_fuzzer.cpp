@@ -8,7 +8,7 @@
 #include "Common/Src/record/PrintRecord.h"
 #include "colour/Separations.h"
 #include "ppd/PostscriptPrinterInfo.h"
-#include "tests/driver/TestPPD.h"
+#include "tests/Common/Src/TestPPD.h"
 
 #include <cstdio>
 #include <cstdlib>

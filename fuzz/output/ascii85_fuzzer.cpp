@@ -4,7 +4,7 @@
 #include "Common/Src/postscript/PackRGB.h"
 #include "Common/Src/stream/StreamEncoders.h"
 #include "Common/Src/stream/Writebuffer.h"
-#include "tests/output/LiteralASCII85.h"
+#include "tests/Common/Src/stream/LiteralASCII85.h"
 #include <cstdlib>
 #include <fcntl.h>
 #include <string>

@@ -2,7 +2,7 @@
 // that the address sanitizer sees every byte read beside them, and every row is compared with the
 // pixel that the exact division finds.
 #include "Common/Src/BandScaler.h"
-#include "tests/output/ReferenceScan.h"
+#include "tests/Common/Src/ReferenceScan.h"
 #include <cstdlib>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <memory>

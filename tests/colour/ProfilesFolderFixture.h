@@ -2,8 +2,8 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "tests/TempFolder.h"
 #include "tests/colour/ProfileBytes.h"
-#include "tests/output/TempFolder.h"
 #include <gtest/gtest.h>
 
 class ProfilesFolderTest : public testing::Test {

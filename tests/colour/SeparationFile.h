@@ -3,8 +3,8 @@
 
 #include "colour/EightColourLUT.h"
 #include "host/separations/MakeSeparation.h"
+#include "tests/TempFolder.h"
 #include "tests/colour/ICCTransforms.h"
-#include "tests/output/TempFolder.h"
 #include <memory>
 
 struct FreeEightColourLUT {

@@ -1,7 +1,7 @@
 #include "colour/EightColourLUT.h"
 #include "colour/EightColourSeparation.h"
+#include "tests/TempFolder.h"
 #include "tests/colour/BadProfiles.h"
-#include "tests/output/TempFolder.h"
 
 #include <array>
 #include <cstring>

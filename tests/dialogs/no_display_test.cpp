@@ -1,5 +1,5 @@
 // The dialog entry points on a server: the loaded bundle, no window system.
-#include "tests/driver/BundleHost.h"
+#include "tests/Common/Src/BundleHost.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "support/CFRef.h"
-#include "tests/output/TempFolder.h"
+#include "tests/TempFolder.h"
 #include <CoreFoundation/CoreFoundation.h>
 #include <filesystem>
 #include <string>

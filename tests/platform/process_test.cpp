@@ -1,5 +1,5 @@
 // Running programs.
-#include "tests/output/TempFolder.h"
+#include "tests/TempFolder.h"
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // What lies in a trash folder of the user.
-#include "tests/output/TempFolder.h"
+#include "tests/TempFolder.h"
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <platform/Platform.h>
