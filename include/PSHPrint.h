@@ -1,9 +1,8 @@
 /// The print record: 416 bytes that a host keeps in a memory handle and saves with its documents.
 ///
 /// Every number is stored big-endian, so that a record saved on one machine is good on another;
-/// doubles are IEEE 754 binary64, most significant byte first. Use the accessors of
-/// `Common/Src/PrintRecord.h` inside the driver; a host treats the record as opaque bytes and only
-/// needs its size.
+/// doubles are IEEE 754 binary64, most significant byte first. A host need not look inside:
+/// ZELPrGetRecordSettings and ZELPrSetRecordSettings tell and take native numbers.
 #ifndef ZEL_PSHPRINT_H
 #define ZEL_PSHPRINT_H
 

@@ -3,8 +3,44 @@
 #ifndef ZEL_EXTENSIONS_H
 #define ZEL_EXTENSIONS_H
 
+#include "PSHPrint.h"
 #include "ZELTypes.h"
 #include <CoreServices/CoreServices.h>
+
+/// What a host may choose in a print record, with native numbers. Versions to come may add fields
+/// at the end, never elsewhere.
+typedef struct ZELRecordSettings {
+    uint32_t size;        ///< sizeof(ZELRecordSettings), written by the host before every call
+    uint32_t colourSpace; ///< kZELColourSpaceCMYK, ...Gray or ...RGB
+    /// Points, more than 0: the page as it lies in front of the reader. Of a named page its
+    /// imageable area; of a custom page any size within the printer's limits.
+    double pageWidth, pageHeight;
+    double xDpi, yDpi;           ///< dots per inch, kZELMinimumDpi to kZELMaximumDpi
+    int32_t copies;              ///< 1 to 999
+    int32_t firstPage, lastPage; ///< 1 to 999, the last not before the first; 999: to the end
+    uint8_t pageIsCustom;        ///< flags: 0, or not 0; told as 0 and 1
+    uint8_t mirrorHorizontal;    ///< left to right
+    uint8_t mirrorVertical;      ///< top to bottom
+    uint8_t rotated;             ///< the page lies on the paper turned by 90 degrees
+    uint8_t eps;                 ///< EPS, one file a page, instead of one PostScript file
+    uint8_t reserved[3];         ///< zero
+    char pageName[42], resolutionName[42]; ///< the printer's names, at most 40 bytes and a zero
+    char separationName[256];              ///< UTF-8 and a zero; empty: "Standard"
+} ZELRecordSettings;
+
+/// Reads a record. What this driver does not know of a longer structure becomes 0. 0, or
+/// kZELBadParameter for a handle that holds no record, for null and for a `size` that is none.
+ZEL_EXPORT int32_t ZELPrGetRecordSettings(Handle record, ZELRecordSettings *settings);
+
+/// Changes a record to what the settings say; what they say already stays as it is byte for byte.
+/// With a context, what its printer cannot print and numbers outside the ranges above are refused:
+/// ZELPrValidate leaves a record that was accepted as it is. Without one (null), only what a record
+/// has no room for. 0; kZELFileNotFound for a separation that is not there; kZELBadParameter for
+/// anything else that is refused, for a handle that holds no record (ZELPrDefaults makes one), for
+/// null, for a `size` that is none and for fields that this driver does not know and that are not
+/// 0. Unless it returns 0 the record stays as it was. Works in every state of the context.
+ZEL_EXPORT int32_t ZELPrSetRecordSettings(DriverContext *context, Handle record,
+                                          const ZELRecordSettings *settings);
 
 /// The printer model read from a PPD file (null: the built-in description), or null when the file
 /// is refused; then `*message`, if asked for, says why. The caller releases both. Keys:

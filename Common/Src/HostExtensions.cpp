@@ -3,6 +3,7 @@
 #include "Common/Src/postscript/PrintQueue.h"
 #include "Common/Src/record/Preferences.h"
 #include "Common/Src/record/PrintRecord.h"
+#include "Common/Src/record/RecordSettings.h"
 #include "ZELExtensions.h"
 #include "dialogs/DialogEnd.h"
 #include "ppd/ParserError.h"
@@ -35,6 +36,15 @@ std::unique_ptr<PostscriptPrinterInfo> BuiltIn() {
 }
 
 } // namespace
+
+int32_t ZELPrGetRecordSettings(Handle record, ZELRecordSettings *settings) {
+    return GetRecordSettings(record, settings);
+}
+
+int32_t ZELPrSetRecordSettings(DriverContext *context, Handle record,
+                               const ZELRecordSettings *settings) {
+    return SetRecordSettings(context ? context->printerInfo : nullptr, record, settings);
+}
 
 int32_t ZELPrOpenWithPrinter(CFBundleRef bundle, CFURLRef ppd, DriverContext **context,
                              CFStringRef *message) {

@@ -1,46 +1,38 @@
 /* c_host BUNDLE FOLDER: prints one page, a grey ramp, as a PostScript file into FOLDER. Plain C: the driver
    is found with dlopen, as any library. */
+#include "ZELExtensions.h"
 #include "ZELPrint.h"
 
 #include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 
 static void *library;
-
-static void Stop(const char *message) {
-    fprintf(stderr, "c_host: %s\n", message);
-    exit(1);
-}
-
-static CFURLRef CreateFolderURL(const char *path) {
-    CFStringRef text = CFStringCreateWithCString(kCFAllocatorDefault, path, kCFStringEncodingUTF8);
-    if (!text) Stop("a path is not UTF-8");
-    CFURLRef url = CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text, kCFURLPOSIXPathStyle, 1);
-    CFRelease(text);
-    return url;
-}
-
 #define DRIVER(name) ((__typeof__(&name))dlsym(library, #name))
 
+static void *Need(const void *thing, const char *message) {
+    if (!thing) fprintf(stderr, "c_host: %s\n", message), exit(1);
+    return (void *)thing;
+}
+
+static CFURLRef FolderURL(const char *path) {
+    return Need(CFURLCreateFromFileSystemRepresentation(NULL, (const UInt8 *)path, (CFIndex)strlen(path), 1),
+                "a path is not UTF-8");
+}
+
 static void SetOutputFolder(DriverContext *context, Handle record, const char *path) {
-    CFURLRef folder = CreateFolderURL(path);
-    CFDataRef bookmark = CFURLCreateBookmarkData(kCFAllocatorDefault, folder,
-                                                 kCFURLBookmarkCreationSuitableForBookmarkFile, NULL, NULL, NULL);
-    CFRelease(folder);
-    if (!bookmark) Stop("the folder does not exist");
-    CFMutableDictionaryRef settings = CFDictionaryCreateMutable(
-        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
-    CFDictionarySetValue(settings, CFSTR("outputFolder"), bookmark);
-    if (!DRIVER(ZELPrSetJobSettings)(context, record, settings)) Stop("the folder does not exist");
-    CFRelease(settings);
-    CFRelease(bookmark);
+    CFDataRef place = CFURLCreateBookmarkData(NULL, FolderURL(path), kCFURLBookmarkCreationSuitableForBookmarkFile,
+                                              NULL, NULL, NULL);
+    CFMutableDictionaryRef settings =
+        CFDictionaryCreateMutable(NULL, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+    CFDictionarySetValue(settings, CFSTR("outputFolder"), Need(place, "the folder does not exist"));
+    DRIVER(ZELPrSetJobSettings)(context, record, settings);
 }
 
 /* A band may be as low as one row. Pixels are x, R, G, B. */
 static void PrintRamp(DriverContext *context, int32_t width, int32_t height) {
-    uint8_t *row = calloc((size_t)width, 4);
-    if (!row) Stop("memory is short");
+    uint8_t *row = Need(calloc((size_t)width, 4), "memory is short");
     for (int32_t i = 0; i < width * 4; ++i) row[i] = (uint8_t)(i / 4 * 255LL / width);
     for (int32_t y = 0; y < height; ++y) {
         const ZELRect rows = {y, 0, y + 1, width};
@@ -51,22 +43,26 @@ static void PrintRamp(DriverContext *context, int32_t width, int32_t height) {
 }
 
 int main(int argc, char **argv) {
-    if (argc != 3) Stop("usage: c_host BUNDLE FOLDER");
-    CFURLRef url = CreateFolderURL(argv[1]);
-    CFBundleRef bundle = CFBundleCreate(kCFAllocatorDefault, url);
+    Need(argc == 3 ? argv : NULL, "usage: c_host BUNDLE FOLDER");
     char code[4096];
     snprintf(code, sizeof code, "%s/ZELPostscript", argv[1]);
-    library = dlopen(code, RTLD_NOW);
-    if (!bundle || !library) Stop("the bundle is not the driver");
-
+    CFBundleRef bundle = Need(CFBundleCreate(NULL, FolderURL(argv[1])), "there is no bundle");
+    library = Need(dlopen(code, RTLD_NOW), "the bundle is not the driver");
     DriverContext *context = NULL;
-    if (DRIVER(ZELPrOpen)(bundle, &context) != 0) Stop("the driver does not open");
+    DRIVER(ZELPrOpen)(bundle, &context);
+    Need(context, "the driver does not open");
+
     Handle record = NewHandleClear(sizeof(PSHPrint)); /* zeros are a bad record: it becomes a good one */
     const ZELPageRecord page = {800, 1000, 203.2, 254}; /* 8 by 10 inches at 100 dpi */
     DRIVER(ZELPrSuggestPage)(context, NULL, &page, 32);
     DRIVER(ZELPrValidate)(context, record);
+    ZELRecordSettings choices = {.size = sizeof choices};
+    DRIVER(ZELPrGetRecordSettings)(record, &choices);
+    choices.xDpi = choices.yDpi = 100; /* whatever the printer's: enough for a ramp */
+    DRIVER(ZELPrSetRecordSettings)(NULL, record, &choices);
     SetOutputFolder(context, record, argv[2]);
     DRIVER(ZELPrSetJobName)(context, NULL, CFSTR("Ramp"));
+
     ZELDriverInfo info; /* the printer has the last word on the page */
     DRIVER(ZELPrGetInfo)(context, record, &info);
     DRIVER(ZELPrOpenDoc)(context);
@@ -74,8 +70,6 @@ int main(int argc, char **argv) {
     PrintRamp(context, info.widthPixels, info.heightPixels);
     DRIVER(ZELPrClosePage)(context);
     DRIVER(ZELPrCloseDoc)(context);
-    DisposeHandle(record);
-    CFRelease(url);
     /* The first failure on the way is latched, and comes out here. */
     return DRIVER(ZELPrClose)(context) == 0 ? 0 : 1;
 }

@@ -1,4 +1,5 @@
 // minimal_host BUNDLE FOLDER: prints one page, a grey ramp, as a PostScript file into FOLDER.
+#include "ZELExtensions.h"
 #include "ZELPrint.h"
 
 #include <algorithm>
@@ -30,18 +31,22 @@ CFURLRef CreateFolderURL(const char *path) {
 struct Functions {
     explicit Functions(CFBundleRef bundle)
         : open(FIND(bundle, ZELPrOpen)), suggestPage(FIND(bundle, ZELPrSuggestPage)),
-          validate(FIND(bundle, ZELPrValidate)), getInfo(FIND(bundle, ZELPrGetInfo)),
-          setJobName(FIND(bundle, ZELPrSetJobName)),
+          validate(FIND(bundle, ZELPrValidate)),
+          getRecordSettings(FIND(bundle, ZELPrGetRecordSettings)),
+          setRecordSettings(FIND(bundle, ZELPrSetRecordSettings)),
+          getInfo(FIND(bundle, ZELPrGetInfo)), setJobName(FIND(bundle, ZELPrSetJobName)),
           setJobSettings(FIND(bundle, ZELPrSetJobSettings)), openDoc(FIND(bundle, ZELPrOpenDoc)),
           openPage(FIND(bundle, ZELPrOpenPage)), printBitmap(FIND(bundle, ZELPrPrintBitmap)),
           closePage(FIND(bundle, ZELPrClosePage)), closeDoc(FIND(bundle, ZELPrCloseDoc)),
           errorString(FIND(bundle, ZELPrErrorString)), close(FIND(bundle, ZELPrClose)) {
-        if (!open || !close) Stop("the bundle is not the driver");
+        if (!open || !setRecordSettings) Stop("the bundle is not the driver");
     }
 
     decltype(&ZELPrOpen) open;
     decltype(&ZELPrSuggestPage) suggestPage;
     decltype(&ZELPrValidate) validate;
+    decltype(&ZELPrGetRecordSettings) getRecordSettings;
+    decltype(&ZELPrSetRecordSettings) setRecordSettings;
     decltype(&ZELPrGetInfo) getInfo;
     decltype(&ZELPrSetJobName) setJobName;
     decltype(&ZELPrSetJobSettings) setJobSettings;
@@ -53,6 +58,17 @@ struct Functions {
     decltype(&ZELPrErrorString) errorString;
     decltype(&ZELPrClose) close;
 };
+
+// What the page-setup dialog offers is in the record. With the context instead of null the driver
+// would also ask the printer; without a PPD file that is one without colours, for which only Gray
+// records are good.
+void ChooseResolution(const Functions &driver, Handle record, double dpi) {
+    ZELRecordSettings choices = {};
+    choices.size = sizeof choices;
+    driver.getRecordSettings(record, &choices);
+    choices.xDpi = choices.yDpi = dpi;
+    if (driver.setRecordSettings(nullptr, record, &choices) != 0) Stop("there is no record");
+}
 
 // A host without dialogs names the folder for its documents in the job settings, as a bookmark.
 bool SetOutputFolder(const Functions &driver, DriverContext *context, Handle record,
@@ -94,6 +110,7 @@ void PrintDocument(const Functions &driver, DriverContext *context, Handle recor
     const ZELPageRecord page = {800, 1000, 203.2, 254};
     driver.suggestPage(context, nullptr, &page, 32);
     driver.validate(context, record); // a record of zeros is bad: it becomes a good one
+    ChooseResolution(driver, record, 100);
     if (!SetOutputFolder(driver, context, record, folder)) Stop("the folder does not exist");
     driver.setJobName(context, nullptr, CFSTR("Ramp"));
 

@@ -6,7 +6,7 @@ the bundle (or where ZEL_PLATFORM says)."""
 import ctypes
 import os
 import sys
-from ctypes import c_char_p, c_double, c_int32, c_uint8, c_uint16, c_void_p
+from ctypes import c_char, c_char_p, c_double, c_int32, c_uint8, c_uint16, c_uint32, c_void_p
 
 
 class PageRecord(ctypes.Structure):
@@ -16,6 +16,14 @@ class PageRecord(ctypes.Structure):
 class DriverInfo(ctypes.Structure):
     _fields_ = [("result", c_int32), ("width", c_int32), ("height", c_int32), ("width_mm", c_double),
                 ("height_mm", c_double), ("first", c_uint16), ("last", c_uint16), ("copies", c_uint16)]
+
+
+class RecordSettings(ctypes.Structure):
+    _fields_ = [("size", c_uint32), ("colour_space", c_uint32), ("page_width", c_double), ("page_height", c_double),
+                ("x_dpi", c_double), ("y_dpi", c_double), ("copies", c_int32), ("first", c_int32), ("last", c_int32),
+                ("custom", c_uint8), ("mirror_h", c_uint8), ("mirror_v", c_uint8), ("rotated", c_uint8),
+                ("eps", c_uint8), ("reserved", c_uint8 * 3), ("page_name", c_char * 42),
+                ("resolution_name", c_char * 42), ("separation", c_char * 256)]
 
 
 class Rect(ctypes.Structure):
@@ -75,6 +83,10 @@ def main(bundle, folder):
     function(driver, "ZELPrSuggestPage", pointer, pointer, pointer, c_uint16, result=None)(
         context, None, ctypes.byref(page), 32)
     function(driver, "ZELPrValidate", pointer, pointer, result=c_uint8)(context, record)
+    choices = RecordSettings(size=ctypes.sizeof(RecordSettings))
+    function(driver, "ZELPrGetRecordSettings", pointer, pointer)(record, ctypes.byref(choices))
+    choices.x_dpi = choices.y_dpi = 100  # whatever the printer's: enough for a ramp
+    function(driver, "ZELPrSetRecordSettings", *[pointer] * 3)(None, record, ctypes.byref(choices))
 
     place = bookmark(None, url(folder), 1024, None, None, None)
     if not place:

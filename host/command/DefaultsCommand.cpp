@@ -60,7 +60,7 @@ void Apply(const DriverBundle &bundle, const DefaultsOptions &options, Record &r
 void Save(const DriverSession &session, const DefaultsOptions &options, const std::string &ppd,
           Handle handle) {
     const DriverBundle &bundle = session.Bundle();
-    Record record(handle);
+    Record record(bundle, handle);
     Apply(bundle, options, record);
     const CFOwner<CFURLRef> printer = ppd.empty() ? CFOwner<CFURLRef>() : MakeFileURL(ppd, false);
     const CFOwner<CFURLRef> folder =
@@ -76,8 +76,8 @@ void Save(const DriverSession &session, const DefaultsOptions &options, const st
 /// The saved defaults; of the colours what is saved, whatever the printer has of them.
 void ReadDefaults(const DriverSession &session, Handle handle) {
     ZEL_CALL(session.Bundle(), ZELPrDefaults)(session.Context(), handle);
-    Record(handle).SetColourSpace(
-        ZEL_CALL(session.Bundle(), ZELPrUsersColourSpace)(session.Context()));
+    Record(session.Bundle(), handle)
+        .SetColourSpace(ZEL_CALL(session.Bundle(), ZELPrUsersColourSpace)(session.Context()));
 }
 
 ordered_json TextOrNull(const std::string &text) {
@@ -87,7 +87,7 @@ ordered_json TextOrNull(const std::string &text) {
 ordered_json Defaults(const DriverSession &session) {
     const RecordHandle handle(sizeof(PSHPrint));
     ReadDefaults(session, handle.Get());
-    const Record record(handle.Get());
+    const Record record(session.Bundle(), handle.Get());
     const std::string separation = record.Separation();
     return {
         {"ppd", TextOrNull(session.UsersPPD())},

@@ -19,6 +19,8 @@
     X(ZELPrStyle)                                                                                  \
     X(ZELPrJob)                                                                                    \
     X(ZELPrGetInfo)                                                                                \
+    X(ZELPrGetRecordSettings)                                                                      \
+    X(ZELPrSetRecordSettings)                                                                      \
     X(ZELPrSetJobName)                                                                             \
     X(ZELPrCopyJobSettings)                                                                        \
     X(ZELPrSetJobSettings)                                                                         \

@@ -30,7 +30,7 @@ void TellDriver(const DriverSession &session, const JobPlan &plan) {
 JobPlan SetUpJob(const DriverSession &session, const JobOptions &options,
                  const std::vector<SourceFile> &files, Handle handle) {
     const RecordChoices choices = ChooseRecord(session, options, files, handle);
-    Record record(handle);
+    Record record(session.Bundle(), handle);
     PaperPlan paper = FitPaper(choices.printer, record);
     PageChoice pages = ChoosePages(session, options, files, handle);
     ColourPlan colours = PlanColours(session.Bundle(), options, record, pages.pages);

@@ -29,6 +29,14 @@ void FillRecord(const DriverSession &session, const SavedSettings &saved, Handle
     (void)ZEL_CALL(bundle, ZELPrSetJobSettings)(session.Context(), record, saved.jobSettings.Get());
 }
 
+/// The driver would take a colour space that nobody knows for ink.
+void CheckColourSpace(const std::string &settings, const Record &record) {
+    if (record.ColourSpace() > kZELColourSpaceRGB)
+        throw HostError(ExitStatus::Input, kAboutSettings,
+                        settings + ": its colour space is none that the driver knows; "
+                                   "make the settings again with --save-settings");
+}
+
 void ApplyColours(const DriverBundle &bundle, const JobOptions &options,
                   const PrinterModel &printer, Record &record) {
     const bool onlyGray = !printer.builtIn && !printer.colour && !record.EPS();
@@ -124,7 +132,7 @@ std::string RunPrintDialog(const DriverSession &session, const JobOptions &optio
     const DriverBundle &bundle = session.Bundle();
     const std::string title = ChooseTitle(options, files[0]);
     ZEL_CALL(bundle, ZELPrSetPageCount)(session.Context(), PageCountOf(files));
-    Record record(handle);
+    Record record(bundle, handle);
     SetPageRange(options, record);
     (void)ZEL_CALL(bundle, ZELPrSetJobName)(session.Context(), nullptr, MakeCFString(title).Get());
     const int copies = record.Copies();
@@ -159,7 +167,8 @@ RecordChoices ChooseRecord(const DriverSession &session, const JobOptions &optio
     SavedSettings saved;
     if (!options.settings.empty()) saved = ReadSettings(options.settings);
     FillRecord(session, saved, handle);
-    Record record(handle);
+    Record record(session.Bundle(), handle);
+    if (!saved.record.empty()) CheckColourSpace(options.settings, record);
     ApplyOptions(session.Bundle(), options, PrinterOf(session).model, record);
     std::optional<std::string> ppd = PPDOfJob(options);
     std::optional<bool> queue = options.queue ? options.queue : saved.queue;

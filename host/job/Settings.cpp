@@ -5,7 +5,6 @@
 #include "host/terminal/Cancellation.h"
 #include "host/terminal/ExitStatus.h"
 #include <cerrno>
-#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -70,13 +69,6 @@ CFDictionaryRef AsDictionary(CFTypeRef value) {
     return static_cast<CFDictionaryRef>(value);
 }
 
-uint32_t ColourSpaceOf(const std::vector<uint8_t> &record) {
-    uint32_t colourSpace = 0;
-    for (size_t i = 0; i < sizeof colourSpace; ++i)
-        colourSpace = colourSpace << 8 | record[offsetof(PSHPrint, mColourSpace_be) + i];
-    return colourSpace;
-}
-
 } // namespace
 
 SavedSettings ReadSettings(const std::string &path) {
@@ -90,10 +82,6 @@ SavedSettings ReadSettings(const std::string &path) {
         memcmp(bytes.data(), "POST", 4) != 0)
         throw refuse();
     settings.record.assign(bytes.begin(), bytes.begin() + kRecordSize);
-    if (ColourSpaceOf(settings.record) > kZELColourSpaceRGB)
-        throw HostError(ExitStatus::Input, path +
-                                               ": its colour space is none that the driver knows; "
-                                               "make the settings again with --save-settings");
     const CFOwner<CFDataRef> data(CFDataCreate(kCFAllocatorDefault, bytes.data() + kRecordSize,
                                                static_cast<CFIndex>(bytes.size() - kRecordSize)));
     CFTypeRef plist = CFPropertyListCreateWithData(

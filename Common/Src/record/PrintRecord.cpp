@@ -72,8 +72,8 @@ bool SeparationIsBad(const PSHPrint &record) {
     return !name || !ValidateCMYKSeparation(list.get(), name.Get());
 }
 
-bool RecordIsBad(const PostscriptPrinterInfo &printer, const PSHPrint &record) {
-    if (std::memcmp(record.mMagic_be, kMagic, sizeof kMagic) != 0) return true;
+bool FieldsAreBad(const PostscriptPrinterInfo &printer, const PSHPrint &record) {
+    if (!HasMagic(record)) return true;
     bool bad = !printer.HasPostscriptLevel2();
     uint32_t colourSpace = SwapBigEndian(record.mColourSpace_be);
     if (!printer.HasColour()) bad = bad || colourSpace != kZELColourSpaceGray;
@@ -82,8 +82,7 @@ bool RecordIsBad(const PostscriptPrinterInfo &printer, const PSHPrint &record) {
           bad;
     if (printer.Resolutions().FindResolutionByName(RecordName(record.mResolutionName)) < 0)
         return true;
-    if (ResolutionIsBad(record.mXDpi_be) || ResolutionIsBad(record.mYDpi_be) || bad) return true;
-    return colourSpace == kZELColourSpaceCMYK && SeparationIsBad(record);
+    return ResolutionIsBad(record.mXDpi_be) || ResolutionIsBad(record.mYDpi_be) || bad;
 }
 
 void SetDefaultPage(const PostscriptPages &pages, PSHPrint &record) {
@@ -133,6 +132,10 @@ PSHPrint CopyRecord(Handle handle) {
     return record;
 }
 
+bool HasMagic(const PSHPrint &record) {
+    return std::memcmp(record.mMagic_be, kMagic, sizeof kMagic) == 0;
+}
+
 std::string RecordName(const char (&field)[41]) {
     return {field, strnlen(field, sizeof field)};
 }
@@ -150,15 +153,20 @@ OutputGeometry RecordGeometry(const PSHPrint &record) {
             height * 25.4 / 72};
 }
 
+int32_t RecordProblem(const PostscriptPrinterInfo &printer, const PSHPrint &record) {
+    try {
+        if (FieldsAreBad(printer, record)) return kZELBadParameter;
+        const bool separates = SwapBigEndian(record.mColourSpace_be) == kZELColourSpaceCMYK;
+        return separates && SeparationIsBad(record) ? kZELFileNotFound : kZELNoError;
+    } catch (...) {
+        return kZELBadParameter;
+    }
+}
+
 bool HPrintIsBad(const PostscriptPrinterInfo &printer, Handle handle) {
     RecordLock lock(handle);
     const PSHPrint *record = lock.Record();
-    if (!record) return true;
-    try {
-        return RecordIsBad(printer, *record);
-    } catch (...) {
-        return true;
-    }
+    return !record || RecordProblem(printer, *record) != kZELNoError;
 }
 
 void SetDefaults(const PostscriptPrinterInfo &printer, CFStringRef applicationID, Handle handle) {

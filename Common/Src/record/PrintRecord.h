@@ -37,6 +37,13 @@ void SetRecordName(char (&field)[41], const std::string &name);
 /// millimetres.
 [[nodiscard]] OutputGeometry RecordGeometry(const PSHPrint &record);
 
+/// Does it begin as every record does?
+[[nodiscard]] bool HasMagic(const PSHPrint &record);
+
+/// Why the record must not be used as it stands with that printer: kZELFileNotFound for want of its
+/// separation, kZELBadParameter for anything else, or 0.
+[[nodiscard]] int32_t RecordProblem(const PostscriptPrinterInfo &printer, const PSHPrint &record);
+
 /// True when the record must not be used as it stands with that printer.
 [[nodiscard]] bool HPrintIsBad(const PostscriptPrinterInfo &printer, Handle handle);
 

@@ -23,6 +23,7 @@ struct DriverFunctions {
     X(ZELPrDocumentLength)                                                                         \
     X(ZELPrErrorString)                                                                            \
     X(ZELPrGetInfo)                                                                                \
+    X(ZELPrGetRecordSettings)                                                                      \
     X(ZELPrInheritRights)                                                                          \
     X(ZELPrJob)                                                                                    \
     X(ZELPrJobMerge)                                                                               \
@@ -37,6 +38,7 @@ struct DriverFunctions {
     X(ZELPrSetJobName)                                                                             \
     X(ZELPrSetJobSettings)                                                                         \
     X(ZELPrSetPrinter)                                                                             \
+    X(ZELPrSetRecordSettings)                                                                      \
     X(ZELPrSetSendToPrintQueue)                                                                    \
     X(ZELPrStyle)                                                                                  \
     X(ZELPrSuggestPage)                                                                            \
