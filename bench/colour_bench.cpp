@@ -192,8 +192,8 @@ int main(int argc, char **argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     std::vector<std::string> tables = {"TableSeparation"};
-    for (const ColourKernels &kernels : VectorKernels()) {
-        tables.push_back(std::string("TableSeparation ") + kernels.name);
+    for (const auto &[name, kernels] : VectorKernels()) {
+        tables.push_back(std::string("TableSeparation ") + name);
         RegisterTableKernel(kernels, tables.back());
     }
     SpeedReporter reporter;

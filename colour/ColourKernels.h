@@ -6,13 +6,12 @@
 /// `count` pixels.
 #pragma once
 
+#include "support/VectorKernels.h"
 #include <cstdint>
-#include <vector>
 
 struct EightColourLUT;
 
 struct ColourKernels {
-    const char *name; ///< what they need of the processor
     /// Black generation with a table of 512 bytes, from x, R, G, B.
     uint64_t (*blackGeneration)(const uint8_t *table, const uint8_t *src, uint64_t count,
                                 uint8_t *dst);
@@ -21,5 +20,5 @@ struct ColourKernels {
                              uint8_t *dst);
 };
 
-/// The best ones first; empty when the processor has to do with the plain form.
-const std::vector<ColourKernels> &VectorKernels();
+/// The fastest ones last; empty when the processor has to do with the plain form.
+std::span<const NamedKernel<ColourKernels>> VectorKernels();

@@ -1,7 +1,7 @@
 // Compiled for AVX2, and called only where the processor has it. Nothing here may be an inline
 // function that another file compiles too: the linker would keep one of the two copies for all.
 #include "colour/ColourKernelsX86.h"
-#include "colour/EightColourLUT.h"
+#include "colour/EightColourTable.h"
 #include "colour/KernelBlocks.h"
 
 #include <immintrin.h>

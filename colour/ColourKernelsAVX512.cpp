@@ -1,7 +1,7 @@
 // Compiled for AVX-512 with byte permutations, and called only where the processor has them. As for
 // AVX2, nothing here may be an inline function that another file compiles too.
 #include "colour/ColourKernelsX86.h"
-#include "colour/EightColourLUT.h"
+#include "colour/EightColourTable.h"
 #include "colour/KernelBlocks.h"
 
 #include <immintrin.h>

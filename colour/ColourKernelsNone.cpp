@@ -1,6 +1,5 @@
 #include "colour/ColourKernels.h"
 
-const std::vector<ColourKernels> &VectorKernels() {
-    static const std::vector<ColourKernels> none;
-    return none;
+std::span<const NamedKernel<ColourKernels>> VectorKernels() {
+    return {};
 }

@@ -2,19 +2,17 @@
 
 namespace {
 
-std::vector<ColourKernels> Find() {
-    std::vector<ColourKernels> kernels;
-    if (!__builtin_cpu_supports("avx2")) return kernels;
-    kernels.push_back({"AVX2", BlackGenerationAVX2, EightColoursAVX2});
-    if (__builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi"))
-        kernels.insert(kernels.begin(),
-                       {"AVX-512 VBMI", BlackGenerationAVX512, EightColoursAVX512});
-    return kernels;
+KernelList<ColourKernels> FindKernels() {
+    KernelList<ColourKernels> list;
+    list.Add(Instructions::kAVX2, "AVX2", {BlackGenerationAVX2, EightColoursAVX2});
+    list.Add(Instructions::kAVX512VBMI, "AVX-512 VBMI",
+             {BlackGenerationAVX512, EightColoursAVX512});
+    return list;
 }
 
 } // namespace
 
-const std::vector<ColourKernels> &VectorKernels() {
-    static const std::vector<ColourKernels> kernels = Find();
-    return kernels;
+std::span<const NamedKernel<ColourKernels>> VectorKernels() {
+    static const KernelList<ColourKernels> list = FindKernels();
+    return list.All();
 }

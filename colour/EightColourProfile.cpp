@@ -1,5 +1,5 @@
 #include "colour/EightColourProfile.h"
-#include "colour/EightColourLUT.h"
+#include "colour/EightColourTable.h"
 
 #include "ZELICC.h"
 #include <cstring>

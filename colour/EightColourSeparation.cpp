@@ -119,7 +119,7 @@ void EightColourLUTSeparate(const EightColourLUT *table, const uint8_t *src, int
         return;
     }
     const auto convert = [table](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
-        return VectorKernels().front().eightColours(*table, pixels, n, inks);
+        return VectorKernels().back().kernel.eightColours(*table, pixels, n, inks);
     };
     ConvertInLayout({src, static_cast<uint64_t>(count), false}, dst, {planeStride, pixelStride},
                     convert);

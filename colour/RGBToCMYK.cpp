@@ -104,7 +104,7 @@ void CTRGBToCMYK(const uint8_t *table, const uint8_t *src, uint64_t count, uint8
         return;
     }
     const auto convert = [table](const uint8_t *pixels, uint64_t n, uint8_t *inks) {
-        return VectorKernels().front().blackGeneration(table, pixels, n, inks);
+        return VectorKernels().back().kernel.blackGeneration(table, pixels, n, inks);
     };
     ConvertInLayout({src, count, true}, dst, layout, convert);
 }

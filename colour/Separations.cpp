@@ -1,4 +1,5 @@
 #include "colour/Separations.h"
+#include "colour/EightColourSeparation.h"
 #include "colour/ProfilesFolder.h"
 #include "colour/RGBToCMYK.h"
 #include "colour/TableCache.h"

@@ -153,14 +153,14 @@ void ExpectKernelsGivePlainForms(const BlackTable &black, const EightColourLUT &
     RGBToCMYKPlain(black.data(), pixels.data(), count, blackInks.data(), kInterleaved);
     EightColourLUTSeparatePlain(&grid, pixels.data(), 4, static_cast<int64_t>(count),
                                 gridInks.data(), 1, 4);
-    for (const ColourKernels &kernels : VectorKernels()) {
+    for (const auto &[name, kernels] : VectorKernels()) {
         std::vector<uint8_t> actual(4 * count);
         size_t done = kernels.blackGeneration(black.data(), pixels.data(), count, actual.data());
         ASSERT_LE(done, count);
-        ASSERT_EQ(std::memcmp(actual.data(), blackInks.data(), 4 * done), 0) << kernels.name;
+        ASSERT_EQ(std::memcmp(actual.data(), blackInks.data(), 4 * done), 0) << name;
         done = kernels.eightColours(grid, pixels.data(), count, actual.data());
         ASSERT_LE(done, count);
-        ASSERT_EQ(std::memcmp(actual.data(), gridInks.data(), 4 * done), 0) << kernels.name;
+        ASSERT_EQ(std::memcmp(actual.data(), gridInks.data(), 4 * done), 0) << name;
     }
 }
 
@@ -213,7 +213,7 @@ TEST(VectorForms, EveryKernelOfThisProcessor_TakesAllWholeBlocks) {
     const auto grid = RandomGrid(26);
     const auto pixels = RandomPixels(1000, 27);
     std::vector<uint8_t> inks(pixels.size());
-    for (const ColourKernels &kernels : VectorKernels()) {
+    for (const auto &[name, kernels] : VectorKernels()) {
         EXPECT_GE(kernels.blackGeneration(black.data(), pixels.data(), 1000, inks.data()), 936U);
         EXPECT_GE(kernels.eightColours(*grid, pixels.data(), 1000, inks.data()), 936U);
         EXPECT_EQ(kernels.eightColours(*grid, pixels.data(), 65, inks.data()), 64U);

@@ -1,5 +1,4 @@
 #include "Common/Src/postscript/PackRGB.h"
-#include <array>
 #include <cstddef>
 
 #if defined(__x86_64__)
@@ -48,23 +47,20 @@ __attribute__((target("avx2"))) void PackRGBAVX2(const uint8_t *source, int64_t 
 }
 #endif
 
-struct KernelList {
-    std::array<PackRGBNamedKernel, 3> kernels{{{"plain", PackRGBPlain}}};
-    size_t count = 1;
-
-    KernelList() {
+KernelList<PackRGBKernel> FindKernels() {
+    KernelList<PackRGBKernel> list(PackRGBPlain);
 #if defined(__x86_64__)
-        if (__builtin_cpu_supports("ssse3")) kernels.at(count++) = {"SSSE3", PackRGBSSSE3};
-        if (__builtin_cpu_supports("avx2")) kernels.at(count++) = {"AVX2", PackRGBAVX2};
+    list.Add(Instructions::kSSSE3, "SSSE3", PackRGBSSSE3);
+    list.Add(Instructions::kAVX2, "AVX2", PackRGBAVX2);
 #endif
-    }
-};
+    return list;
+}
 
 } // namespace
 
 std::span<const PackRGBNamedKernel> PackRGBKernels() {
-    static const KernelList list;
-    return {list.kernels.data(), list.count};
+    static const KernelList<PackRGBKernel> list = FindKernels();
+    return list.All();
 }
 
 void PackRGB(const uint8_t *source, int64_t count, uint8_t *out) {

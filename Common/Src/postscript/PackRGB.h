@@ -2,8 +2,8 @@
 /// result. One is chosen at run time.
 #pragma once
 
+#include "support/VectorKernels.h"
 #include <cstdint>
-#include <span>
 
 /// x, R, G, B to R, G, B for `count` pixels; the rows do not overlap. Nothing is read past the
 /// source's 4 bytes or written past the output's 3 bytes a pixel.
@@ -11,11 +11,7 @@ using PackRGBKernel = void (*)(const uint8_t *source, int64_t count, uint8_t *ou
 
 void PackRGBPlain(const uint8_t *source, int64_t count, uint8_t *out);
 
-/// A kernel and the name of what it needs of the processor.
-struct PackRGBNamedKernel {
-    const char *name;
-    PackRGBKernel kernel;
-};
+using PackRGBNamedKernel = NamedKernel<PackRGBKernel>;
 
 /// The kernels that this processor runs, the plain one first and the fastest one last.
 std::span<const PackRGBNamedKernel> PackRGBKernels();

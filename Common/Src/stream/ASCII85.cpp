@@ -52,30 +52,21 @@ size_t ASCII85EncodePlain(const uint8_t *data, size_t blocks, char *text) {
 
 namespace {
 
-struct KernelList {
-    std::array<ASCII85NamedKernel, 4> kernels{{{"plain", ASCII85EncodePlain}}};
-    size_t count = 1;
-
-    KernelList() {
+KernelList<ASCII85Kernel> FindKernels() {
+    KernelList<ASCII85Kernel> list(ASCII85EncodePlain);
 #if defined(__x86_64__)
-        if (__builtin_cpu_supports("sse4.1")) Add("SSE4.1", ASCII85EncodeSSE41);
-        if (__builtin_cpu_supports("avx2")) Add("AVX2", ASCII85EncodeAVX2);
-        if (__builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi") &&
-            __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("bmi2"))
-            Add("AVX-512 VBMI2", ASCII85EncodeAVX512);
+    list.Add(Instructions::kSSE41, "SSE4.1", ASCII85EncodeSSE41);
+    list.Add(Instructions::kAVX2, "AVX2", ASCII85EncodeAVX2);
+    list.Add(Instructions::kAVX512VBMI2, "AVX-512 VBMI2", ASCII85EncodeAVX512);
 #endif
-    }
-
-    void Add(const char *name, ASCII85Kernel kernel) {
-        kernels.at(count++) = {name, kernel};
-    }
-};
+    return list;
+}
 
 } // namespace
 
 std::span<const ASCII85NamedKernel> ASCII85Kernels() {
-    static const KernelList list;
-    return {list.kernels.data(), list.count};
+    static const KernelList<ASCII85Kernel> list = FindKernels();
+    return list.All();
 }
 
 ASCII85Kernel ASCII85FastestKernel() {

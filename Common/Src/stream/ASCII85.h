@@ -2,9 +2,9 @@
 /// text. One is chosen at run time.
 #pragma once
 
+#include "support/VectorKernels.h"
 #include <cstddef>
 #include <cstdint>
-#include <span>
 
 constexpr size_t kASCII85BlockBytes = 64;
 /// Characters that a block becomes at most.
@@ -20,11 +20,7 @@ using ASCII85Kernel = size_t (*)(const uint8_t *data, size_t blocks, char *text)
 
 size_t ASCII85EncodePlain(const uint8_t *data, size_t blocks, char *text);
 
-/// A kernel and the name of what it needs of the processor.
-struct ASCII85NamedKernel {
-    const char *name;
-    ASCII85Kernel kernel;
-};
+using ASCII85NamedKernel = NamedKernel<ASCII85Kernel>;
 
 /// The kernels that this processor runs, the plain one first and the fastest one last.
 std::span<const ASCII85NamedKernel> ASCII85Kernels();
