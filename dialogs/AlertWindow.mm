@@ -1,6 +1,6 @@
 #include "dialogs/AlertWindow.h"
 
-#import "dialogs/DialogSupport.h"
+#import "platform/toolkit/Toolkit.h"
 
 /// Carriage returns, which break lines in the driver's messages, as AppKit breaks lines.
 static NSString *WithLineBreaks(NSString *text) {

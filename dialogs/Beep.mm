@@ -1,7 +1,6 @@
 #include "dialogs/Beep.h"
 
-#import "dialogs/DialogSupport.h"
-#import "dialogs/Toolkit.h"
+#import "platform/toolkit/Toolkit.h"
 
 #include <platform/Platform.h>
 

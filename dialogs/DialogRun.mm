@@ -2,6 +2,7 @@
 
 #include "dialogs/DialogEnd.h"
 #import "dialogs/DialogSupport.h"
+#import "platform/toolkit/Toolkit.h"
 
 #include <cstdio>
 #include <dispatch/dispatch.h>

@@ -1,11 +1,7 @@
-/// What the dialogs share: starting AppKit inside a host that may not use it, the interface files,
-/// and the places where AppKit on GNUstep needs a hand (nothing to do on macOS).
+/// What the dialogs share: interface files, windows, sheets, long texts.
 #pragma once
 
 #import <AppKit/AppKit.h>
-
-/// Starts NSApplication on first use; NO without a window system. Main thread only.
-BOOL EnsureApplication(void);
 
 /// Path of NAME.nib (compiled) or NAME.xib in the bundle's resources, or nil.
 NSString *InterfaceFilePath(NSBundle *bundle, NSString *name);

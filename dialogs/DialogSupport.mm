@@ -1,6 +1,6 @@
 #import "dialogs/DialogSupport.h"
 
-#import "dialogs/Toolkit.h"
+#import "platform/toolkit/Toolkit.h"
 
 #include <cmath>
 

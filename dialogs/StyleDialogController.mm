@@ -3,7 +3,7 @@
 #include "PSHPrint.h"
 #import "dialogs/DialogSupport.h"
 #import "dialogs/FieldHelpers.h"
-#import "dialogs/Toolkit.h"
+#import "platform/toolkit/Toolkit.h"
 #include "support/Alerts.h"
 
 enum { kPostscriptTag = 1, kEPSTag = 2 };

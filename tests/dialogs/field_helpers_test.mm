@@ -1,6 +1,7 @@
 // Reading and writing text fields, in a window and with real beeps counted.
 #import "dialogs/DialogSupport.h"
 #import "dialogs/FieldHelpers.h"
+#import "platform/toolkit/Toolkit.h"
 #import "tests/dialogs/DialogScript.h"
 
 #include <gtest/gtest.h>

@@ -1,11 +1,10 @@
-#import "dialogs/Toolkit.h"
+#import "platform/toolkit/Toolkit.h"
 
-#import "dialogs/DialogSupport.h"
-#import "dialogs/gnustep/PopUpMenu.h"
-#import "dialogs/gnustep/Theme.h"
-#import "dialogs/gnustep/ThemePanels.h"
-#import "dialogs/gnustep/TypedPaths.h"
-#import "dialogs/gnustep/WindowSetup.h"
+#import "platform/toolkit/gnustep/PopUpMenu.h"
+#import "platform/toolkit/gnustep/Theme.h"
+#import "platform/toolkit/gnustep/ThemePanels.h"
+#import "platform/toolkit/gnustep/TypedPaths.h"
+#import "platform/toolkit/gnustep/WindowSetup.h"
 
 #include <csignal>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#import "dialogs/gnustep/TypedPaths.h"
+#import "platform/toolkit/gnustep/TypedPaths.h"
 
 #include <objc/runtime.h>
 

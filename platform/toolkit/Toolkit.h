@@ -1,9 +1,11 @@
 /// The one place where AppKit on GNUstep and on macOS are treated differently.
-///
-/// Defines EnsureApplication of DialogSupport.h too.
 #pragma once
 
 #import <AppKit/AppKit.h>
+
+/// Starts NSApplication on first use, inside a host that may not use it; NO without a window
+/// system. Main thread only.
+BOOL EnsureApplication(void);
 
 /// Repairs the controls below a view that has just been read from an interface file.
 void PrepareToolkitView(NSView *view);

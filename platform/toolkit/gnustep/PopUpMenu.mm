@@ -1,8 +1,8 @@
-#import "dialogs/gnustep/PopUpMenu.h"
+#import "platform/toolkit/gnustep/PopUpMenu.h"
 
-#import "dialogs/gnustep/FittedText.h"
-#import "dialogs/gnustep/MenuList.h"
-#import "dialogs/gnustep/MenuTracking.h"
+#import "platform/toolkit/gnustep/FittedText.h"
+#import "platform/toolkit/gnustep/MenuList.h"
+#import "platform/toolkit/gnustep/MenuTracking.h"
 
 #include <initializer_list>
 #include <objc/runtime.h>

@@ -1,8 +1,8 @@
-#import "dialogs/gnustep/Theme.h"
+#import "platform/toolkit/gnustep/Theme.h"
 
-#import "dialogs/gnustep/FittedText.h"
-#import "dialogs/gnustep/ThemeAlerts.h"
-#import "dialogs/gnustep/ThemePanels.h"
+#import "platform/toolkit/gnustep/FittedText.h"
+#import "platform/toolkit/gnustep/ThemeAlerts.h"
+#import "platform/toolkit/gnustep/ThemePanels.h"
 
 #import <GNUstepGUI/GSTheme.h>
 #include <algorithm>

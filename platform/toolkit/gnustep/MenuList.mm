@@ -1,6 +1,6 @@
-#import "dialogs/gnustep/MenuList.h"
+#import "platform/toolkit/gnustep/MenuList.h"
 
-#import "dialogs/gnustep/FittedText.h"
+#import "platform/toolkit/gnustep/FittedText.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#import "dialogs/gnustep/FittedText.h"
+#import "platform/toolkit/gnustep/FittedText.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
-#import "dialogs/gnustep/ThemeAlerts.h"
+#import "platform/toolkit/gnustep/ThemeAlerts.h"
 
-#import "dialogs/gnustep/Theme.h"
+#import "platform/toolkit/gnustep/Theme.h"
 
 #import <AppKit/AppKit.h>
 #include <algorithm>

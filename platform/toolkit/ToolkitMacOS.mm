@@ -1,6 +1,4 @@
-#import "dialogs/Toolkit.h"
-
-#import "dialogs/DialogSupport.h"
+#import "platform/toolkit/Toolkit.h"
 
 BOOL EnsureApplication(void) {
     [NSApplication sharedApplication];

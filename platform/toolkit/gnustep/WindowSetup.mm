@@ -1,4 +1,4 @@
-#import "dialogs/gnustep/WindowSetup.h"
+#import "platform/toolkit/gnustep/WindowSetup.h"
 
 #import <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xatom.h>

@@ -1,6 +1,6 @@
-#import "dialogs/gnustep/MenuTracking.h"
+#import "platform/toolkit/gnustep/MenuTracking.h"
 
-#import "dialogs/gnustep/MenuList.h"
+#import "platform/toolkit/gnustep/MenuList.h"
 
 #import <GNUstepGUI/GSDisplayServer.h>
 #include <algorithm>

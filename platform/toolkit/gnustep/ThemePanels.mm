@@ -1,7 +1,7 @@
-#import "dialogs/gnustep/ThemePanels.h"
+#import "platform/toolkit/gnustep/ThemePanels.h"
 
-#import "dialogs/gnustep/FittedText.h"
-#import "dialogs/gnustep/Theme.h"
+#import "platform/toolkit/gnustep/FittedText.h"
+#import "platform/toolkit/gnustep/Theme.h"
 
 #include <algorithm>
 #include <cmath>
