@@ -3,6 +3,7 @@
 
 #include "host/command/CommandLine.h"
 #include "host/driver/Driver.h"
+#include "host/driver/PPDCheck.h"
 #include "host/driver/PrinterModel.h"
 #include "host/terminal/Console.h"
 #include "host/terminal/TextTable.h"

@@ -1,6 +1,6 @@
 #include "host/driver/Driver.h"
 
-#include "host/driver/PrinterModel.h"
+#include "host/driver/PPDCheck.h"
 #include "host/driver/ProgramPath.h"
 #include "host/terminal/ExitStatus.h"
 #include <cstdlib>
@@ -14,11 +14,6 @@ const char kBundleName[] = "ZELPostscript.bundle";
 bool IsFolder(const std::string &path) {
     struct stat info {};
     return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-[[noreturn]] void Refuse(const std::string &ppd, CFStringRef message) {
-    throw HostError(ExitStatus::Input, kAboutPrinter,
-                    ppd + ": refused as a PPD file: " + WhyRefused(ppd, message));
 }
 
 } // namespace
@@ -99,7 +94,7 @@ void DriverSession::OpenWithPrinter(const std::string &ppd) {
     CFOwner<CFStringRef> message;
     const int32_t code = ZEL_CALL(mBundle, ZELPrOpenWithPrinter)(mBundle.Bundle(), url.Get(),
                                                                  &mContext, message.Out());
-    if (message) Refuse(ppd, message.Get());
+    if (message) RefusePPD(ppd, message.Get());
     Check(code);
 }
 
@@ -119,7 +114,7 @@ void DriverSession::OpenWithUsersPrinter(bool quiet) {
                                                message.Out()) == kZELNoError)
             return;
         // Nobody would hear that another printer is meant.
-        if (quiet) Refuse(ppd, message.Get());
+        if (quiet) RefusePPD(ppd, message.Get());
     }
     (void)ZEL_CALL(mBundle, ZELPrClose)(std::exchange(mContext, nullptr));
     Check(ZEL_CALL(mBundle, ZELPrOpen)(mBundle.Bundle(), &mContext));

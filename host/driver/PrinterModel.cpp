@@ -1,18 +1,11 @@
 #include "host/driver/PrinterModel.h"
 
+#include "host/driver/PPDCheck.h"
 #include "host/terminal/ExitStatus.h"
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
 #include <strings.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
-
-/// Far beyond printers' descriptions. The driver reads the file once a keyword.
-constexpr off_t kLargestPPD = 4 << 20;
 
 const void *ValueOf(CFDictionaryRef dictionary, const char *key) {
     return CFDictionaryGetValue(dictionary, MakeCFString(key).Get());
@@ -115,34 +108,6 @@ const PrinterResolution *PrinterModel::BestResolution(double x, double y) const 
     return defaultResolution < resolutions.size() ? &resolutions[defaultResolution] : nullptr;
 }
 
-std::string WhyRefused(const std::string &ppd, CFStringRef message) {
-    const int fd = open(ppd.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    struct stat info {};
-    char bytes[4096];
-    ssize_t count = fd >= 0 && fstat(fd, &info) == 0 && S_ISREG(info.st_mode) ? 1 : 0;
-    while (count > 0)
-        count = read(fd, bytes, sizeof bytes);
-    const int code = errno;
-    if (fd >= 0) (void)close(fd);
-    return count < 0 ? std::string("it cannot be read: ") + strerror(code)
-                     : TextOfCFString(message);
-}
-
-void CheckPPDSize(const std::string &ppd) {
-    struct stat info {};
-    if (stat(ppd.c_str(), &info) != 0 || info.st_size <= kLargestPPD) return;
-    throw HostError(ExitStatus::Input, kAboutPrinter,
-                    ppd + ": larger than 4 MB, as no printer's description is; "
-                          "check the name of the PPD file");
-}
-
-void CheckPPDName(const std::string &ppd) {
-    if (access(ppd.c_str(), R_OK) != 0)
-        throw HostError(ExitStatus::Input, kAboutPrinter,
-                        ppd + ": " + strerror(errno) + "; check the name of the PPD file");
-    CheckPPDSize(ppd);
-}
-
 SessionPrinter PrinterOf(const DriverSession &session) {
     CFOwner<CFURLRef> url;
     const CFOwner<CFDictionaryRef> info(
@@ -159,9 +124,7 @@ PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd
     CFOwner<CFStringRef> message;
     const CFOwner<CFDictionaryRef> info(
         ZEL_CALL(bundle, ZELPrCopyPrinterInfo)(url.Get(), message.Out()));
-    if (!info)
-        throw HostError(ExitStatus::Input, kAboutPrinter,
-                        ppd + ": refused as a PPD file: " + WhyRefused(ppd, message.Get()));
+    if (!info) RefusePPD(ppd, message.Get());
     PrinterModel model = ModelOf(info.Get());
     model.builtIn = ppd.empty();
     return model;

@@ -43,14 +43,6 @@ struct PrinterModel {
     [[nodiscard]] const PrinterResolution *BestResolution(double x, double y) const;
 };
 
-/// Throws HostError (Input) when the file is larger than any printer's description: reading it
-/// would take minutes.
-void CheckPPDSize(const std::string &ppd);
-
-/// Throws HostError (Input) when there is no file of that name that can be read, or CheckPPDSize
-/// does.
-void CheckPPDName(const std::string &ppd);
-
 /// The printer that a session prints with, and its PPD file: empty for the built-in printer.
 struct SessionPrinter {
     PrinterModel model;
@@ -61,9 +53,5 @@ struct SessionPrinter {
 /// The model of the PPD file `ppd`; of the built-in printer when empty. Throws HostError (Input)
 /// when the file is refused.
 [[nodiscard]] PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd);
-
-/// Why the driver has refused the PPD file `ppd`: that it cannot be read, or else `message`, the
-/// driver's words, to which any failure to read is a file that is no PPD file.
-[[nodiscard]] std::string WhyRefused(const std::string &ppd, CFStringRef message);
 
 #endif

@@ -30,20 +30,13 @@ std::string FolderForQueue() {
 
 } // namespace
 
-std::string ChooseTitle(const JobOptions &options, const SourceFile &first) {
-    if (!options.title) return TitleOfFile(first.Path());
-    if (!IsUTF8(*options.title))
-        throw HostError(ExitStatus::Usage, "the title is not UTF-8; correct -t or the locale");
-    return CleanTitle(*options.title);
-}
-
 Destination PlanDestination(const DriverSession &session, const JobOptions &options,
                             const RecordChoices &choices, const SourceFile &first, bool eps) {
     Destination plan;
     plan.sync = !options.noSync;
     plan.namedInDialog = options.printDialog;
     plan.moreFollow = options.each;
-    plan.title = ChooseTitle(options, first);
+    plan.title = ChooseTitle(options.title, first.Path());
     if (options.hotFolder) plan.folder = *options.hotFolder;
     if (options.output) {
         std::string folder;

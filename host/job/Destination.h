@@ -6,10 +6,6 @@
 #include "host/job/JobPlan.h"
 #include "host/job/RecordChoices.h"
 
-/// The title that the options give, or that of the first file. Throws HostError (Usage) when it is
-/// not UTF-8.
-[[nodiscard]] std::string ChooseTitle(const JobOptions &options, const SourceFile &first);
-
 /// What the options say, else the dialog or the settings file, else the user's defaults. Throws
 /// HostError.
 [[nodiscard]] Destination PlanDestination(const DriverSession &session, const JobOptions &options,

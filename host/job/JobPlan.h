@@ -3,7 +3,7 @@
 #define ZEL_HOST_JOBPLAN_H
 
 #include "host/driver/Record.h"
-#include "host/readers/SourceFile.h"
+#include "host/job/SourceFile.h"
 #include <string>
 #include <vector>
 

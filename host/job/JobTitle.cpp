@@ -1,5 +1,6 @@
 #include "host/job/JobTitle.h"
 
+#include "host/terminal/ExitStatus.h"
 #include <cstdint>
 
 namespace {
@@ -99,4 +100,11 @@ std::string TitleOfFile(const std::string &path) {
     const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
     const size_t dot = name.rfind('.');
     return CleanTitle(dot == std::string::npos || dot == 0 ? name : name.substr(0, dot));
+}
+
+std::string ChooseTitle(const std::optional<std::string> &given, const std::string &firstFile) {
+    if (!given) return TitleOfFile(firstFile);
+    if (!IsUTF8(*given))
+        throw HostError(ExitStatus::Usage, "the title is not UTF-8; correct -t or the locale");
+    return CleanTitle(*given);
 }

@@ -2,6 +2,7 @@
 #ifndef ZEL_HOST_JOBTITLE_H
 #define ZEL_HOST_JOBTITLE_H
 
+#include <optional>
 #include <string>
 
 [[nodiscard]] bool IsUTF8(const std::string &text);
@@ -12,5 +13,10 @@
 
 /// The title of a job that prints `path`: the file's name without folders and extension, cleaned.
 [[nodiscard]] std::string TitleOfFile(const std::string &path);
+
+/// The title that the user has given, cleaned, or that of the first file. Throws HostError (Usage)
+/// when it is not UTF-8.
+[[nodiscard]] std::string ChooseTitle(const std::optional<std::string> &given,
+                                      const std::string &firstFile);
 
 #endif

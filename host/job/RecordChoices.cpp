@@ -1,8 +1,8 @@
 #include "host/job/RecordChoices.h"
 
 #include "host/driver/ProgramPath.h"
-#include "host/job/Destination.h"
 #include "host/job/Dialogs.h"
+#include "host/job/JobTitle.h"
 #include "host/job/Media.h"
 #include "host/job/PageSet.h"
 #include "host/job/Replacement.h"
@@ -130,7 +130,7 @@ int PageCountOf(const std::vector<SourceFile> &files) {
 std::string RunPrintDialog(const DriverSession &session, const JobOptions &options,
                            const std::vector<SourceFile> &files, Handle handle) {
     const DriverBundle &bundle = session.Bundle();
-    const std::string title = ChooseTitle(options, files[0]);
+    const std::string title = ChooseTitle(options.title, files[0].Path());
     ZEL_CALL(bundle, ZELPrSetPageCount)(session.Context(), PageCountOf(files));
     Record record(bundle, handle);
     SetPageRange(options, record);

@@ -4,7 +4,7 @@
 
 #include "host/driver/PrinterModel.h"
 #include "host/job/JobOptions.h"
-#include "host/readers/SourceFile.h"
+#include "host/job/SourceFile.h"
 
 /// The choices that a print record has no field for.
 struct RecordChoices {

@@ -11,7 +11,7 @@ import sys
 import tempfile
 
 INCLUDE = re.compile(r'^\s*#\s*(?:include|import)\s*["<]([^">]+)[">]', re.M)
-ROW = re.compile(r'^\| `([\w/]+)/` \| (.*?) \|')
+ROW = re.compile(r'^\| `([\w/]+)/` \|(.*?)\|')
 
 
 def read_table(root):

@@ -1,7 +1,6 @@
 #include "host/readers/images/TIFFImage.h"
 
 #include <array>
-#include <sstream>
 
 namespace {
 
@@ -119,10 +118,6 @@ bool SortSamples(VipsImagePtr &image, const TIFFPage &page) {
     });
 }
 
-void KeepDecodersWarning(const char *module, const char *format, va_list arguments) {
-    if (IsFromDecoder(module)) vips_verror(module, format, arguments);
-}
-
 } // namespace
 
 int LoadTIFF(const char *path, const TIFFPage &page, VipsAccess access, VipsImage **out) {
@@ -133,19 +128,4 @@ int LoadTIFF(const char *path, const TIFFPage &page, VipsAccess access, VipsImag
     if (result != 0 || !SortSamples(image, page)) return -1;
     *out = image.release();
     return 0;
-}
-
-void HearTIFFDecoders() {
-    TIFFSetWarningHandler(KeepDecodersWarning);
-}
-
-Damage TakeTIFFDamage() {
-    std::istringstream lines(vips_error_buffer());
-    vips_error_clear();
-    for (std::string line; std::getline(lines, line);) {
-        const std::string module = line.substr(0, line.find(':'));
-        // JPEG strips are libvips' own to decode.
-        if (IsFromDecoder(module.c_str()) || module == "VipsJpeg") return {line, true};
-    }
-    return {};
 }

@@ -2,7 +2,6 @@
 #ifndef ZEL_HOST_IMAGES_TIFFIMAGE_H
 #define ZEL_HOST_IMAGES_TIFFIMAGE_H
 
-#include "host/readers/ImageFile.h"
 #include "host/readers/TIFFPages.h"
 #include "host/readers/images/VipsSupport.h"
 
@@ -11,11 +10,5 @@
 /// set.
 [[nodiscard]] int LoadTIFF(const char *path, const TIFFPage &page, VipsAccess access,
                            VipsImage **out);
-
-/// Makes libvips keep what decoders of TIFF files complain about; to be called when it has started.
-void HearTIFFDecoders();
-
-/// What the decoders have complained about since libvips' errors were cleared, though all went on.
-[[nodiscard]] Damage TakeTIFFDamage();
 
 #endif

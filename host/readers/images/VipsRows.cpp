@@ -1,6 +1,6 @@
 #include "host/readers/images/VipsRows.h"
 
-#include "host/readers/images/TIFFImage.h"
+#include "host/readers/images/TIFFDamage.h"
 #include <algorithm>
 #include <functional>
 #include <future>

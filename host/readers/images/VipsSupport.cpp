@@ -1,6 +1,6 @@
 #include "host/readers/images/VipsSupport.h"
 
-#include "host/readers/images/TIFFImage.h"
+#include "host/readers/images/TIFFDamage.h"
 #include "host/terminal/ExitStatus.h"
 
 namespace {

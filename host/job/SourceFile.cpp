@@ -1,4 +1,4 @@
-#include "host/readers/SourceFile.h"
+#include "host/job/SourceFile.h"
 
 #include "host/readers/ImageModule.h"
 #include "host/readers/PictureKinds.h"
