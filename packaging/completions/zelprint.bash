@@ -25,6 +25,12 @@ _zelprint_of_printer() { # Page|Resolution
         awk -v "title=$1" '$1 == title { on = 1; next } !NF { on = 0 } on { sub(/^\*/, ""); print $1 }'
 }
 
+# The words that the help lists for an option: --intent perceptual|relative|...
+_zelprint_words_of() { # OPTION
+    "$zelprint" $command --help 2>/dev/null |
+        sed -nE "s/^ +([^ ]+,)?$1(,[^ ]+)? ([A-Za-z|]+)( .*)?\$/\\3/p" | grep -F '|' | tr '|' '\n' | grep -v '[A-Z]'
+}
+
 # Offers the lines of standard input that begin with what is typed, blanks and all.
 _zelprint_offer() {
     local line
@@ -34,7 +40,8 @@ _zelprint_offer() {
 }
 
 _zelprint() {
-    local cur prev zelprint=${COMP_WORDS[0]} command= word
+    local cur prev zelprint=${COMP_WORDS[0]//\\/} command= word words
+    zelprint=${zelprint/#\~/$HOME}
     cur=${COMP_WORDS[COMP_CWORD]}
     prev=${COMP_WORDS[COMP_CWORD - 1]}
     if [ "$cur" = "=" ]; then cur=; elif [ "$prev" = "=" ]; then prev=${COMP_WORDS[COMP_CWORD - 2]}; fi
@@ -45,12 +52,12 @@ _zelprint() {
         if grep -qxF -- "$word" <<<"$commands"; then command=$word; break; fi
     done
     case $prev in
-        --colour-space | --color-space) _zelprint_offer < <(printf '%s\n' cmyk gray rgb); return ;;
         --separation) _zelprint_offer < <("$zelprint" separations 2>/dev/null); return ;;
         --media) _zelprint_offer < <(_zelprint_of_printer Page); return ;;
         --resolution) _zelprint_offer < <(_zelprint_of_printer Resolution); return ;;
-        --hot-folder) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$cur"); return ;;
+        --hot-folder | --bundle) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$cur"); return ;;
     esac
+    if [[ $prev == --* ]] && words=$(_zelprint_words_of "$prev"); then _zelprint_offer <<<"$words"; return; fi
     case $cur in
         -*) _zelprint_offer < <(_zelprint_options "$command"); return ;;
     esac

@@ -29,6 +29,9 @@ offers prin -- printer-info
 offers printer-info --js -- --json
 offers printer-info "my pri" -- "my printer.ppd"
 offers --colour-space g -- gray
+offers --intent "" -- perceptual relative saturation absolute
+offers make-separation --intent rel -- relative
+offers --scale s -- shrink
 offers --separation "" -- Standard
 offers --hot-folder "ho" -- "hot folder"
 offers --ppd "my\\ printer.ppd" --media "" -- A4
