@@ -40,6 +40,14 @@ public:
     /// Takes `count` rows that lie `rowBytes` apart; false when nobody wants more.
     using Take = std::function<bool(const uint8_t *rows, size_t rowBytes, int count)>;
 
+    /// Memory for the next rows, at most `count` of them; null when nobody wants more.
+    struct Space {
+        uint8_t *rows = nullptr;
+        int count = 0;
+    };
+    /// Takes the `filled` rows that have been put into the space given last, and gives the next.
+    using MakeRoom = std::function<Space(int filled)>;
+
     PageRows(int width, int height, int bands) : mWidth(width), mHeight(height), mBands(bands) {}
     virtual ~PageRows() = default;
     PageRows(const PageRows &) = delete;
@@ -53,6 +61,9 @@ public:
     /// Gives all rows, in their order, from the calling thread or others, one call at a time.
     /// May be called once. Throws HostError (Input) when the file is damaged.
     virtual void Read(const Take &take) = 0;
+    /// As Read, but puts the rows, one right behind the other, where they are wanted. False: this
+    /// source cannot, and has done nothing.
+    [[nodiscard]] virtual bool ReadInto(const MakeRoom & /*room*/) { return false; }
     /// Makes Read, which runs in another thread, end soon.
     virtual void Stop() = 0;
     /// What was wrong with the file though Read has given all rows. To be asked after it.

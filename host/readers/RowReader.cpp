@@ -44,6 +44,15 @@ private:
     [[nodiscard]] bool IsReady() const { return mFilled > mUsed || mDone; }
     [[nodiscard]] bool Take(const uint8_t *rows, size_t rowBytes, int count);
     void PackRow(const uint8_t *row, uint8_t *out);
+    void ReadSource();
+    /// Whether rows are printed as they come.
+    [[nodiscard]] bool IsPacked() const {
+        return mFormat == DocumentPixels::CMYK && mSource->Bands() == 4;
+    }
+    [[nodiscard]] PageRows::Space MakeRoom(int filled);
+    [[nodiscard]] uint8_t *FreeRow(const Piece &piece) const {
+        return piece.rows.get() + static_cast<size_t>(piece.count) * static_cast<size_t>(mRowBytes);
+    }
     [[nodiscard]] bool HandOver();
     void GiveBack();
 
@@ -94,9 +103,7 @@ bool RowReader::Reader::Stop() {
 void RowReader::Reader::Run() {
     std::exception_ptr failure;
     try {
-        mSource->Read([this](const uint8_t *rows, size_t rowBytes, int count) {
-            return Take(rows, rowBytes, count);
-        });
+        ReadSource();
         if (mPieces[mFilled % kPieces].count > 0) (void)HandOver();
     } catch (...) {
         failure = std::current_exception();
@@ -105,6 +112,21 @@ void RowReader::Reader::Run() {
     mFailure = failure;
     mDone = true;
     mChanged.notify_all();
+}
+
+void RowReader::Reader::ReadSource() {
+    if (IsPacked() && mSource->ReadInto([this](int filled) { return MakeRoom(filled); })) return;
+    mSource->Read([this](const uint8_t *rows, size_t rowBytes, int count) {
+        return Take(rows, rowBytes, count);
+    });
+}
+
+PageRows::Space RowReader::Reader::MakeRoom(int filled) {
+    Piece &piece = mPieces[mFilled % kPieces];
+    piece.count += filled;
+    if (piece.count == mPieceHeight && !HandOver()) return {};
+    const Piece &next = mPieces[mFilled % kPieces];
+    return {FreeRow(next), mPieceHeight - next.count};
 }
 
 void RowReader::Reader::PackRow(const uint8_t *row, uint8_t *out) {
@@ -121,9 +143,7 @@ void RowReader::Reader::PackRow(const uint8_t *row, uint8_t *out) {
 bool RowReader::Reader::Take(const uint8_t *rows, size_t rowBytes, int count) {
     for (int row = 0; row < count; ++row) {
         Piece &piece = mPieces[mFilled % kPieces];
-        PackRow(rows + static_cast<size_t>(row) * rowBytes,
-                piece.rows.get() +
-                    static_cast<size_t>(piece.count) * static_cast<size_t>(mRowBytes));
+        PackRow(rows + static_cast<size_t>(row) * rowBytes, FreeRow(piece));
         if (++piece.count == mPieceHeight && !HandOver()) return false;
     }
     return true;

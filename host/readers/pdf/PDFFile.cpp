@@ -12,6 +12,7 @@ namespace {
 
 constexpr double kPointsPerInch = 72;
 constexpr double kMostPoints = 1e9;
+constexpr size_t kPieceBytes = 1 << 20;
 
 int WholePoints(double points) {
     return static_cast<int>(std::clamp(std::round(points), 1.0, kMostPoints));
@@ -24,7 +25,20 @@ public:
                    renderer->Bands()),
           mRenderer(std::move(renderer)), mPage(page) {}
 
-    void Read(const Take &take) override { mRenderer->Draw(mPage, take, mStopped); }
+    void Read(const Take &take) override {
+        const size_t rowBytes = static_cast<size_t>(Width()) * static_cast<size_t>(Bands());
+        const int most = std::max(1, static_cast<int>(kPieceBytes / rowBytes));
+        const std::unique_ptr<uint8_t[]> rows(new uint8_t[static_cast<size_t>(most) * rowBytes]);
+        const auto room = [&](int filled) {
+            const bool wanted = filled == 0 || take(rows.get(), rowBytes, filled);
+            return Space{wanted ? rows.get() : nullptr, most};
+        };
+        mRenderer->Draw(mPage, room, mStopped);
+    }
+    bool ReadInto(const MakeRoom &room) override {
+        mRenderer->Draw(mPage, room, mStopped);
+        return true;
+    }
     void Stop() override { mStopped = true; }
 
 private:

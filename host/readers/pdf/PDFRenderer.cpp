@@ -12,7 +12,6 @@ namespace {
 /// From here on the dots of any printer are too fine for a stair to be seen, and what is gray at
 /// the edges would be screened.
 constexpr double kFineResolution = 400;
-constexpr size_t kPieceBytes = 1 << 20;
 constexpr size_t kLongestHeaderLine = 200;
 /// Their places in the plan.
 constexpr int kLightProfile = 0;
@@ -149,14 +148,14 @@ void PDFRenderer::Hear(const std::string &line) {
         mMessages.Add(line);
 }
 
-void PDFRenderer::Draw(const PDFPageJob &page, const PageRows::Take &take,
+void PDFRenderer::Draw(const PDFPageJob &page, const PageRows::MakeRoom &room,
                        const std::atomic<bool> &stopped) {
     mPage = page.number;
     mDrawn = false;
     mWaited = 0;
     mUsable = false;
     mGhostscript.Send(CommandFor(page));
-    if (!ReadHeader(stopped) || !ReadRows(take, stopped)) return;
+    if (!ReadHeader(stopped) || !ReadRows(room, stopped)) return;
     WaitForEnd(stopped);
     if (stopped) return;
     Judge();
@@ -216,17 +215,17 @@ bool PDFRenderer::ReadHeader(const std::atomic<bool> &stopped) {
 }
 
 /// False when stopped, or when nobody wants more.
-bool PDFRenderer::ReadRows(const PageRows::Take &take, const std::atomic<bool> &stopped) {
+bool PDFRenderer::ReadRows(const PageRows::MakeRoom &room, const std::atomic<bool> &stopped) {
     const size_t rowBytes = static_cast<size_t>(mDrawing.grid.width) * static_cast<size_t>(Bands());
-    const int most = std::max(1, static_cast<int>(kPieceBytes / rowBytes));
-    const std::unique_ptr<uint8_t[]> rows(new uint8_t[static_cast<size_t>(most) * rowBytes]);
-    for (int top = 0; top < mDrawing.grid.height; top += most) {
-        const int count = std::min(most, mDrawing.grid.height - top);
-        const size_t bytes = static_cast<size_t>(count) * rowBytes;
-        if (Read(rows.get(), bytes, stopped) != bytes) return false;
-        if (!take(rows.get(), rowBytes, count)) return false;
+    int filled = 0;
+    for (int top = 0; top < mDrawing.grid.height; top += filled) {
+        const PageRows::Space space = room(filled);
+        if (!space.rows) return false;
+        filled = std::min(space.count, mDrawing.grid.height - top);
+        const size_t bytes = static_cast<size_t>(filled) * rowBytes;
+        if (Read(space.rows, bytes, stopped) != bytes) return false;
     }
-    return true;
+    return room(filled).rows != nullptr;
 }
 
 void PDFRenderer::WaitForEnd(const std::atomic<bool> &stopped) {

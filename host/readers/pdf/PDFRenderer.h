@@ -34,9 +34,11 @@ public:
     /// 1: gray, 3: RGB, 4: CMYK.
     [[nodiscard]] int Bands() const;
 
-    /// Draws a page and gives all its rows, until `stopped` or nobody wants more: the renderer is
-    /// of no use then. Throws HostError (Input) when the page is not drawn whole.
-    void Draw(const PDFPageJob &page, const PageRows::Take &take, const std::atomic<bool> &stopped);
+    /// Draws a page and puts all its rows where there is room, until `stopped` or nobody wants
+    /// more: the renderer is of no use then. Throws HostError (Input) when the page is not drawn
+    /// whole.
+    void Draw(const PDFPageJob &page, const PageRows::MakeRoom &room,
+              const std::atomic<bool> &stopped);
     /// Ends the renderer after the last page. Throws HostError (Input) when it complains now.
     void Finish();
     /// Whether every page so far was drawn whole.
@@ -47,7 +49,7 @@ private:
     [[nodiscard]] size_t Read(uint8_t *samples, size_t size, const std::atomic<bool> &stopped);
     [[nodiscard]] bool ReadHeader(const std::atomic<bool> &stopped);
     [[nodiscard]] std::string ReadHeaderLine(const std::atomic<bool> &stopped);
-    [[nodiscard]] bool ReadRows(const PageRows::Take &take, const std::atomic<bool> &stopped);
+    [[nodiscard]] bool ReadRows(const PageRows::MakeRoom &room, const std::atomic<bool> &stopped);
     void WaitForEnd(const std::atomic<bool> &stopped);
     void Judge();
     [[nodiscard]] std::string WhyLost() const;
