@@ -107,12 +107,41 @@ cmsInt32Number SampleInks(const cmsUInt16Number light[], cmsUInt16Number ink[], 
 }
 
 /// How ink looks: every ink takes its light away, and black all of it.
-cmsInt32Number SampleLook(const cmsUInt16Number ink[], cmsUInt16Number xyz[], void *space) {
-    const auto &light = *static_cast<const LightSpace *>(space);
+class Look {
+public:
+    explicit Look(const LightSpace &light) : mLight(light) {
+        for (int ink = 0; ink < kLookPoints; ++ink)
+            for (int black = 0; black < kLookPoints; ++black)
+                mLinear[Index(ink, black)] = cmsEvalToneCurveFloat(
+                    light.curve, static_cast<float>(PaperLeft(ink) * PaperLeft(black)));
+    }
+
+    [[nodiscard]] const LightSpace &Light() const { return mLight; }
+    /// Linear light that an ink and black leave.
+    [[nodiscard]] double Left(cmsUInt16Number ink, cmsUInt16Number black) const {
+        return mLinear[Index(Step(ink), Step(black))];
+    }
+
+private:
+    static constexpr int kSteps = kLookPoints - 1;
+    static double PaperLeft(int step) { return 1 - static_cast<double>(step) / kSteps; }
+    static int Step(cmsUInt16Number ink) {
+        return static_cast<int>(std::lrint(ink / kMost * kSteps));
+    }
+    static size_t Index(int ink, int black) {
+        return static_cast<size_t>(ink * kLookPoints + black);
+    }
+
+    const LightSpace &mLight;
+    std::array<double, static_cast<size_t>(kLookPoints *kLookPoints)> mLinear = {};
+};
+
+cmsInt32Number SampleLook(const cmsUInt16Number ink[], cmsUInt16Number xyz[], void *given) {
+    const auto &look = *static_cast<const Look *>(given);
+    const LightSpace &light = look.Light();
     std::array<double, 3> sum = {};
     for (size_t i = 0; i < kLights; ++i) {
-        const double shade = (1 - ink[i] / kMost) * (1 - ink[3] / kMost);
-        const double linear = cmsEvalToneCurveFloat(light.curve, static_cast<float>(shade));
+        const double linear = look.Left(ink[i], ink[3]);
         sum[0] += light.primaries[i].X * linear;
         sum[1] += light.primaries[i].Y * linear;
         sum[2] += light.primaries[i].Z * linear;
@@ -181,12 +210,13 @@ Pipeline ToInk(const LightSpace &light, Sampler sampler) {
     return pipeline;
 }
 
-Pipeline ToLight(LightSpace &light) {
+Pipeline ToLight(const LightSpace &light) {
+    Look look(light);
     Pipeline pipeline(cmsPipelineAlloc(nullptr, kInks, kLights));
     AppendCurves(pipeline, kInks, Straight());
     cmsStage *grid = cmsStageAllocCLut16bit(nullptr, kLookPoints, kInks, kLights, nullptr);
     Append(pipeline, grid);
-    Check(cmsStageSampleCLut16bit(grid, SampleLook, &light, 0));
+    Check(cmsStageSampleCLut16bit(grid, SampleLook, &look, 0));
     AppendCurves(pipeline, kLights, Straight());
     return pipeline;
 }
@@ -206,7 +236,7 @@ std::string BytesOf(cmsHPROFILE profile) {
     return bytes;
 }
 
-std::string MakeInk(LightSpace &light, const SeparateColours &separate) {
+std::string MakeInk(const LightSpace &light, const SeparateColours &separate) {
     const Profile profile(cmsCreateProfilePlaceholder(nullptr));
     Check(profile != nullptr);
     cmsSetProfileVersion(profile.get(), kVersion);
@@ -229,7 +259,7 @@ std::string MakeInk(LightSpace &light, const SeparateColours &separate) {
 InkProfile MakeInkProfile(const SeparateColours &separate) {
     const Profile light(cmsCreate_sRGBProfile());
     Check(light != nullptr);
-    LightSpace space(light.get());
+    const LightSpace space(light.get());
     InkProfile result;
     result.ink = MakeInk(space, separate);
     result.light = BytesOf(light.get());
