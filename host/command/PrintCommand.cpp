@@ -89,6 +89,8 @@ ExitStatus Print(const JobOptions &options) {
     std::vector<SourceFile> files;
     for (const std::string &path : options.files)
         files.emplace_back(path, pdf, options.allowDamaged);
+    // One at a time, however many there are.
+    files.front().LookAhead();
     const DriverBundle bundle(options.bundle);
     bundle.KeepFreedMemory(kKeptBytes);
     std::optional<WindowSystem> windows;

@@ -78,6 +78,10 @@ ImageFile &SourceFile::Full() const {
     return *mFull;
 }
 
+void SourceFile::LookAhead() const {
+    if (mKind == FileKind::PDF) (void)Full();
+}
+
 int SourceFile::PageCount() const {
     return Any().PageCount();
 }

@@ -24,6 +24,10 @@ public:
     /// Whether even the first look at it takes the image module.
     [[nodiscard]] bool NeedsModule() const { return !mPlain && mKind != FileKind::PDF; }
 
+    /// Begins what takes a moment and needs nobody: counting the pages of a PDF file. Throws
+    /// HostError.
+    void LookAhead() const;
+
     // See ImageFile.
     [[nodiscard]] int PageCount() const;
     [[nodiscard]] SourcePage Describe(int page) const;

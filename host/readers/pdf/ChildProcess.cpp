@@ -14,6 +14,9 @@ namespace {
 /// Below are the numbers that the child knows its files by.
 constexpr int kFirstFree = 32;
 constexpr int kNotStarted = 127;
+/// Of the pipe with its output: the program goes on while the reader is busy elsewhere, and both
+/// are woken for many rows at once. What is in such a pipe stays in a processor's cache.
+[[maybe_unused]] constexpr int kPipeBytes = 256 << 10;
 
 [[noreturn]] void ThrowNotStarted(const std::string &program) {
     throw HostError(ExitStatus::Driver, "cannot start " + program + ": " + strerror(errno));
@@ -30,6 +33,13 @@ struct Pipe {
     }
     Descriptor read, write;
 };
+
+/// Where pipes can be made wider.
+void Widen([[maybe_unused]] const Descriptor &pipe) {
+#ifdef F_SETPIPE_SZ
+    (void)fcntl(pipe.Get(), F_SETPIPE_SZ, kPipeBytes);
+#endif
+}
 
 std::vector<char *> Pointers(const std::string *first, const std::vector<std::string> &texts) {
     std::vector<char *> pointers;
@@ -54,11 +64,17 @@ bool TakeFiles(int *files, int count) {
 
 /// What zelprint ignores or blocks for its own sake.
 void ResetSignals() {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ})
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ, SIGIO})
         (void)signal(number, SIG_DFL);
     sigset_t none;
     (void)sigemptyset(&none);
     (void)sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+/// When nobody can write into this pipe any more, since zelprint has ended, this process gets
+/// SIGIO, which ends it: a page that never ends would never notice otherwise.
+bool EndWith(int pipe) {
+    return fcntl(pipe, F_SETOWN, getpid()) == 0 && fcntl(pipe, F_SETFL, O_ASYNC) == 0;
 }
 
 bool LimitMemory(uint64_t bytes) {
@@ -103,10 +119,14 @@ ChildProcess::ChildProcess(const ChildPlan &plan) {
     Pipe input(plan.program);
     Pipe output(plan.program);
     Pipe messages(plan.program);
+    Pipe lifeline(plan.program);
+    Widen(output.read);
+    (void)fcntl(output.read.Get(), F_SETFL, O_NONBLOCK);
     // While both ends are here nobody can be missing to read it.
     if (!WriteAll(input.write.Get(), plan.input)) ThrowNotStarted(plan.program);
     std::vector<int> files = {input.read.Get(), output.write.Get(), messages.write.Get()};
     files.insert(files.end(), plan.files.begin(), plan.files.end());
+    files.push_back(lifeline.read.Get());
     const std::vector<char *> arguments = Pointers(&plan.program, plan.arguments);
     const std::vector<char *> environment = Pointers(nullptr, plan.environment);
     mProcess = fork();
@@ -115,13 +135,15 @@ ChildProcess::ChildProcess(const ChildPlan &plan) {
         // A group of its own: Ctrl-C is for zelprint, which then ends it.
         (void)setpgid(0, 0);
         ResetSignals();
-        if (TakeFiles(files.data(), static_cast<int>(files.size())) && LimitMemory(plan.memory))
+        const int count = static_cast<int>(files.size());
+        if (TakeFiles(files.data(), count) && EndWith(count - 1) && LimitMemory(plan.memory))
             (void)execve(plan.program.c_str(), arguments.data(), environment.data());
         _exit(kNotStarted);
     }
     mInput = std::move(input.write);
     mOutput = std::move(output.read);
     mMessages = std::move(messages.read);
+    mLifeline = std::move(lifeline.write);
 }
 
 ChildProcess::~ChildProcess() {

@@ -39,7 +39,7 @@ struct ChildPlan {
 
 class ChildProcess {
 public:
-    /// Starts it. Throws HostError (Driver).
+    /// Starts it. It ends with zelprint, however that ends. Throws HostError (Driver).
     explicit ChildProcess(const ChildPlan &plan);
     /// Kills it if it runs, and waits for its end.
     ~ChildProcess();
@@ -50,7 +50,8 @@ public:
     /// ignored.
     [[nodiscard]] bool Write(const std::string &text) const;
     void CloseInput() { mInput.Close(); }
-    /// Where its standard output and its messages are read.
+    /// Where its standard output and its messages are read; of the output there may be none yet
+    /// (EAGAIN).
     [[nodiscard]] int Output() const { return mOutput.Get(); }
     [[nodiscard]] int Messages() const { return mMessages.Get(); }
 
@@ -63,6 +64,7 @@ private:
     pid_t mProcess = -1; ///< -1: it has ended
     std::string mEnd;
     Descriptor mInput, mOutput, mMessages;
+    Descriptor mLifeline; ///< nothing is written here: the program ends when it is closed
 };
 
 #endif

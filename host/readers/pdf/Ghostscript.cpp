@@ -1,7 +1,7 @@
 #include "host/readers/pdf/Ghostscript.h"
 
 #include "host/driver/ProgramPath.h"
-#include "host/terminal/ExitStatus.h"
+#include "host/terminal/Cancellation.h"
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -99,7 +99,7 @@ std::unique_ptr<ChildProcess> Start(const GhostscriptPlan &plan) {
 
 size_t ReadSome(int fd, void *bytes, size_t size, bool &ended) {
     const ssize_t count = read(fd, bytes, size);
-    if (count < 0 && errno == EINTR) return 0;
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) return 0;
     if (count <= 0) ended = true;
     return count > 0 ? static_cast<size_t>(count) : 0;
 }
@@ -115,6 +115,10 @@ Ghostscript::Ghostscript(const GhostscriptPlan &plan, Listener listener)
     : mProcess(Start(plan)), mListener(std::move(listener)) {}
 
 size_t Ghostscript::Read(uint8_t *samples, size_t size) {
+    // As long as samples come, nobody is asked whether they do.
+    const size_t there =
+        size > 0 && !mOutputEnded ? ReadSome(mProcess->Output(), samples, size, mOutputEnded) : 0;
+    if (there > 0) return there;
     std::array<pollfd, 2> sources = {};
     sources[0] = {mMessagesEnded ? -1 : mProcess->Messages(), POLLIN, 0};
     sources[1] = {mOutputEnded || size == 0 ? -1 : mProcess->Output(), POLLIN, 0};
@@ -141,12 +145,19 @@ void Ghostscript::ReadMessages() {
     }
 }
 
-std::string RunGhostscript(const GhostscriptPlan &plan, const Ghostscript::Listener &listener) {
-    Ghostscript renderer(plan, listener);
-    renderer.EndInput();
-    while (!renderer.HasEnded()) {
+std::string Ghostscript::Listen(std::chrono::milliseconds longest) {
+    const auto end = std::chrono::steady_clock::now() + longest;
+    EndInput();
+    while (!HasEnded() && !Cancellation::IsWanted()) {
         uint8_t nothing[256];
-        (void)renderer.Read(nothing, sizeof nothing);
+        (void)Read(nothing, sizeof nothing);
+        if (std::chrono::steady_clock::now() > end) {
+            mProcess->Kill();
+            (void)Wait();
+            return "it takes the renderer longer than " + std::to_string(longest.count() / 1000) +
+                   " seconds";
+        }
     }
-    return renderer.Wait();
+    Cancellation::Check();
+    return Wait();
 }

@@ -7,6 +7,7 @@
 #define ZEL_HOST_PDF_GHOSTSCRIPT_H
 
 #include "host/readers/pdf/ChildProcess.h"
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -45,6 +46,9 @@ public:
     [[nodiscard]] bool OutputHasEnded() const { return mOutputEnded; }
     /// See ChildProcess.
     [[nodiscard]] std::string Wait() const { return mProcess->Wait(); }
+    /// Hears one that draws nothing and needs no input to its end, which comes after `longest` at
+    /// the latest. How it ended, as Wait says it. Throws HostError when the user cancels.
+    [[nodiscard]] std::string Listen(std::chrono::milliseconds longest);
 
 private:
     void ReadMessages();
@@ -54,9 +58,5 @@ private:
     std::string mLine; ///< the beginning of one
     bool mOutputEnded = false, mMessagesEnded = false;
 };
-
-/// Runs a plan that draws nothing and needs no input. Returns how it ended; see ChildProcess::Wait.
-[[nodiscard]] std::string RunGhostscript(const GhostscriptPlan &plan,
-                                         const Ghostscript::Listener &listener);
 
 #endif

@@ -50,12 +50,21 @@ private:
 } // namespace
 
 PDFFile::PDFFile(std::string path, PDFOptions options)
-    : mPath(std::move(path)), mOptions(std::move(options)), mPages(ReadPDFPages(mPath, mOptions)) {}
+    : mPath(std::move(path)), mOptions(std::move(options)),
+      mCount(std::make_unique<PDFPageCount>(mPath, mOptions)) {}
 
 PDFFile::~PDFFile() = default;
 
+const std::vector<PDFPage> &PDFFile::Pages() {
+    if (mCount) {
+        const std::unique_ptr<PDFPageCount> count = std::move(mCount);
+        mPages = count->Finish();
+    }
+    return mPages;
+}
+
 SourcePage PDFFile::Describe(int page) {
-    const PDFPage &source = mPages.at(static_cast<size_t>(page));
+    const PDFPage &source = Page(page);
     SourcePage result;
     result.size = {WholePoints(source.width), WholePoints(source.height), kPointsPerInch,
                    kPointsPerInch};
@@ -67,8 +76,8 @@ SourcePage PDFFile::Describe(int page) {
 
 /// Once for a file: where ink does not stay ink.
 void PDFFile::TellOfBlending(int page) {
-    if (mBlendingIsTold || !mPages.at(static_cast<size_t>(page)).transparent) return;
-    if (!mBlendedInRGB) mBlendedInRGB = ReadPagesBlendedInRGB(mPath, mOptions, mPages);
+    if (mBlendingIsTold || !Page(page).transparent) return;
+    if (!mBlendedInRGB) mBlendedInRGB = ReadPagesBlendedInRGB(mPath, mOptions, Pages());
     const std::vector<int> &pages = *mBlendedInRGB;
     if (std::find(pages.begin(), pages.end(), page + 1) == pages.end()) return;
     mBlendingIsTold = true;
@@ -84,7 +93,7 @@ PageImage PDFFile::OpenPage(int page, const PageTarget &target) {
     if (target.pixels == DocumentPixels::CMYK) TellOfBlending(page);
     if (!mRenderer || !mRenderer->IsUsable() || !(mRenderer->Drawing() == drawing))
         mRenderer = std::make_shared<PDFRenderer>(mPath, mOptions, drawing);
-    const PDFPage &source = mPages.at(static_cast<size_t>(page));
+    const PDFPage &source = Page(page);
     const PDFPageJob job = {page + 1, source, MatrixOf(target.grid, source, target.placement)};
     PageImage image;
     image.rows = std::make_shared<PDFRows>(mRenderer, job);

@@ -1,7 +1,6 @@
 #include "host/readers/pdf/PDFPages.h"
 
 #include "host/readers/SpooledInput.h"
-#include "host/readers/pdf/Ghostscript.h"
 #include "host/readers/pdf/PDFMessages.h"
 #include "host/terminal/ExitStatus.h"
 #include <algorithm>
@@ -9,6 +8,12 @@
 #include <sstream>
 
 namespace {
+
+/// Thousands of pages take a tenth of a second. There are files whose pages nobody can count.
+constexpr std::chrono::minutes kLongestCount{5};
+/// To be told of a page is not worth waiting longer for.
+constexpr std::chrono::seconds kLongestLook{20};
+constexpr size_t kMostPages = 1000000;
 
 /// Tells the number of pages and every page's entries, a line each.
 const char kProgram[] = R"(
@@ -20,7 +25,7 @@ bind def
     { zelNumber } forall
 } bind def
 (zelprint pages ) print pdfpagecount = flush
-1 1 pdfpagecount {
+1 1 pdfpagecount dup 1000000 gt { pop 0 } if {
     pdfgetpage dup type /dicttype ne { pop 0 dict } if
     (zelprint page ) print
     dup /MediaBox zelBox dup /CropBox zelBox
@@ -50,8 +55,41 @@ const char kGroupProgram[] = R"(
 flush quit
 )";
 
+[[noreturn]] void Refuse(const std::string &path, const std::string &why) {
+    throw HostError(ExitStatus::Input, NameOfInput(path) + ": " + why);
+}
+
+[[noreturn]] void ThrowUnreadable(const std::string &path, bool hasPassword,
+                                  const PDFMessages &messages, const std::string &end) {
+    // A wrong password for some kinds of encryption crashes the renderer.
+    const bool crashed = hasPassword && end.find("signal") != std::string::npos;
+    if (messages.IsWrongPassword() || crashed)
+        Refuse(path, "the password does not open it; correct the file named by --password-file");
+    if (messages.NeedsPassword())
+        Refuse(path, "it is encrypted; write its password into a file and name that with "
+                     "--password-file");
+    if (end.find("seconds") != std::string::npos)
+        Refuse(path, "its pages cannot be counted (" + end + "); the file is damaged or malicious");
+    std::string why = messages.Lost().empty() ? messages.Last() : messages.Lost();
+    if (why.empty() || why.find("zelprint") == 0) why = end.empty() ? "it has no pages" : end;
+    Refuse(path, "its pages cannot be read (" + why + "); the file is damaged or no PDF file");
+}
+
+GhostscriptPlan PlanFor(const std::string &path, const PDFOptions &options,
+                        const std::vector<std::string> &arguments, const char *program) {
+    GhostscriptPlan plan;
+    plan.path = path;
+    plan.password = options.password;
+    plan.arguments = {"-q", "-dNODISPLAY"};
+    plan.arguments.insert(plan.arguments.end(), arguments.begin(), arguments.end());
+    plan.program = program;
+    return plan;
+}
+
+} // namespace
+
 /// What the program tells.
-class PageList {
+class PDFPageCount::List {
 public:
     void Add(const std::string &line) {
         mMessages.Add(line);
@@ -60,10 +98,11 @@ public:
         text >> name >> what;
         if (name != "zelprint") return;
         if (what == "pages") text >> mCount;
-        if (what == "page") AddPage(text);
+        if (what == "page" && mPages.size() < kMostPages) AddPage(text);
     }
 
     [[nodiscard]] bool IsWhole() const { return mCount > 0 && mPages.size() == mCount; }
+    [[nodiscard]] bool IsTooLong() const { return mCount > kMostPages; }
     [[nodiscard]] std::vector<PDFPage> Take() { return std::move(mPages); }
     [[nodiscard]] const PDFMessages &Messages() const { return mMessages; }
 
@@ -81,37 +120,21 @@ private:
     PDFMessages mMessages;
 };
 
-[[noreturn]] void Refuse(const std::string &path, const std::string &why) {
-    throw HostError(ExitStatus::Input, NameOfInput(path) + ": " + why);
-}
+PDFPageCount::PDFPageCount(std::string path, const PDFOptions &options)
+    : mPath(std::move(path)), mHasPassword(!options.password.empty()),
+      mList(std::make_unique<List>()),
+      mRenderer(PlanFor(mPath, options, {}, kProgram),
+                [list = mList.get()](const std::string &line) { list->Add(line); }) {}
 
-[[noreturn]] void ThrowUnreadable(const std::string &path, const std::string &password,
-                                  const PDFMessages &messages, const std::string &end) {
-    // A wrong password for some kinds of encryption crashes the renderer.
-    const bool crashed = !password.empty() && end.find("signal") != std::string::npos;
-    if (messages.IsWrongPassword() || crashed)
-        Refuse(path, "the password does not open it; correct the file named by --password-file");
-    if (messages.NeedsPassword())
-        Refuse(path, "it is encrypted; write its password into a file and name that with "
-                     "--password-file");
-    std::string why = messages.Lost().empty() ? messages.Last() : messages.Lost();
-    if (why.empty() || why.find("zelprint") == 0) why = end.empty() ? "it has no pages" : end;
-    Refuse(path, "its pages cannot be read (" + why + "); the file is damaged or no PDF file");
-}
+PDFPageCount::~PDFPageCount() = default;
 
-} // namespace
-
-std::vector<PDFPage> ReadPDFPages(const std::string &path, const PDFOptions &options) {
-    GhostscriptPlan plan;
-    plan.path = path;
-    plan.password = options.password;
-    plan.arguments = {"-q", "-dNODISPLAY"};
-    plan.program = kProgram;
-    PageList pages;
-    const std::string end =
-        RunGhostscript(plan, [&pages](const std::string &line) { pages.Add(line); });
-    if (!pages.IsWhole()) ThrowUnreadable(path, options.password, pages.Messages(), end);
-    return pages.Take();
+std::vector<PDFPage> PDFPageCount::Finish() {
+    const std::string end = mRenderer.Listen(kLongestCount);
+    if (mList->IsTooLong())
+        Refuse(mPath,
+               "it says that it has more than " + std::to_string(kMostPages) + " pages; split it");
+    if (!mList->IsWhole()) ThrowUnreadable(mPath, mHasPassword, mList->Messages(), end);
+    return mList->Take();
 }
 
 std::vector<int> ReadPagesBlendedInRGB(const std::string &path, const PDFOptions &options,
@@ -119,16 +142,13 @@ std::vector<int> ReadPagesBlendedInRGB(const std::string &path, const PDFOptions
     std::vector<int> numbers;
     const auto transparent = [](const PDFPage &page) { return page.transparent; };
     if (std::none_of(pages.begin(), pages.end(), transparent)) return numbers;
-    GhostscriptPlan plan;
-    plan.path = path;
-    plan.password = options.password;
-    plan.arguments = {"-q", "-dNODISPLAY", "-dNEWPDF=false"};
-    plan.program = kGroupProgram;
-    (void)RunGhostscript(plan, [&](const std::string &line) {
+    const auto hear = [&](const std::string &line) {
         size_t number = 0;
         if (sscanf(line.c_str(), "zelprint rgb %zu", &number) == 1 && number >= 1 &&
             number <= pages.size() && pages[number - 1].transparent)
             numbers.push_back(static_cast<int>(number));
-    });
+    };
+    Ghostscript reader(PlanFor(path, options, {"-dNEWPDF=false"}, kGroupProgram), hear);
+    (void)reader.Listen(kLongestLook);
     return numbers;
 }

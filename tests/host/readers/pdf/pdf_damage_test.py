@@ -60,6 +60,11 @@ class Damage(PrintingTest):
                 path = self.save('damaged.pdf', data)
                 self.assertRegex(self.refused(path), r'damaged\.pdf: .*(cannot be read|no pages)')
 
+    def test_OfTheNumberOfPages_IsTold(self):
+        pdf = pdfwriter.text_pages(2)
+        data = pdf.bytes().replace(b'/Count 2 ', b'/Count 2000000000 ')
+        self.assertRegex(self.refused(self.save('many.pdf', data)), r'many\.pdf: ')
+
     def test_WithoutLoss_IsAWarning(self):
         whole = pdfwriter.text_pages(2).bytes()
         cases = {'no table of objects': whole[:whole.index(b'xref\n0')] + whole[whole.index(b'trailer'):],
@@ -93,6 +98,35 @@ class Damage(PrintingTest):
         self.assertEqual(os.listdir(self.path('hot')), [])
         for renderer in renderers:
             self.assertFalse(os.path.exists(f'/proc/{renderer}'))
+
+    def test_ByAnEndlessPage_EndsTheRendererWithAKilledJob(self):
+        path = self.save('endless.pdf', endless())
+        job = subprocess.Popen([printing.ZELPRINT, '-o', self.path('out.ps'), path], stderr=subprocess.DEVNULL)
+        deadline = time.monotonic() + 60
+        while time.monotonic() < deadline:
+            renderers = self.renderers(job.pid)
+            if renderers and b'pamcmyk32' in self.command_line(renderers[0]):
+                break
+            time.sleep(.05)
+        time.sleep(1)  # it draws
+        renderers = self.renderers(job.pid)
+        self.assertEqual(len(renderers), 1)
+        job.kill()
+        job.wait()
+        while b'pamcmyk32' in self.command_line(renderers[0]) and time.monotonic() < deadline:
+            time.sleep(.05)
+        if b'pamcmyk32' in self.command_line(renderers[0]):
+            os.kill(int(renderers[0]), signal.SIGKILL)
+            self.fail('the renderer goes on')
+
+    @staticmethod
+    def command_line(process):
+        """Empty when it has ended."""
+        try:
+            with open(f'/proc/{process}/cmdline', 'rb') as file:
+                return file.read()
+        except OSError:
+            return b''
 
     @staticmethod
     def renderers(parent):
