@@ -142,6 +142,19 @@ class Pages(PrintingTest):
         with open(out, 'rb') as file:
             self.assertEqual(sum(line.startswith(b'%%Page: ') for line in file), 3000)
 
+    def test_HaveEastAsianTextInFontsThatAreNotEmbedded(self):
+        pdfwriter.east_asian_text().write(self.path('east.pdf'))
+        [plate] = self.plates(self.print_eps(self.path('east.pdf'), (130, 200), '--no-antialias', dpi=144), dpi=144)
+        glyphs = set()
+        for row in range(4):
+            for column in range(3):
+                left, top = 2 * (5 + 40 * column), 2 * (200 - 50 * row - 45)
+                cell = [plate[y][x] == BLACK for y in range(top, top + 80) for x in range(left, left + 80)]
+                # A blank has no ink, the frame of a missing glyph little, and it would be the same everywhere.
+                self.assertTrue(.07 < sum(cell) / len(cell) < .6, (row, column, sum(cell) / len(cell)))
+                glyphs.add(tuple(cell))
+        self.assertEqual(len(glyphs), 11)  # the last one of both Chinese words is the same
+
     def test_HaveWhatIsForPrint(self):
         pdf = pdfwriter.PDF()
         look = pdf.stream('/Type /XObject /Subtype /Form /BBox [0 0 10 10]', '0 0 0 1 k 0 0 10 10 re f')

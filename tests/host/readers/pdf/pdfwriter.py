@@ -140,6 +140,26 @@ def text_pages(count):
     return pdf
 
 
+def east_asian_text():
+    """Three characters of 40 points in each of four scripts, in fonts that are not embedded: a row of 50 points a
+    script, Japanese at the bottom."""
+    pdf = PDF()
+    fonts, content = [], []
+    for row, (collection, name, cmap, text) in enumerate((
+            ('Japan1', 'Ryumin-Light', 'UniJIS-UTF16-H', '日本語'), ('GB1', 'STSong-Light', 'UniGB-UTF16-H', '简体字'),
+            ('CNS1', 'MSung-Light', 'UniCNS-UTF16-H', '繁體字'), ('Korea1', 'HYSMyeongJo-Medium', 'UniKS-UTF16-H', '한국어'))):
+        descriptor = pdf.add(f'<< /Type /FontDescriptor /FontName /{name} /Flags 4 /FontBBox [0 -120 1000 880] '
+                             '/ItalicAngle 0 /Ascent 880 /Descent -120 /CapHeight 880 /StemV 80 >>')
+        cid = pdf.add(f'<< /Type /Font /Subtype /CIDFontType0 /BaseFont /{name} /CIDSystemInfo << /Registry (Adobe) '
+                      f'/Ordering ({collection}) /Supplement 0 >> /FontDescriptor {descriptor} 0 R /DW 1000 >>')
+        font = pdf.add(f'<< /Type /Font /Subtype /Type0 /BaseFont /{name}-{cmap} /Encoding /{cmap} '
+                       f'/DescendantFonts [{cid} 0 R] >>')
+        fonts.append(f'/F{row} {font} 0 R')
+        content.append(f'BT /F{row} 40 Tf 5 {50 * row + 10} Td <{text.encode("utf-16-be").hex()}> Tj ET')
+    pdf.page('/MediaBox [0 0 130 200]', '0 0 0 1 k ' + ' '.join(content), f'/Font << {" ".join(fonts)} >>')
+    return pdf
+
+
 def full_text(count):
     """Pages of A4 full of text in a font that is not embedded."""
     pdf = PDF()
