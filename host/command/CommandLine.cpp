@@ -92,8 +92,9 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
     Choice(app, "--ppd", options.ppd, "FILE", "PPD file of the printer");
     app.add_flag("--built-in-printer", options.builtInPrinter,
                  "print for no printer in particular: one A4 page, 300 dpi");
-    Choice(app, "--media", options.media, "NAME|WxH{pt,mm,in}",
-           "page by its name, or its size as WxH with pt, mm or in");
+    Choice(app, "--media", options.media, "NAME|WxH{pt,mm,in}|auto",
+           "page by its name, its size as WxH with pt, mm or in, or auto: the one nearest to the "
+           "document's pages");
     Choice(app, "--resolution", options.resolution, "NAME|DPI",
            "resolution by its name, or in dpi");
     app.add_option("--colour-space,--color-space", options.colourSpace, "cmyk, gray or rgb")

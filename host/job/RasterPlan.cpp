@@ -75,6 +75,12 @@ std::shared_ptr<const InkProfile> ProfileOf(const DriverBundle &bundle, const st
         }));
 }
 
+ZELDriverInfo InfoOf(const DriverSession &session, Handle record) {
+    ZELDriverInfo info = {};
+    (void)ZEL_CALL(session.Bundle(), ZELPrGetInfo)(session.Context(), record, &info);
+    return info;
+}
+
 } // namespace
 
 PaperPlan FitPaper(const PrinterModel &printer, Record &record) {
@@ -94,16 +100,18 @@ PaperPlan FitPaper(const PrinterModel &printer, Record &record) {
     return plan;
 }
 
+PageSet PagesAskedFor(const DriverSession &session, const JobOptions &options, Handle record) {
+    // In the print dialog the user has confirmed a range, which -P has only filled in.
+    if (options.pageRange && !options.printDialog) return PageSet::Parse(*options.pageRange);
+    const ZELDriverInfo info = InfoOf(session, record);
+    return {info.firstPage, info.lastPage};
+}
+
 PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
                        const std::vector<SourceFile> &files, Handle record) {
-    ZELDriverInfo info = {};
-    (void)ZEL_CALL(session.Bundle(), ZELPrGetInfo)(session.Context(), record, &info);
-    // In the print dialog the user has confirmed a range, which -P has only filled in.
-    const PageSet range = options.pageRange && !options.printDialog
-                              ? PageSet::Parse(*options.pageRange)
-                              : PageSet(info.firstPage, info.lastPage);
+    const PageSet range = PagesAskedFor(session, options, record);
     PageChoice choice;
-    choice.copies = std::max<int>(1, info.copies);
+    choice.copies = std::max<int>(1, InfoOf(session, record).copies);
     choice.allowDamaged = options.allowDamaged;
     int number = 0;
     for (const SourceFile &file : files)

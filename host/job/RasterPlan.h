@@ -5,11 +5,16 @@
 #include "host/driver/PrinterModel.h"
 #include "host/job/JobOptions.h"
 #include "host/job/JobPlan.h"
+#include "host/job/PageSet.h"
 
 /// Makes the record one that the driver prints as it reads: a named page gets its true size, and
 /// the turn of an EPS page is taken off it (its bounding box would stay that of the unturned page).
 /// Throws HostError (Usage) when the printer cannot print it.
 [[nodiscard]] PaperPlan FitPaper(const PrinterModel &printer, Record &record);
+
+/// The range that the options or the record ask for.
+[[nodiscard]] PageSet PagesAskedFor(const DriverSession &session, const JobOptions &options,
+                                    Handle record);
 
 /// The pages in the range that the options or the record ask for. `files` must outlive the result.
 /// Throws HostError (Usage) when there are none.

@@ -1,10 +1,12 @@
 #include "host/job/RecordChoices.h"
 
 #include "host/driver/ProgramPath.h"
+#include "host/job/AutoMedia.h"
 #include "host/job/Dialogs.h"
 #include "host/job/JobTitle.h"
 #include "host/job/Media.h"
 #include "host/job/PageSet.h"
+#include "host/job/RasterPlan.h"
 #include "host/job/Replacement.h"
 #include "host/job/Settings.h"
 #include "host/separations/Separations.h"
@@ -59,8 +61,22 @@ void ApplyColours(const DriverBundle &bundle, const JobOptions &options,
         throw HostError(ExitStatus::Usage, "the name of the separation is longer than 255 bytes");
 }
 
+/// A page for what is printed; to be asked when everything else has been chosen.
+void ApplyAutoMedia(const DriverSession &session, const JobOptions &options,
+                    const std::vector<SourceFile> &files, const PrinterModel &printer,
+                    Handle handle) {
+    Record record(session.Bundle(), handle);
+    DocumentSize size = SizeOfDocument(files, PagesAskedFor(session, options, handle));
+    // No page is in the range, which is told when the pages are chosen.
+    if (size.width <= 0) return;
+    if (record.Rotated()) std::swap(size.width, size.height);
+    RecordPage page = NearestMedia(printer, size, record.EPS());
+    if (page.custom && record.Rotated()) std::swap(page.width, page.height);
+    record.SetPage(page);
+}
+
 void ApplyPage(const JobOptions &options, const PrinterModel &printer, Record &record) {
-    if (options.media) {
+    if (options.media && *options.media != kAutoMedia) {
         RecordPage page = ChooseMedia(printer, *options.media, record.EPS());
         // A record holds the page as it lies in front of the reader.
         if (page.custom && record.Rotated()) std::swap(page.width, page.height);
@@ -169,7 +185,9 @@ RecordChoices ChooseRecord(const DriverSession &session, const JobOptions &optio
     FillRecord(session, saved, handle);
     Record record(session.Bundle(), handle);
     if (!saved.record.empty()) CheckColourSpace(options.settings, record);
-    ApplyOptions(session.Bundle(), options, PrinterOf(session).model, record);
+    const PrinterModel printer = PrinterOf(session).model;
+    ApplyOptions(session.Bundle(), options, printer, record);
+    if (options.media == kAutoMedia) ApplyAutoMedia(session, options, files, printer, handle);
     std::optional<std::string> ppd = PPDOfJob(options);
     std::optional<bool> queue = options.queue ? options.queue : saved.queue;
     if (options.pageSetup) {

@@ -53,7 +53,7 @@ _zelprint() {
     done
     case $prev in
         --separation) _zelprint_offer < <("$zelprint" separations 2>/dev/null); return ;;
-        --media) _zelprint_offer < <(_zelprint_of_printer Page); return ;;
+        --media) _zelprint_offer < <(_zelprint_of_printer Page; echo auto); return ;;
         --resolution) _zelprint_offer < <(_zelprint_of_printer Resolution); return ;;
         --hot-folder | --bundle) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$cur"); return ;;
     esac

@@ -34,6 +34,6 @@ offers make-separation --intent rel -- relative
 offers --scale s -- shrink
 offers --separation "" -- Standard
 offers --hot-folder "ho" -- "hot folder"
-offers --ppd "my\\ printer.ppd" --media "" -- A4
+offers --ppd "my\\ printer.ppd" --media "" -- A4 auto
 offers --ppd "my\\ printer.ppd" --resolution 6 -- 600dpi
 exit $failed
