@@ -129,7 +129,7 @@ private:
         return static_cast<int>(std::lrint(ink / kMost * kSteps));
     }
     static size_t Index(int ink, int black) {
-        return static_cast<size_t>(ink * kLookPoints + black);
+        return static_cast<size_t>(ink) * kLookPoints + static_cast<size_t>(black);
     }
 
     const LightSpace &mLight;
