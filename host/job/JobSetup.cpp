@@ -32,8 +32,10 @@ JobPlan SetUpJob(const DriverSession &session, const JobOptions &options,
     const RecordChoices choices = ChooseRecord(session, options, files, handle);
     Record record(session.Bundle(), handle);
     PaperPlan paper = FitPaper(choices.printer, record);
+    std::shared_ptr<const InkProfile> inks = PrepareInks(session.Bundle(), options, record, files);
     PageChoice pages = ChoosePages(session, options, files, handle);
-    ColourPlan colours = PlanColours(session.Bundle(), options, record, pages.pages);
+    ColourPlan colours =
+        PlanColours(session.Bundle(), options, record, pages.pages, std::move(inks));
     colours.intent = static_cast<ColourIntent>(options.intent);
     RasterPlan raster = PlanRaster(record, colours.colourSpace);
     Destination destination = PlanDestination(session, options, choices, files[0], paper.eps);

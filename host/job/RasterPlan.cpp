@@ -75,6 +75,16 @@ std::shared_ptr<const InkProfile> ProfileOf(const DriverBundle &bundle, const st
         }));
 }
 
+/// What the record alone tells.
+ColourPlan BeginColours(const Record &record) {
+    ColourPlan plan;
+    plan.colourSpace = record.ColourSpace();
+    if (plan.colourSpace == kZELColourSpaceGray) plan.pixels = DocumentPixels::Darkness;
+    if (plan.colourSpace == kZELColourSpaceCMYK) plan.separation = record.Separation();
+    if (plan.separation == "Standard") plan.separation.clear();
+    return plan;
+}
+
 ZELDriverInfo InfoOf(const DriverSession &session, Handle record) {
     ZELDriverInfo info = {};
     (void)ZEL_CALL(session.Bundle(), ZELPrGetInfo)(session.Context(), record, &info);
@@ -124,18 +134,25 @@ PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
     return choice;
 }
 
+std::shared_ptr<const InkProfile> PrepareInks(const DriverBundle &bundle, const JobOptions &options,
+                                              const Record &record,
+                                              const std::vector<SourceFile> &files) {
+    const auto isDrawn = [](const SourceFile &file) { return file.Kind() == FileKind::PDF; };
+    ColourPlan plan = BeginColours(record);
+    if (plan.colourSpace == kZELColourSpaceCMYK && !options.separatePDF)
+        plan.pixels = DocumentPixels::CMYK;
+    if (!NeedsInkProfile(options, plan.pixels) || std::none_of(files.begin(), files.end(), isDrawn))
+        return nullptr;
+    return ProfileOf(bundle, plan.separation);
+}
+
 ColourPlan PlanColours(const DriverBundle &bundle, const JobOptions &options, const Record &record,
-                       const std::vector<PageReference> &pages) {
-    ColourPlan plan;
-    plan.colourSpace = record.ColourSpace();
-    if (plan.colourSpace == kZELColourSpaceGray) plan.pixels = DocumentPixels::Darkness;
-    if (plan.colourSpace == kZELColourSpaceCMYK) {
-        plan.separation = record.Separation();
-        if (plan.separation == "Standard") plan.separation.clear();
-        ChoosePixels(bundle, options, pages, plan);
-    }
+                       const std::vector<PageReference> &pages,
+                       std::shared_ptr<const InkProfile> prepared) {
+    ColourPlan plan = BeginColours(record);
+    if (plan.colourSpace == kZELColourSpaceCMYK) ChoosePixels(bundle, options, pages, plan);
     if (NeedsInkProfile(options, plan.pixels) && std::any_of(pages.begin(), pages.end(), IsDrawn))
-        plan.inks = ProfileOf(bundle, plan.separation);
+        plan.inks = prepared ? std::move(prepared) : ProfileOf(bundle, plan.separation);
     return plan;
 }
 

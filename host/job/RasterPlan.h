@@ -21,10 +21,18 @@
 [[nodiscard]] PageChoice ChoosePages(const DriverSession &session, const JobOptions &options,
                                      const std::vector<SourceFile> &files, Handle record);
 
+/// The way from light to ink for the pages of PDF files, as far as it can be told that it is needed
+/// before the pages are known: they are counted meanwhile. Null if not. Throws as PlanColours.
+[[nodiscard]] std::shared_ptr<const InkProfile> PrepareInks(const DriverBundle &bundle,
+                                                            const JobOptions &options,
+                                                            const Record &record,
+                                                            const std::vector<SourceFile> &files);
+
 /// The record's colours, and the pixels in which the driver gets the pages.
 /// Throws HostError when a separation that is needed for them cannot be loaded.
 [[nodiscard]] ColourPlan PlanColours(const DriverBundle &bundle, const JobOptions &options,
-                                     const Record &record, const std::vector<PageReference> &pages);
+                                     const Record &record, const std::vector<PageReference> &pages,
+                                     std::shared_ptr<const InkProfile> prepared);
 
 /// The page's pixels; the record's resolution is corrected to give exactly these. Throws HostError
 /// (Usage) when there is nothing to print on.

@@ -72,9 +72,10 @@ void ResetSignals() {
 }
 
 /// When nobody can write into this pipe any more, since zelprint has ended, this process gets
-/// SIGIO, which ends it: a page that never ends would never notice otherwise.
-bool EndWith(int pipe) {
-    return fcntl(pipe, F_SETOWN, getpid()) == 0 && fcntl(pipe, F_SETFL, O_ASYNC) == 0;
+/// SIGIO, which ends it: a page that never ends would never notice otherwise. Systems without that
+/// print all the same.
+void EndWith(int pipe) {
+    if (fcntl(pipe, F_SETOWN, getpid()) == 0) (void)fcntl(pipe, F_SETFL, O_ASYNC);
 }
 
 bool LimitMemory(uint64_t bytes) {
@@ -136,7 +137,9 @@ ChildProcess::ChildProcess(const ChildPlan &plan) {
         (void)setpgid(0, 0);
         ResetSignals();
         const int count = static_cast<int>(files.size());
-        if (TakeFiles(files.data(), count) && EndWith(count - 1) && LimitMemory(plan.memory))
+        const bool ready = TakeFiles(files.data(), count);
+        EndWith(count - 1);
+        if (ready && LimitMemory(plan.memory))
             (void)execve(plan.program.c_str(), arguments.data(), environment.data());
         _exit(kNotStarted);
     }
