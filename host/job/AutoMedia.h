@@ -5,7 +5,7 @@
 #include "host/driver/PrinterModel.h"
 #include "host/driver/Record.h"
 #include "host/job/PageSet.h"
-#include "host/readers/SourceFile.h"
+#include "host/job/SourceFile.h"
 #include <vector>
 
 /// What --media is given for it.
