@@ -27,7 +27,7 @@ bool IsNearly(double size, int pixels) {
 /// One direction: `start` and `size` of all of the image become those of what is on the page;
 /// returns what is before it.
 int CropToPage(int page, int &start, int &size) {
-    const int before = std::max(0, -start);
+    const int before = std::clamp(-start, 0, std::max(0, size - 1));
     start = std::max(0, start);
     size = std::clamp(size - before, 1, std::max(1, page - start));
     start = std::min(start, page - 1);
@@ -38,7 +38,9 @@ int CropToPage(int page, int &start, int &size) {
 /// `whole` ones. It stays on the page if it fits.
 int FirstPixel(double start, double size, int whole, int page) {
     constexpr double kRoundingError = 0.01;
-    const int first = static_cast<int>(std::floor(start + (size - whole) / 2 + kRoundingError));
+    // What is enlarged beyond measure begins far away, in the middle of nowhere.
+    const double exact = std::floor(start + (size - whole) / 2 + kRoundingError);
+    const int first = static_cast<int>(std::clamp(exact, -kMostPixels, kMostPixels));
     return whole <= page && start > -kOverhang ? std::clamp(first, 0, page - whole) : first;
 }
 

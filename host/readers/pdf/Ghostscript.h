@@ -44,6 +44,7 @@ public:
     /// Whether nothing more can come.
     [[nodiscard]] bool HasEnded() const { return mOutputEnded && mMessagesEnded; }
     [[nodiscard]] bool OutputHasEnded() const { return mOutputEnded; }
+    [[nodiscard]] bool MessagesHaveEnded() const { return mMessagesEnded; }
     /// See ChildProcess.
     [[nodiscard]] std::string Wait() const { return mProcess->Wait(); }
     /// Hears one that draws nothing and needs no input to its end, which comes after `longest` at

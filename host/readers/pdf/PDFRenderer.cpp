@@ -231,7 +231,8 @@ bool PDFRenderer::ReadRows(const PageRows::MakeRoom &room, const std::atomic<boo
 void PDFRenderer::WaitForEnd(const std::atomic<bool> &stopped) {
     while (!mDrawn && !stopped) {
         (void)mGhostscript.Read(nullptr, 0);
-        if (mGhostscript.HasEnded() && !mDrawn) ThrowEnded();
+        // Whether its rows have ended as well is not known: nobody reads them here.
+        if (mGhostscript.MessagesHaveEnded() && !mDrawn) ThrowEnded();
     }
 }
 

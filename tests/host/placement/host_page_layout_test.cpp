@@ -114,6 +114,27 @@ TEST(PlaceImage, AlwaysWithinPageAndImage) {
             }
 }
 
+TEST(PlaceImage, EnlargedBeyondMeasure_ShowsSomeOfTheImage) {
+    PlacementWishes wishes;
+    wishes.rule = ScaleRule::Percent;
+    wishes.autoRotate = false;
+    for (const Alignment alignment : {Alignment::Start, Alignment::Middle, Alignment::End}) {
+        wishes.across = wishes.down = alignment;
+        for (const double percent : {1e4, 1e6, 1e9}) {
+            wishes.percent = percent;
+            const ImageSize image = {1000000, 1000000, 1, 1};
+            const Placement place =
+                LayOut(kPage, image, PlacePage(AreaOf(kPage, {}), PageOfImage(image), wishes));
+            EXPECT_GE(place.cropLeft, 0);
+            EXPECT_GE(place.cropTop, 0);
+            EXPECT_GT(place.width, 0);
+            EXPECT_LE(place.left + place.width, kPage.width);
+            EXPECT_LE(place.cropLeft + place.width, place.scaledWidth) << percent;
+            EXPECT_LE(place.cropTop + place.height, place.scaledHeight) << percent;
+        }
+    }
+}
+
 TEST(AvoidShortGroup, EveryRemainder_ChangesOneSideByOnePixel) {
     for (const int components : {1, 3, 4})
         for (int width = 3; width < 40; ++width)

@@ -1,5 +1,6 @@
 """Damaged, encrypted and hostile PDF files, and names that are not what they look like."""
 import os
+import shutil
 import signal
 import subprocess
 import time
@@ -141,6 +142,24 @@ class Damage(PrintingTest):
         path = self.save('huge.pdf', pdf.bytes())
         result = self.zelprint('--resolution', '72dpi', '-o', self.path('out.ps'), path)
         self.assertIn(result.returncode, (0, 1), result.stderr)  # an image with too few data is drawn as far as it goes
+
+
+class Renderer(PrintingTest):
+    def test_ThatEndsAfterTheLastRow_HasNotDrawnThePage(self):
+        # All samples of the page, and then no word of its being whole.
+        program = self.save('gs', b"""#!/bin/sh
+case "$*" in *-sDEVICE=pgmraw*) ;; *) exec %s "$@" ;; esac
+for word; do case $word in -g[0-9]*) size=${word#-g} ;; esac; done
+width=${size%%x*} height=${size#*x}
+printf 'P5\n%%s %%s\n255\n' "$width" "$height"
+head -c $((width * height)) /dev/zero
+echo 'out of memory' >&2
+""" % shutil.which('gs').encode())
+        os.chmod(program, 0o755)
+        path = self.save('page.pdf', pdfwriter.text_pages(1).bytes())
+        environment = dict(os.environ, PATH=self.folder + ':' + os.environ['PATH'])
+        said = self.refused('--resolution', '72dpi', '--colour-space', 'gray', path, env=environment)
+        self.assertIn('page.pdf: page 1 cannot be drawn whole (out of memory)', said)
 
 
 class Encryption(PrintingTest):

@@ -41,11 +41,11 @@ class PrintingTest(unittest.TestCase):
         with open(out, 'rb') as file:
             return list(read_images(file))
 
-    def refused(self, *arguments):
+    def refused(self, *arguments, **more):
         """What zelprint says when it fails with status 1 and leaves nothing."""
         folder = self.path('hot')
         os.makedirs(folder, exist_ok=True)
-        result = self.zelprint('--hot-folder', folder, *arguments)
+        result = self.zelprint('--hot-folder', folder, *arguments, **more)
         self.assertEqual(result.returncode, 1, result.stderr)
         self.assertEqual(os.listdir(folder), [])
         self.assertEqual([name for name in os.listdir(self.folder) if name.startswith('.zelprint')], [])
