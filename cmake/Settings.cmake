@@ -20,18 +20,35 @@ if(ZEL_WERROR)
   add_compile_options(-Werror)
 endif()
 
+if(ZEL_SANITIZE)
+  # What reports need, and quicker to build than the build type's own.
+  add_compile_options(-O1 -gline-tables-only -fno-omit-frame-pointer)
+endif()
 if(ZEL_SANITIZE STREQUAL "address")
-  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=address,undefined)
   if(ZEL_FUZZ)
     # What is fuzzed reports its coverage to the fuzzer; elsewhere the sanitizer's runtime ignores it.
     add_compile_options(-fsanitize=fuzzer-no-link)
   endif()
 elseif(ZEL_SANITIZE STREQUAL "thread")
-  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+  add_compile_options(-fsanitize=thread)
   add_link_options(-fsanitize=thread)
+  if(NOT APPLE)
+    # The runtime lies in the program, and what instrumented libraries that are loaded later call of it (for
+    # -dealloc of Objective-C) has to be found there, also when the program itself does without.
+    add_link_options(LINKER:--export-dynamic-symbol=__tsan_ignore_thread_begin
+                     LINKER:--export-dynamic-symbol=__tsan_ignore_thread_end)
+  endif()
 elseif(ZEL_SANITIZE)
   message(FATAL_ERROR "ZEL_SANITIZE is 'address', 'thread' or empty, not '${ZEL_SANITIZE}'")
+endif()
+
+if(ZEL_COVERAGE)
+  # Every process adds its counts to a file for each program and library, wherever it runs and whatever
+  # environment it has been left with; see scripts/coverage.sh.
+  add_compile_options("-fprofile-instr-generate=${PROJECT_BINARY_DIR}/counts/%2m.profraw" -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
 endif()
 
 if(ZEL_LINT)

@@ -15,6 +15,9 @@ need_writable() {
 }
 need_build_folder() { need_writable "$PWD/$1" "copy the project to a folder where you may write"; }
 
+# took: the time since SECONDS was set to 0.
+took() { printf '%d min %02d s' $((SECONDS / 60)) $((SECONDS % 60)); }
+
 # report_progress DONE ALL WHAT: how far a long stage is. On a terminal one line that is written over; elsewhere
 # one line for each tenth of the way.
 declare -A reported=()

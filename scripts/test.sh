@@ -8,7 +8,13 @@ preset=${1:-ci}
 need_build_folder build
 scripts/install-packages.sh build test
 ctest --list-presets | grep -qF "\"$preset\"" || fail "there are no tests in the preset '$preset', but in these: $(ctest --list-presets | grep -oE '"[^"]+"' | tr -d '"\n' ' ')"
+SECONDS=0
 if [ "$preset" = ci ]; then scripts/check-format.sh; fi
 scripts/build.sh "$preset"
+echo "== Built ($preset) in $(took)"
+SECONDS=0
 echo "== Testing"
-exec ctest --preset "$preset" --parallel "$(nproc)" "$@"
+status=0
+ctest --preset "$preset" --parallel "$(nproc)" "$@" || status=$?
+echo "== Tested ($preset) in $(took)"
+exit "$status"

@@ -56,6 +56,14 @@ extern "C" __attribute__((visibility("default"))) int fsync(int fd) {
     return -1;
 }
 
+/// Defaults as GNUstep's own classes make them. They stay: those that go leave the path of their
+/// file behind.
+static NSUserDefaults *MakeDefaults() {
+    static NSMutableArray *all = [[NSMutableArray alloc] init];
+    [all addObject:[[[NSUserDefaults alloc] init] autorelease]];
+    return [all lastObject];
+}
+
 /// A lock that nobody has at the start, and preferences with one value.
 class PreferencesLock : public testing::Test {
   protected:
@@ -163,7 +171,7 @@ TEST_F(PreferencesLock, ThatCannotBeMadeDoesNotKeepGNUstepsOwnClassesWaiting) {
     gLockError = ENOSPC;
     gLocksTried = 0;
     @autoreleasepool {
-        NSUserDefaults *defaults = [[[NSUserDefaults alloc] init] autorelease];
+        NSUserDefaults *defaults = MakeDefaults();
         (void)[defaults synchronize];
     }
     EXPECT_LE(gLocksTried, 2);
@@ -171,7 +179,7 @@ TEST_F(PreferencesLock, ThatCannotBeMadeDoesNotKeepGNUstepsOwnClassesWaiting) {
 
 TEST_F(PreferencesLock, IsKeptByGNUstepsOwnClassesAsWell) {
     @autoreleasepool {
-        NSUserDefaults *defaults = [[[NSUserDefaults alloc] init] autorelease];
+        NSUserDefaults *defaults = MakeDefaults();
         gLocksTried = 0;
         [defaults setPersistentDomain:[NSDictionary dictionaryWithObject:@"theirs" forKey:@"key"]
                               forName:@"com.zel.test.theirs"];

@@ -9,8 +9,15 @@
 /// Hands out one PPD file after the other, as list_ppds.py writes them.
 class Corpus {
 public:
-    explicit Corpus(const std::string &script)
-        : mPipe(popen(("python3 " + Quoted(script)).c_str(), "r")) {}
+    /// At most `ofEachKind` files of a kind, or all of them when it is 0.
+    Corpus(const std::string &script, int ofEachKind)
+        : mLeastFiles(ofEachKind > 0 ? kLeastOfKinds : kLeastOfAll),
+          mPipe(popen(("python3 " + Quoted(script) + " " + std::to_string(ofEachKind)).c_str(),
+                      "r")) {
+        if (ofEachKind > 0)
+            std::printf("Not all files, but %d of each kind, as they take too long here\n",
+                        ofEachKind);
+    }
     ~Corpus() { Close(); }
     Corpus(const Corpus &) = delete;
     Corpus &operator=(const Corpus &) = delete;
@@ -35,6 +42,12 @@ public:
         return status;
     }
 
+    /// With fewer files something is not installed.
+    [[nodiscard]] size_t LeastFiles() const { return mLeastFiles; }
+
 private:
+    static constexpr size_t kLeastOfAll = 5000, kLeastOfKinds = 100;
+
+    size_t mLeastFiles;
     std::FILE *mPipe;
 };
