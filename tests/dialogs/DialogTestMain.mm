@@ -1,8 +1,8 @@
+#include "tests/dialogs/EndOfProcess.h"
+
 #import <AppKit/AppKit.h>
 
-#include <cstdio>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #if __has_feature(address_sanitizer)
 #include <objc/runtime.h>
@@ -37,7 +37,5 @@ int main(int argc, char **argv) {
         result = RUN_ALL_TESTS();
     }
     if (HaveLeaks()) result = 1;
-    // AppKit's objects outlive main, and nothing orders its exit handlers after the tests' own.
-    std::fflush(nullptr);
-    _exit(result);
+    EndProcess(result);
 }

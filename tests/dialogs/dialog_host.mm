@@ -6,6 +6,7 @@
 #include "ZELPrint.h"
 #include "dialogs/JobDialog.h"
 #include "support/CFRef.h"
+#include "tests/dialogs/EndOfProcess.h"
 #include "tests/dialogs/TestBundle.h"
 
 #import <Foundation/Foundation.h>
@@ -75,7 +76,6 @@ int main(int argc, char **argv) {
         FILE *file = fopen(Environment("ZEL_RESULT"), "w");
         fprintf(file, "%s", result.c_str());
         fclose(file);
-        fflush(nullptr);
-        _exit(0);
+        EndProcess(0);
     }
 }

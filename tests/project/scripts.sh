@@ -50,13 +50,17 @@ run scripts/try.sh file
 refused "try.sh: no files can be made in the folder .*/file; .*"
 run scripts/try.sh --help
 refused "try.sh: usage: .*"
+for minutes in 0 soon -1 "1 2" --programs=1; do
+    run scripts/fuzz.sh $minutes
+    refused "fuzz.sh: usage: .*"
+done
 
 # A tree in which nothing can be made.
 rm -rf build
 touch build
-for script in "try.sh" "test.sh" "build.sh release"; do
+for script in "try.sh" "test.sh" "build.sh release" "coverage.sh" "fuzz.sh" "fuzz.sh --programs"; do
     run scripts/$script
-    refused "${script% *}: no files can be made in the folder $tree/build; copy .*"
+    refused "${script%% *}: no files can be made in the folder $tree/build; copy .*"
 done
 rm build
 
@@ -118,3 +122,25 @@ END
 run scripts/test.sh release
 [ "$status" -eq 1 ] || fail "test.sh release ends with $status"
 expect "test.sh: there are no tests in the preset 'release', .*"
+
+# What is tested is summed up by folder, and too little of it is a failure.
+covered() { # LINES BRANCHES: in percent
+    cat <<END
+{"data": [{"files": [
+    {"filename": "$tree/a/b.cpp", "summary": {"lines": {"count": 100, "covered": $1},
+        "branches": {"count": 100, "covered": $2}}},
+    {"filename": "$tree/c/d.cpp", "summary": {"lines": {"count": 0, "covered": 0},
+        "branches": {"count": 0, "covered": 0}}}]}]}
+END
+}
+table() { covered "$1" "$2" | python3 -B scripts/coverage-table.py "$tree" 95 85 list; }
+run table 95 85
+[ "$status" -eq 0 ] || fail "enough coverage ends with $status"
+expect 'a/ *95.0 % *100 *85.0 % *100'
+expect 'all that is shipped *95.0 % *100 *85.0 % *100'
+grep -q '^a/b.cpp ' list || fail "the list has no a/b.cpp"
+run table 94 85
+[ "$status" -eq 1 ] || fail "too few lines end with $status"
+expect 'coverage: 94.0 % of the lines are tested; at least 95 % have to be'
+run table 95 84
+[ "$status" -eq 1 ] || fail "too few branches end with $status"
