@@ -1,41 +1,13 @@
 // Bytes as a separation profile. What loads must separate every corner of the colours, by the
 // plain and by the fast form alike.
+#include "colour/EightColourLUT.h"
 #include "colour/EightColourSeparation.h"
-#include "support/CFRef.h"
+#include "fuzz/MemoryFile.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace {
-
-/// A file in memory that the loader opens by its path like any other.
-class MemoryFile {
-public:
-    MemoryFile() : mDescriptor(memfd_create("profile", MFD_CLOEXEC)) {
-        const std::string path = "/proc/self/fd/" + std::to_string(mDescriptor);
-        mURL = CFRef(CFURLCreateFromFileSystemRepresentation(
-            kCFAllocatorDefault, reinterpret_cast<const UInt8 *>(path.data()),
-            static_cast<CFIndex>(path.size()), false));
-    }
-    MemoryFile(const MemoryFile &) = delete;
-    MemoryFile &operator=(const MemoryFile &) = delete;
-    ~MemoryFile() { close(mDescriptor); }
-
-    void Hold(const uint8_t *data, size_t size) {
-        if (ftruncate(mDescriptor, 0) != 0 || lseek(mDescriptor, 0, SEEK_SET) != 0 ||
-            write(mDescriptor, data, size) != static_cast<ssize_t>(size))
-            std::abort();
-    }
-    CFURLRef URL() const { return mURL.Get(); }
-
-private:
-    int mDescriptor;
-    CFRef<CFURLRef> mURL;
-};
 
 void Separate(const EightColourLUT &table) {
     constexpr int64_t kColours = 9 * 9 * 9;
@@ -56,8 +28,9 @@ void Separate(const EightColourLUT &table) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     static MemoryFile file;
+    static const CFRef<CFURLRef> url = file.URL();
     file.Hold(data, size);
-    EightColourLUT *table = LoadEightColourLUT(file.URL());
+    EightColourLUT *table = LoadEightColourLUT(url.Get());
     if (table) Separate(*table);
     ReleaseEightColourLUT(table);
     return 0;

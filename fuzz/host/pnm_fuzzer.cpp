@@ -1,13 +1,11 @@
 // Any bytes as a PNM file: it is refused, or has all its samples. A raw file that is whole, and not
 // one byte longer, is cut by a byte and must then be refused.
+#include "fuzz/MemoryFile.h"
 #include "host/readers/PNMCheck.h"
 #include "host/readers/PNMHeader.h"
 #include "host/terminal/ExitStatus.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
-#include <unistd.h>
 
 namespace {
 
@@ -30,16 +28,17 @@ int64_t ImageBytes(const std::string &path) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    const std::unique_ptr<FILE, int (*)(FILE *)> file(tmpfile(), fclose);
-    if (!file || (size > 0 && fwrite(data, size, 1, file.get()) != 1) || fflush(file.get()) != 0)
-        return 0;
-    const std::string path = "/dev/fd/" + std::to_string(fileno(file.get()));
+    static MemoryFile file;
+    file.Hold(data, size);
+    const std::string &path = file.Path();
     const bool second = HasSecondPNMImage(path);
     if (!IsWhole(path)) return 0;
     const int64_t bytes = ImageBytes(path);
     if (bytes > static_cast<int64_t>(size)) std::abort();
     if (second && bytes + 3 > static_cast<int64_t>(size)) std::abort();
     const bool plain = data[1] <= '3';
-    if (!plain && (ftruncate(fileno(file.get()), bytes - 1) != 0 || IsWhole(path))) std::abort();
+    if (plain) return 0;
+    file.Cut(static_cast<size_t>(bytes - 1));
+    if (IsWhole(path)) std::abort();
     return 0;
 }

@@ -1,12 +1,10 @@
 // The PPD reader and the printer model on any bytes: no crash, no hang, and a model that holds
 // together.
+#include "fuzz/MemoryFile.h"
 #include "ppd/MiniParser.h"
 #include "ppd/ParserError.h"
 #include "ppd/PostscriptPrinterInfo.h"
 #include "ppd/PrinterInfoDictionary.h"
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdint>
@@ -23,28 +21,6 @@ constexpr const char *kKeywords[] = {"*PageSize",        "*ImageableArea",      
 void Require(bool condition) {
     if (!condition) std::abort();
 }
-
-/// A file in memory that a path leads to.
-class MemoryFile {
-public:
-    MemoryFile() : mDescriptor(memfd_create("fuzz.ppd", MFD_CLOEXEC)) {
-        Require(mDescriptor >= 0);
-        const std::string path = "/proc/self/fd/" + std::to_string(mDescriptor);
-        mURL = CFRef<CFURLRef>(CFURLCreateFromFileSystemRepresentation(
-            nullptr, reinterpret_cast<const UInt8 *>(path.data()),
-            static_cast<CFIndex>(path.size()), false));
-    }
-    void Set(const std::string &content) {
-        Require(ftruncate(mDescriptor, 0) == 0);
-        const auto size = static_cast<ssize_t>(content.size());
-        Require(pwrite(mDescriptor, content.data(), content.size(), 0) == size);
-    }
-    CFURLRef URL() const { return mURL.Get(); }
-
-private:
-    int mDescriptor;
-    CFRef<CFURLRef> mURL;
-};
 
 void CheckQueries(PPD::MiniParser &parser) {
     for (const char *keyword : kKeywords) {
@@ -98,14 +74,15 @@ void CheckModel(const PostscriptPrinterInfo &info, PPD::MiniParser &parser) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     static MemoryFile file;
+    static const CFRef<CFURLRef> url = file.URL();
     std::string content(reinterpret_cast<const char *>(data), size);
     // Most inputs should get past the first line; those that begin like one are taken as they are.
     if (content.rfind("*PPD", 0) != 0) content.insert(0, kSignature);
-    file.Set(content);
+    file.Hold(content.data(), content.size());
     try {
-        PPD::MiniParser parser(file.URL());
+        PPD::MiniParser parser(url.Get());
         CheckQueries(parser);
-        CheckModel(PostscriptPrinterInfo(file.URL()), parser);
+        CheckModel(PostscriptPrinterInfo(url.Get()), parser);
     } catch (const PPD::ParserError &error) {
         Require(!error.ErrorMessage().empty());
     }
