@@ -1,5 +1,6 @@
 // How far the driver's table is from the ICC transform that it was made from: docs/separations.md
 // gives the numbers that this prints, and the pictures that it leaves.
+#include "colour/EightColourSeparation.h"
 #include "tests/colour/Image.h"
 #include "tests/colour/SeparationFile.h"
 
