@@ -84,14 +84,14 @@ public:
         DocumentChoices();
         Line("*DefaultFont: Courier");
         Line("*Font Courier: Standard \"(001.000)\" Standard ROM");
-        return mText + mGerman;
+        return mText + mTranslations;
     }
 
 private:
     const ordered_json &mPrinter;
     const QueuePPDOptions &mOptions;
     std::vector<ordered_json> mPages, mResolutions;
-    std::string mText, mGerman;
+    std::string mText, mTranslations;
 
     static std::vector<ordered_json> Usable(const ordered_json &list) {
         std::vector<ordered_json> usable;
@@ -108,8 +108,10 @@ private:
         if (value.find_first_of("\r\n") != std::string::npos) Line("*End");
     }
 
-    void Translate(const std::string &what, const std::string &german) {
-        mGerman += "*de." + what + "/" + Translation(german) + ": \"\"\n";
+    /// English is a translation too: only there may a name hold more than ASCII.
+    void Translate(const std::string &what, const std::string &english, const std::string &german) {
+        mTranslations.append("*en.").append(what) += "/" + Translation(english) + ": \"\"\n";
+        mTranslations.append("*de.").append(what) += "/" + Translation(german) + ": \"\"\n";
     }
 
     [[nodiscard]] bool IsColour() const { return mPrinter["colour"].get<bool>(); }
@@ -128,7 +130,7 @@ private:
             "*% Made by zelprint from the printer's own file; make it anew instead of editing it.");
         for (const char *line :
              {"*FormatVersion: \"4.3\"", "*FileVersion: \"1.0\"", "*LanguageVersion: English",
-              "*LanguageEncoding: ISOLatin1", "*cupsLanguages: \"de\"",
+              "*LanguageEncoding: ISOLatin1", "*cupsLanguages: \"de en\"",
               "*PCFileName: \"ZELQUEUE.PPD\"", "*Manufacturer: \"ZEL\"",
               "*Product: \"(PostScript)\"", "*PSVersion: \"(3010.000) 0\""})
             Line(line);
@@ -163,7 +165,7 @@ private:
         Line("*OpenUI *" + keyword + "/" + english + ": PickOne");
         Line("*OrderDependency: " + std::to_string(order) + " AnySetup *" + keyword);
         Line("*Default" + keyword + ": " + chosen);
-        mGerman += "*de.Translation " + keyword + "/" + german + ": \"\"\n";
+        Translate("Translation " + keyword, english, german);
     }
 
     /// The printer's choices of `keyword`, with its code.
@@ -173,7 +175,8 @@ private:
             const std::string shown = item["ui_name"];
             std::string choice = keyword;
             choice.append(" ").append(name);
-            Translate(choice, shown.empty() ? name : shown);
+            const std::string title = shown.empty() ? name : shown;
+            Translate(choice, title, title);
             choice.insert(0, "*").append("/").append(ASCIITranslation(shown, name));
             Value(choice, item["postscript"]);
         }
@@ -240,7 +243,7 @@ private:
             Value("*" + keyword + " " + choice.key + "/" +
                       ASCIITranslation(choice.english, choice.key),
                   "");
-            Translate(keyword + " " + choice.key, choice.german);
+            Translate(keyword + " " + choice.key, choice.english, choice.german);
         }
         Line("*CloseUI: *" + keyword);
     }
@@ -248,7 +251,7 @@ private:
     void DocumentChoices() {
         using namespace queue_option;
         Line("*OpenGroup: ZEL/Document");
-        mGerman += "*de.Translation ZEL/Dokument: \"\"\n";
+        Translate("Translation ZEL", "Document", "Dokument");
         std::vector<Choice> spaces = {
             {"CMYK", "CMYK", "CMYK"}, {"RGB", "RGB", "RGB"}, {"Gray", "Gray", "Graustufen"}};
         if (!IsColour()) std::rotate(spaces.begin(), spaces.end() - 1, spaces.end());

@@ -41,28 +41,39 @@ def widgets(parent):
             yield from widgets(child)
 
 
+def shown(row):
+    """The texts of a row of a list or menu."""
+    for value in row:
+        if isinstance(value, str):
+            yield value
+        elif isinstance(value, Gtk.PageSetup):
+            yield value.get_paper_size().get_display_name()
+
+
 def rows(tree):
-    """The texts of a list, with the middle of each row in the list's window."""
-    model = tree.get_model()
-    for row in model:
+    """The texts of a list, with the middle of each row."""
+    for row in tree.get_model():
         area = tree.get_cell_area(row.path, tree.get_column(0))
         x, y = tree.convert_bin_window_to_widget_coords(area.x + 20, area.y + area.height // 2)
-        for value in row:
-            if isinstance(value, str) and area.height > 0:
-                yield value, x, y
+        for text in shown(row):
+            if area.height > 0:
+                yield text, x, y
 
 
 def texts(widget):
+    middle = widget.get_allocated_width() // 2, widget.get_allocated_height() // 2
     if isinstance(widget, Gtk.TreeView):
         yield from rows(widget)
-        return
-    middle = widget.get_allocated_width() // 2, widget.get_allocated_height() // 2
-    if isinstance(widget, Gtk.Label):
+    elif isinstance(widget, Gtk.Label):
         yield widget.get_text(), *middle
     elif isinstance(widget, Gtk.ComboBox) and widget.get_active_iter():
-        column = max(widget.get_entry_text_column(), 0)
-        value = widget.get_model()[widget.get_active_iter()][column]
-        yield f"chosen: {value}", *middle
+        for text in shown(widget.get_model()[widget.get_active_iter()]):
+            yield f"chosen: {text}", *middle
+    elif isinstance(widget, Gtk.MenuItem) and isinstance(widget.get_child(), Gtk.CellView):
+        view = widget.get_child()
+        if view.get_displayed_row():
+            for text in shown(view.get_model()[view.get_displayed_row()]):
+                yield text, *middle
 
 
 def places():
@@ -89,6 +100,7 @@ def tell(path):
 operation = Gtk.PrintOperation()
 operation.set_n_pages(2)
 operation.set_use_full_page(True)
+operation.set_embed_page_setup(True)
 operation.set_unit(Gtk.Unit.POINTS)
 operation.set_job_name("from a GTK program")
 operation.connect("draw-page", draw)

@@ -23,6 +23,11 @@ check "a queue with a separation is made" queue news news --separation "Zeitung 
 check "a missing folder is refused" sh -c '! "$0" queue gone --ppd "$1" --hot-folder "$2/gone" 2>/dev/null' "$zelprint" "$work/press.ppd" "$work"
 "$zelprint" queue x --ppd "$work/press.ppd" --print-ppd >"$work/queue.ppd"
 check "the queue's PPD file is clean" cupstestppd -q -W none "$work/queue.ppd"
+"$zelprint" queue x --ppd "$work/press.ppd" --separation "Zeitung äöü" --print-ppd >"$work/named.ppd"
+check "names beyond ASCII are clean too" cupstestppd -q -W none "$work/named.ppd"
+for language in de en; do
+    check "a separation has its whole name: $language" says "$work/named.ppd" "^[*]$language[.]zelSeparation S1/Zeitung äöü: "
+done
 check "its printer is the same" python3 - "$zelprint" "$work/press.ppd" "$work/queue.ppd" <<'PYTHON'
 import json, subprocess, sys
 def model(path):

@@ -124,13 +124,14 @@ edges = (columns[0], w - 1 - columns[-1], rows[0], h - 1 - rows[-1])
 sys.exit(any(abs(edge - 34) > 1 for edge in edges))
 PYTHON
 }
-plates_are() { # FILE C M Y K: the inks of the first page's patch, within 2 of 255
+plates_are() { # FILE C M Y K: the inks of the first page's patch, within INK_TOLERANCE (2) of 255
     gs -q -dSAFER -dBATCH -dNOPAUSE -dLastPage=1 -sDEVICE=pamcmyk32 -r72 -sOutputFile="$work/page.pam" "$1" </dev/null
     python3 - "$work/page.pam" "${@:2}" <<'PYTHON'
-import re, sys
+import os, re, sys
 data = open(sys.argv[1], "rb").read()
+tolerance = int(os.environ.get("INK_TOLERANCE", 2))
 at = data.index(b"ENDHDR\n") + 7 + (692 * int(re.search(rb"WIDTH (\d+)", data)[1]) + 150) * 4
-sys.exit(any(abs(ink - int(wanted)) > 2 for ink, wanted in zip(data[at:at + 4], sys.argv[2:])))
+sys.exit(any(abs(ink - int(wanted)) > tolerance for ink, wanted in zip(data[at:at + 4], sys.argv[2:])))
 PYTHON
 }
 
