@@ -44,7 +44,11 @@ void PlatformKeepFreedMemory(int bytes);
 /// Returns its exit status, or 1 when it could not be started or was ended by a signal.
 int PlatformRunTask(const char *program, const char *const *arguments, int count);
 
-/// Is there a window system? Asked once.
+/// Whether this process opens windows and looks at the keyboard; it does unless told otherwise.
+/// Any thread.
+void PlatformUseWindows(bool use);
+
+/// Is there a window system, and may it be used? The system is asked once.
 bool PlatformHasWindowServer();
 
 /// The user's Application Support folder; it need not exist. Empty when it cannot be told.

@@ -138,6 +138,10 @@ Boolean ZELPrCanShowDialogs() {
     return PlatformHasWindowServer();
 }
 
+void ZELPrUseWindows(Boolean use) {
+    PlatformUseWindows(use);
+}
+
 int32_t ZELPrMoveWithoutReplacing(const char *from, const char *to) {
     return PlatformMoveWithoutReplacing(from, to);
 }

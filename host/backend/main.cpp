@@ -91,7 +91,6 @@ void IsolatePreferences(const JobFolder &job) {
 void PrepareEnvironment(const JobFolder &job) {
     setenv("LC_ALL", "C.UTF-8", 1); // the scheduler names a locale that no system has
     setenv("HOME", job.Path().c_str(), 1);
-    unsetenv("DISPLAY");
     IsolatePreferences(job);
     // The scheduler allows files for their owner only: who may see the documents is for the folder
     // to say. Not before: GNUstep refuses a configuration that others may write.

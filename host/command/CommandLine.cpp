@@ -229,9 +229,6 @@ int RunCommandLine(int argc, char **argv,
     try {
         app.parse(argc, argv);
         CheckArguments(argc, argv);
-        // A command answers in its terminal: without a display the driver's messages are lines
-        // there, and no alert waits for a click.
-        if (!options.pageSetup && !options.printDialog) (void)unsetenv("DISPLAY");
         return static_cast<int>(action());
     } catch (const CLI::Success &wish) {
         return ShowHelp(app, wish, asJSON);

@@ -49,6 +49,7 @@ DriverBundle::DriverBundle(const std::string &option) : mPath(FindBundle(option)
     if (!mFunctions.name) ThrowMissing(#name);
     ZEL_HOST_FUNCTIONS(ZEL_HOST_LOAD)
 #undef ZEL_HOST_LOAD
+    mFunctions.ZELPrUseWindows(false);
 }
 
 void DriverBundle::KeepFreedMemory(int bytes) const {

@@ -51,6 +51,7 @@
     X(ZELPrUsersColourSpace)                                                                       \
     X(ZELPrSaveDefaults)                                                                           \
     X(ZELPrCanShowDialogs)                                                                         \
+    X(ZELPrUseWindows)                                                                             \
     X(ZELPrMoveWithoutReplacing)                                                                   \
     X(ZELPrInheritRights)                                                                          \
     X(ZELPrHandToPrintQueue)                                                                       \
@@ -69,7 +70,8 @@ struct DriverFunctions {
 /// beside the program or where an installation puts it. Throws HostError when there is none.
 [[nodiscard]] std::string FindBundle(const std::string &option);
 
-/// A loaded bundle. Bundles are never unloaded.
+/// A loaded bundle. Bundles are never unloaded. A command answers in its terminal: the driver's
+/// messages are lines there, and no alert waits for a click, until a WindowSystem is made.
 class DriverBundle {
 public:
     /// Loads the bundle that `option` names (see FindBundle). Throws HostError, also when the

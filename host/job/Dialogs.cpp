@@ -72,6 +72,7 @@ private:
 } // namespace
 
 WindowSystem::WindowSystem(const DriverBundle &bundle) {
+    ZEL_CALL(bundle, ZELPrUseWindows)(true);
     if (!ZEL_CALL(bundle, ZELPrCanShowDialogs)())
         throw HostError(ExitStatus::Usage,
                         "there is no window system for a dialog; choose with options instead");

@@ -1,4 +1,4 @@
-// Numbers as the user's locale writes them, and the user's folders.
+// Numbers as the user's locale writes them.
 #import <Foundation/Foundation.h>
 #include <algorithm>
 #include <platform/Platform.h>
@@ -60,16 +60,5 @@ bool PlatformScanNumber(const std::string &text, double &value) {
     @autoreleasepool {
         NSString *string = [NSString stringWithUTF8String:text.c_str()];
         return string != nil && Scan(WithPoint(string), value);
-    }
-}
-
-std::string PlatformApplicationSupportFolder() {
-    @autoreleasepool {
-        NSURL *url = [[NSFileManager defaultManager] URLForDirectory:NSApplicationSupportDirectory
-                                                            inDomain:NSUserDomainMask
-                                                   appropriateForURL:nil
-                                                              create:NO
-                                                               error:NULL];
-        return Text([url path]);
     }
 }

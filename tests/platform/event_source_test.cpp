@@ -2,6 +2,7 @@
 #include <ApplicationServices/ApplicationServices.h>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <platform/Platform.h>
 #include <string>
 #include <vector>
 
@@ -75,4 +76,15 @@ TEST(EventSource, KeysHeldTogetherAreAllTold) {
     const HeldKey option("Alt_L");
     const HeldKey shift("Shift_L");
     EXPECT_EQ(Flags(), CGEventFlags(kCGEventFlagMaskAlternate) | kCGEventFlagMaskShift);
+}
+
+TEST(EventSource, WithoutWindowsItIsAsWithoutADisplay) {
+    const bool has = PlatformHasWindowServer();
+    EXPECT_EQ(has, HasDisplay());
+    PlatformUseWindows(false);
+    EXPECT_FALSE(PlatformHasWindowServer());
+    EXPECT_EQ(CGEventSourceCreate(kCGEventSourceStateHIDSystemState), nullptr);
+    EXPECT_EQ(Flags(), 0u);
+    PlatformUseWindows(true);
+    EXPECT_EQ(PlatformHasWindowServer(), has);
 }

@@ -82,10 +82,3 @@ TEST(NumberText, EndlessNumbersCanBeWritten) {
     EXPECT_FALSE(PlatformFormatNumber(NAN, 2).empty());
     EXPECT_FALSE(PlatformFormatNumber(1e300, 2).empty());
 }
-
-TEST(Folders, ApplicationSupportIsInTheUsersLibrary) {
-    const std::string folder = PlatformApplicationSupportFolder();
-    ASSERT_FALSE(folder.empty());
-    EXPECT_EQ(folder[0], '/');
-    EXPECT_NE(folder.find("Library"), std::string::npos) << folder;
-}
