@@ -41,13 +41,8 @@ bool StyleDialog(CFBundleRef bundle, PageSetupModel &setup) {
     return Module() && Module()->styleDialog(bundle, setup);
 }
 
-bool JobDialog(CFBundleRef bundle, CFStringRef bundleIdentifier, CFStringRef title,
-               CFURLRef *hotFolder, CFStringRef suggestedJobName, CFStringRef fileExtension,
-               CFStringRef *jobName, int16_t *copies, bool *collate, int16_t *firstPage,
-               int16_t *lastPage, const JobSummary *summary) {
-    return Module() && Module()->jobDialog(bundle, bundleIdentifier, title, hotFolder,
-                                           suggestedJobName, fileExtension, jobName, copies,
-                                           collate, firstPage, lastPage, summary);
+bool JobDialog(CFStringRef bundleIdentifier, const JobDescription &job, JobChoices &choices) {
+    return Module() && Module()->jobDialog(bundleIdentifier, job, choices);
 }
 
 bool RunAlertWindow(CFStringRef message, CFStringRef informative) {

@@ -7,32 +7,16 @@ namespace {
 
 typedef PostscriptPrinterDriverJobDialogController Controller;
 
-/// The caller's variables, which are changed only when the user confirms.
-struct JobDialogResults {
-    CFURLRef *hotFolder;
-    CFStringRef *jobName;
-    int16_t *copies;
-    bool *collate;
-    int16_t *firstPage, *lastPage;
-};
-
-void ReadBack(Controller *controller, const JobDialogResults &results) {
-    [controller getPageRangeFrom:results.firstPage to:results.lastPage];
-    if (results.copies != nullptr) {
-        *results.copies = [controller numberOfCopies];
-        if (results.collate != nullptr) *results.collate = [controller collated];
+void ReadBack(Controller *controller, JobChoices &choices) {
+    [controller getPageRangeFrom:&choices.firstPage to:&choices.lastPage];
+    if (choices.copies) {
+        choices.copies = [controller numberOfCopies];
+        if (choices.collate) choices.collate = [controller collated];
     }
-    if ([controller jobName] != nil) *results.jobName = (CFStringRef)[[controller jobName] retain];
-    NSURL *folder = [[controller hotFolder] retain];
-    if (*results.hotFolder != nullptr) CFRelease(*results.hotFolder);
-    *results.hotFolder = (CFURLRef)folder;
+    if ([controller jobName] != nil)
+        choices.fileName = CFRef<CFStringRef>::Retain((CFStringRef)[controller jobName]);
+    choices.hotFolder = CFRef<CFURLRef>::Retain((CFURLRef)[controller hotFolder]);
 }
-
-/// What the dialog shows when it comes up.
-struct JobDialogValues {
-    CFStringRef title, suggestedJobName, fileExtension;
-    const JobSummary *summary;
-};
 
 Controller *CreateController(CFStringRef bundleIdentifier, bool withCopies) {
     NSBundle *bundle = [NSBundle bundleWithIdentifier:(NSString *)bundleIdentifier];
@@ -40,27 +24,27 @@ Controller *CreateController(CFStringRef bundleIdentifier, bool withCopies) {
     return [[Controller alloc] initWithBundle:bundle nibName:nib];
 }
 
-void SetUp(Controller *controller, const JobDialogValues &values, const JobDialogResults &results) {
-    [controller setWindowTitle:(NSString *)values.title];
-    [controller setPageRangeFrom:*results.firstPage to:*results.lastPage];
-    [controller setHotFolder:(NSURL *)*results.hotFolder];
-    [controller setSuggestedJobName:(NSString *)values.suggestedJobName];
-    [controller setFileExtension:(NSString *)values.fileExtension];
-    [controller showSummary:values.summary];
-    if (results.copies == nullptr) return;
-    [controller setNumberOfCopies:*results.copies];
-    if (results.collate != nullptr) [controller setCollated:*results.collate];
+void SetUp(Controller *controller, const JobDescription &job, const JobChoices &choices) {
+    [controller setWindowTitle:(NSString *)job.title];
+    [controller setPageRangeFrom:choices.firstPage to:choices.lastPage];
+    [controller setHotFolder:(NSURL *)choices.hotFolder.Get()];
+    [controller setSuggestedJobName:(NSString *)job.suggestedName];
+    [controller setFileExtension:(NSString *)job.fileExtension];
+    [controller showSummary:job.summary];
+    if (!choices.copies) return;
+    [controller setNumberOfCopies:*choices.copies];
+    if (choices.collate) [controller setCollated:*choices.collate];
 }
 
 /// `*controller` is the caller's to release, whatever happens.
 bool RunAndReadBack(Controller **controller, CFStringRef bundleIdentifier,
-                    const JobDialogValues &values, const JobDialogResults &results) {
+                    const JobDescription &job, JobChoices &choices) {
     @try {
-        *controller = CreateController(bundleIdentifier, results.copies != nullptr);
+        *controller = CreateController(bundleIdentifier, choices.copies.has_value());
         if (!LoadDialog(*controller, "print")) return false;
-        SetUp(*controller, values, results);
+        SetUp(*controller, job, choices);
         if (![*controller runJobDialog]) return false;
-        ReadBack(*controller, results);
+        ReadBack(*controller, choices);
         return true;
     } @catch (NSException *e) {
         return DialogFailed("print", [e reason]);
@@ -69,17 +53,12 @@ bool RunAndReadBack(Controller **controller, CFStringRef bundleIdentifier,
 
 } // namespace
 
-bool JobDialog(CFBundleRef bundle, CFStringRef bundleIdentifier, CFStringRef title,
-               CFURLRef *hotFolder, CFStringRef suggestedJobName, CFStringRef fileExtension,
-               CFStringRef *jobName, int16_t *copies, bool *collate, int16_t *firstPage,
-               int16_t *lastPage, const JobSummary *summary) {
+bool JobDialog(CFStringRef bundleIdentifier, const JobDescription &job, JobChoices &choices) {
     if (!BeginDialog("print")) return false;
     bool confirmed = false;
     @autoreleasepool {
         Controller *controller = nil;
-        confirmed = RunAndReadBack(&controller, bundleIdentifier,
-                                   {title, suggestedJobName, fileExtension, summary},
-                                   {hotFolder, jobName, copies, collate, firstPage, lastPage});
+        confirmed = RunAndReadBack(&controller, bundleIdentifier, job, choices);
         EndDialog(controller);
     }
     return confirmed;

@@ -1,7 +1,7 @@
 /// The print dialog's window: which pages, and where the output goes.
 #pragma once
 
-#include "dialogs/JobDialog.h"
+#include "dialogs/JobDialogModel.h"
 
 #import <AppKit/AppKit.h>
 

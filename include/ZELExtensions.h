@@ -144,13 +144,14 @@ ZEL_EXPORT Boolean ZELPrDialogFailed(void);
 /// returns at once.
 ZEL_EXPORT void ZELPrCancelDialog(void);
 
-/// Is there a window system, and may it be used? Without one ZELPrStyle and ZELPrJob fail as if they were cancelled,
-/// and messages are lines on standard error.
+/// Is there a window system, and may it be used? Without one ZELPrStyle and ZELPrJob fail as if
+/// they were cancelled, and messages are lines on standard error.
 ZEL_EXPORT Boolean ZELPrCanShowDialogs(void);
 
-/// Whether the driver opens windows in this process and looks at the keyboard; it does unless a host
-/// says otherwise. With false it is as if there were no window system: for a command, which answers
-/// in its terminal. Before a session is opened, so that its messages come where they are wanted.
+/// Whether the driver opens windows in this process and looks at the keyboard; it does unless a
+/// host says otherwise. With false it is as if there were no window system: for a command, which
+/// answers in its terminal. Before a session is opened, so that its messages come where they are
+/// wanted.
 ZEL_EXPORT void ZELPrUseWindows(Boolean use);
 
 /// Gives the file `from` the name `to`, in one step, unless something has it: so that a document

@@ -75,27 +75,24 @@ bool DoJob(DriverContext *context, Handle record) {
     const PSHPrint copy = CopyRecord(record);
     CFStringRef applicationID = context->bundleIdentifier.Get();
     CFPreferencesAppSynchronize(applicationID);
-    int16_t firstPage = Int16FromBigEndian(copy.fromPage_be);
-    int16_t lastPage = Int16FromBigEndian(copy.toPage_be);
     const JobSummary summary = SummaryOf(*context, copy);
-    CFURLRef folder = CopyFoundHotFolder(applicationID).Detach();
-    CFStringRef fileName = nullptr;
-    const bool confirmed =
-        JobDialog(context->bundle.Get(), applicationID, JobDialogTitle(context->bundle.Get()),
-                  &folder, context->jobName.Get(), copy.mEPSFormat_be ? CFSTR("eps") : CFSTR("ps"),
-                  &fileName, nullptr, nullptr, &firstPage, &lastPage, &summary);
-    const CFRef<CFURLRef> hotFolder(folder);
-    const CFRef<CFStringRef> outputFileName(fileName);
+    const JobDescription job = {JobDialogTitle(context->bundle.Get()), context->jobName.Get(),
+                                copy.mEPSFormat_be ? CFSTR("eps") : CFSTR("ps"), &summary};
+    JobChoices choices;
+    choices.hotFolder = CopyFoundHotFolder(applicationID);
+    choices.firstPage = Int16FromBigEndian(copy.fromPage_be);
+    choices.lastPage = Int16FromBigEndian(copy.toPage_be);
+    const bool confirmed = JobDialog(applicationID, job, choices);
     const RecordLock lock(record);
     if (!confirmed || !lock.Record()) return false;
     lock.Record()->copies_be = Int16ToBigEndian(1);
-    lock.Record()->fromPage_be = Int16ToBigEndian(firstPage);
-    lock.Record()->toPage_be = Int16ToBigEndian(lastPage);
-    context->hasOutputFileName = static_cast<bool>(outputFileName);
-    context->outputFileName = outputFileName;
-    if (!hotFolder) return true;
-    SaveHotFolder(applicationID, hotFolder.Get());
-    context->hotFolder = hotFolder;
+    lock.Record()->fromPage_be = Int16ToBigEndian(choices.firstPage);
+    lock.Record()->toPage_be = Int16ToBigEndian(choices.lastPage);
+    context->hasOutputFileName = static_cast<bool>(choices.fileName);
+    context->outputFileName = choices.fileName;
+    if (!choices.hotFolder) return true;
+    SaveHotFolder(applicationID, choices.hotFolder.Get());
+    context->hotFolder = choices.hotFolder;
     return true;
 }
 

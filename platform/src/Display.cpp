@@ -5,7 +5,8 @@
 
 namespace {
 
-template <class F> bool Find(void *library, const char *name, F *function) {
+template <class F>
+bool Find(void *library, const char *name, F *function) {
     *function = (F)dlsym(library, name);
     return *function != nullptr;
 }

@@ -38,16 +38,15 @@ static void WriteRecord(Handle record) {
 }
 
 static std::string RunWithCopies() {
-    CFURLRef folder = FolderURL(Environment("ZEL_HOT_FOLDER"));
-    CFStringRef name = nullptr;
-    int16_t copies = 2, first = 1, last = 999;
-    bool collate = true;
+    JobChoices choices;
+    choices.hotFolder = CFRef<CFURLRef>(FolderURL(Environment("ZEL_HOT_FOLDER")));
+    choices.copies = 2;
+    choices.collate = true;
     const bool confirmed =
-        JobDialog(TestBundle(), TestBundleIdentifier(), CFSTR("Copies"), &folder, CFSTR("My job"),
-                  CFSTR("ps"), &name, &copies, &collate, &first, &last);
+        JobDialog(TestBundleIdentifier(), {CFSTR("Copies"), CFSTR("My job"), CFSTR("ps")}, choices);
     char text[200];
     snprintf(text, sizeof text, "confirmed %d copies %d collate %d first %d last %d", confirmed,
-             copies, collate, first, last);
+             *choices.copies, *choices.collate, choices.firstPage, choices.lastPage);
     return text;
 }
 

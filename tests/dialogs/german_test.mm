@@ -66,10 +66,9 @@ TEST_F(StyleFlow, German_MissingSeparation_IsTranslated) {
 }
 
 TEST_F(StyleFlow, German_PrintDialog_IsTranslatedAndNothingCutOff) {
-    CFURLRef folder = nullptr;
-    CFStringRef name = nullptr;
-    int16_t copies = 1, first = 1, last = 999;
-    bool collate = false;
+    JobChoices choices;
+    choices.copies = 1;
+    choices.collate = false;
     WhenOpen([] {
         EXPECT_NE(WindowTexts(DialogWindow()).find("Exemplare:"), std::string::npos);
         EXPECT_NE(WindowTexts(DialogWindow()).find("keiner"), std::string::npos);
@@ -77,8 +76,8 @@ TEST_F(StyleFlow, German_PrintDialog_IsTranslatedAndNothingCutOff) {
         TakePicture(DialogWindow(), "job-german");
     });
     Press(@"Abbrechen");
-    EXPECT_FALSE(JobDialog(TestBundle(), TestBundleIdentifier(), CFSTR("Drucken"), &folder, nullptr,
-                           CFSTR("ps"), &name, &copies, &collate, &first, &last));
+    EXPECT_FALSE(
+        JobDialog(TestBundleIdentifier(), {CFSTR("Drucken"), nullptr, CFSTR("ps")}, choices));
 }
 
 } // namespace

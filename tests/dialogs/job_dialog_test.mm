@@ -43,10 +43,22 @@ class JobDialogFlow : public testing::Test {
         mHotFolder = nullptr;
     }
     bool Run() {
-        const bool confirmed =
-            JobDialog(TestBundle(), TestBundleIdentifier(), CFSTR("ZEL Postscript Printer Driver"),
-                      &mHotFolder, mSuggestedName, CFSTR("ps"), &mJobName,
-                      mWithCopies ? &mCopies : nullptr, &mCollate, &mFirst, &mLast);
+        JobChoices choices;
+        choices.hotFolder = CFRef<CFURLRef>(mHotFolder);
+        choices.firstPage = mFirst;
+        choices.lastPage = mLast;
+        if (mWithCopies) choices.copies = mCopies;
+        choices.collate = mCollate;
+        const bool confirmed = JobDialog(
+            TestBundleIdentifier(),
+            {CFSTR("ZEL Postscript Printer Driver"), mSuggestedName, CFSTR("ps")}, choices);
+        mHotFolder = choices.hotFolder.Detach();
+        if (mJobName != nullptr) CFRelease(mJobName);
+        mJobName = choices.fileName.Detach();
+        mFirst = choices.firstPage;
+        mLast = choices.lastPage;
+        mCopies = choices.copies.value_or(mCopies);
+        mCollate = *choices.collate;
         EXPECT_TRUE(mScript.IsFinished());
         EXPECT_TRUE(DialogWindow() == nil);
         return confirmed;
@@ -485,11 +497,9 @@ TEST_F(JobDialogFlow, ThirtyDialogs_LeaveNoWindow) {
 }
 
 TEST(JobDialogWithoutBundle, UnknownIdentifier_ReturnsFalse) {
-    int16_t first = 1, last = 999;
-    CFURLRef folder = nullptr;
-    CFStringRef name = nullptr;
-    EXPECT_FALSE(JobDialog(nullptr, CFSTR("com.example.unknown"), CFSTR("T"), &folder, nullptr,
-                           CFSTR("ps"), &name, nullptr, nullptr, &first, &last));
+    JobChoices choices;
+    EXPECT_FALSE(
+        JobDialog(CFSTR("com.example.unknown"), {CFSTR("T"), nullptr, CFSTR("ps")}, choices));
 }
 
 } // namespace
