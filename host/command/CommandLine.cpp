@@ -1,42 +1,20 @@
 #include "host/command/CommandLine.h"
 
-#include "PSHPrint.h"
 #include "host/command/HelpFormatter.h"
 #include "host/command/LpOptions.h"
+#include "host/command/OptionKinds.h"
 #include "host/command/PlacementOptions.h"
 #include "host/command/Report.h"
 #include "host/job/JobTitle.h"
 #include "host/terminal/Console.h"
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <iostream>
 #include <memory>
-#include <strings.h>
 
 namespace {
-
-/// A script's variable that is empty by mistake must not print to another printer or folder than
-/// was meant.
-CLI::Validator Filled() {
-    return CLI::Validator(
-        [](std::string &text) { return std::string(text.empty() ? "its value is empty" : ""); },
-        std::string());
-}
-
-template <typename T>
-CLI::Option *Choice(CLI::App &app, const char *names, T &value, const char *what,
-                    const char *help) {
-    return app.add_option(names, value, help)->type_name(what)->check(Filled());
-}
-
-/// CLI11 would give a flag that is not there the value false.
-void Switch(CLI::App &app, const char *names, std::optional<bool> &value, const char *help) {
-    app.add_flag_function(
-        names, [&value](std::int64_t count) { value = count > 0; }, help);
-}
 
 /// An option that `read` takes into the wishes, or complains about.
 void Wish(CLI::App &app, const char *name, PlacementWishes &wishes, const char *what,
@@ -97,19 +75,14 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
            "document's pages");
     Choice(app, "--resolution", options.resolution, "NAME|DPI",
            "resolution by its name, or in dpi");
-    app.add_option("--colour-space,--color-space", options.colourSpace, "cmyk, gray or rgb")
-        ->transform(CLI::Validator(OneOf({"cmyk", "gray", "rgb"}), ""))
-        ->type_name("cmyk|gray|rgb");
+    WordChoice(app, "--colour-space,--color-space", options.colourSpace, ColourSpaceWords(),
+               "cmyk, gray or rgb");
     Choice(app, "--separation", options.separation, "NAME",
            "CMYK separation; see zelprint separations");
-    app.add_option("--pdf-colours,--pdf-colors", options.separatePDF,
-                   "in CMYK: keep the inks of PDF files, or separate all colours anew")
-        ->transform(CLI::Validator(OneOf({"inks", "separate"}), ""))
-        ->type_name("inks|separate");
-    app.add_option("--cmyk-look", options.pdf.look,
-                   "inks of PDF files in RGB: as on a press, or black as black")
-        ->transform(CLI::Validator(OneOf({"press", "plain"}), ""))
-        ->type_name("press|plain");
+    WordChoice(app, "--pdf-colours,--pdf-colors", options.separatePDF, {"inks", "separate"},
+               "in CMYK: keep the inks of PDF files, or separate all colours anew");
+    WordChoice(app, "--cmyk-look", options.pdf.look, {"press", "plain"},
+               "inks of PDF files in RGB: as on a press, or black as black");
     Switch(app, "--antialias,!--no-antialias", options.pdf.antialias,
            "soften the edges in PDF files; usual below 400 dpi");
     Choice(app, "--password-file", options.passwordFile, "FILE",
@@ -118,10 +91,8 @@ void AddJobOptions(CLI::App &app, JobOptions &options) {
                    "give up a PDF page that takes longer to draw")
         ->type_name("SECONDS")
         ->check(CLI::Range(1, 1000000).description(""));
-    app.add_option("--intent", options.intent,
-                   "how CMYK pictures become light in RGB and Gray; relative if not said")
-        ->transform(CLI::Validator(OneOf({"perceptual", "relative", "saturation", "absolute"}), ""))
-        ->type_name("perceptual|relative|saturation|absolute");
+    WordChoice(app, "--intent", options.intent, IntentWords(),
+               "how CMYK pictures become light in RGB and Gray; relative if not said");
     Switch(app, "--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
     Switch(app, "--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
     Switch(app, "--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
@@ -181,29 +152,12 @@ int ShowHelp(const CLI::App &app, const CLI::Success &wish, bool asJSON) {
     return Fail(HostError(ExitStatus::Output, "cannot write to standard output"), asJSON);
 }
 
-static_assert(kZELColourSpaceCMYK == 0 && kZELColourSpaceGray == 1 && kZELColourSpaceRGB == 2,
-              "the order of the words");
-
 } // namespace
 
 bool IsJSONWanted(int argc, char **argv) {
     for (int i = 1; i < argc && strcmp(argv[i], "--") != 0; ++i)
         if (strcmp(argv[i], "--json") == 0) return true;
     return false;
-}
-
-std::function<std::string(std::string &)> OneOf(std::vector<std::string> words) {
-    return [words = std::move(words)](std::string &text) {
-        std::string list;
-        for (size_t i = 0; i < words.size(); ++i) {
-            if (strcasecmp(text.c_str(), words[i].c_str()) == 0) {
-                text = std::to_string(i);
-                return std::string();
-            }
-            list += (i == 0 ? "" : ", ") + words[i];
-        }
-        return "\"" + text + "\" is none of " + list;
-    };
 }
 
 int RunCommandLine(int argc, char **argv,

@@ -29,8 +29,4 @@ void AddSeparationsCommand(CLI::App &app, CommandAction &action, const std::stri
 void AddQueueCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 void AddMakeSeparationCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 
-/// For the validators of CLI11: replaces one of `words`, in any case, by its index; says what is
-/// wrong with any other text.
-[[nodiscard]] std::function<std::string(std::string &)> OneOf(std::vector<std::string> words);
-
 #endif

@@ -1,6 +1,7 @@
 // zelprint defaults [...]: the user's saved defaults, read and set without a window.
 #include "host/command/CommandLine.h"
 
+#include "host/command/OptionKinds.h"
 #include "host/driver/Driver.h"
 #include "host/driver/ProgramPath.h"
 #include "host/driver/Record.h"
@@ -8,7 +9,6 @@
 #include "host/separations/Separations.h"
 #include "host/terminal/Console.h"
 #include "host/terminal/TextTable.h"
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -132,33 +132,19 @@ ExitStatus RunDefaults(const std::string &bundlePath, const DefaultsOptions &opt
 }
 
 void AddOptions(CLI::App &command, DefaultsOptions &options) {
-    const auto text = [&command](const char *name, std::optional<std::string> &value,
-                                 const char *what, const char *help) {
-        command.add_option(name, value, help)
-            ->type_name(what)
-            ->check(CLI::Validator(
-                [](std::string &given) {
-                    return std::string(given.empty() ? "its value is empty" : "");
-                },
-                std::string()));
-    };
-    const auto flag = [&command](const char *names, std::optional<bool> &value, const char *help) {
-        command.add_flag_function(
-            names, [&value](std::int64_t count) { value = count > 0; }, help);
-    };
     command.add_flag("--show", options.show, "show the defaults, also after a change");
     command.add_flag("--json", options.json, "show them as a JSON object");
-    text("--ppd", options.ppd, "FILE", "PPD file of the printer");
-    text("--hot-folder", options.hotFolder, "DIR", "folder that receives documents");
-    command.add_option("--colour-space,--color-space", options.colourSpace, "cmyk, gray or rgb")
-        ->transform(CLI::Validator(OneOf({"cmyk", "gray", "rgb"}), ""))
-        ->type_name("cmyk|gray|rgb");
-    text("--separation", options.separation, "NAME", "CMYK separation");
-    flag("--eps,!--ps", options.eps, "one EPS file a page, or one PostScript file (--ps)");
-    flag("--queue,!--no-queue", options.queue, "hand documents to the print queue");
-    flag("--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
-    flag("--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
-    flag("--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
+    Choice(command, "--ppd", options.ppd, "FILE", "PPD file of the printer");
+    Choice(command, "--hot-folder", options.hotFolder, "DIR", "folder that receives documents");
+    WordChoice(command, "--colour-space,--color-space", options.colourSpace, ColourSpaceWords(),
+               "cmyk, gray or rgb");
+    Choice(command, "--separation", options.separation, "NAME", "CMYK separation");
+    Switch(command, "--eps,!--ps", options.eps,
+           "one EPS file a page, or one PostScript file (--ps)");
+    Switch(command, "--queue,!--no-queue", options.queue, "hand documents to the print queue");
+    Switch(command, "--rotate,!--no-rotate", options.rotate, "turn the page by 90 degrees");
+    Switch(command, "--flip-h,!--no-flip-h", options.flipH, "mirror the page left to right");
+    Switch(command, "--flip-v,!--no-flip-v", options.flipV, "mirror the page top to bottom");
 }
 
 } // namespace

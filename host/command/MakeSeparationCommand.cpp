@@ -1,12 +1,12 @@
 // zelprint make-separation --to CMYK.icc NAME: a separation profile from two ICC profiles.
 #include "host/command/CommandLine.h"
 
+#include "host/command/OptionKinds.h"
 #include "host/driver/Driver.h"
 #include "host/separations/MakeSeparation.h"
 #include "host/separations/Separations.h"
 #include "host/separations/SystemSeparations.h"
 #include "host/terminal/Console.h"
-#include <CLI/CLI.hpp>
 #include <cctype>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -44,11 +44,8 @@ void AddOptions(CLI::App &command, Options &options) {
     command.add_option("--to", recipe.to, "ICC profile of the CMYK press and paper")
         ->type_name("FILE")
         ->required();
-    command
-        .add_option("--intent", recipe.intent, "how colours that cannot be printed are brought in")
-        // In the order of ICC's numbers.
-        ->transform(CLI::Validator(OneOf({"perceptual", "relative", "saturation", "absolute"}), ""))
-        ->type_name("perceptual|relative|saturation|absolute");
+    WordChoice(command, "--intent", recipe.intent, IntentWords(),
+               "how colours that cannot be printed are brought in");
     command.add_flag("--black-point-compensation", recipe.blackPointCompensation,
                      "fit the darkest colour to the darkest print");
     command

@@ -1,5 +1,6 @@
 #include "Common/Src/record/PageFitting.h"
 
+#include "Common/Src/record/PageSizes.h"
 #include "Common/Src/record/PrintRecord.h"
 #include "ppd/PostscriptPrinterInfo.h"
 
@@ -15,32 +16,6 @@ double PointsFromMM(double millimetres) {
 
 double DpiOf(int32_t pixels, double millimetres) {
     return pixels * 25.4 / millimetres;
-}
-
-/// Limits of a custom page as the record sees them, in points.
-struct CustomLimits {
-    double minWidth = 0, maxWidth = 0, minHeight = 0, maxHeight = 0;
-};
-
-/// False when the limits cannot be read.
-bool ReadCustomLimits(const PostscriptPages &pages, bool rotated, CustomLimits &limits) {
-    try {
-        pages.GetCustomPageLimits(limits.minWidth, limits.maxWidth, limits.minHeight,
-                                  limits.maxHeight);
-    } catch (...) {
-        return false;
-    }
-    if (rotated) {
-        std::swap(limits.minWidth, limits.minHeight);
-        std::swap(limits.maxWidth, limits.maxHeight);
-    }
-    return true;
-}
-
-/// The minimum wins when the limits cross.
-double FitIntoLimits(double wanted, double minimum, double maximum) {
-    double value = wanted < maximum ? wanted : maximum;
-    return value > minimum ? value : minimum;
 }
 
 int32_t ClosestResolution(const PostscriptResolutions &resolutions, double dpiX, double dpiY,
@@ -66,11 +41,9 @@ int32_t SmallestFittingPage(const PostscriptPages &pages, double wantedWidth, do
     double bestScore = 0;
     for (int32_t i = 0; i < pages.NumPages(); ++i) {
         const PostscriptPage &page = pages.GetPage(i);
-        double width = page.Geturx() - page.Getllx();
-        double height = page.Getury() - page.Getlly();
-        if (rotated) std::swap(width, height);
-        if (!(width >= wantedWidth && height >= wantedHeight)) continue;
-        double score = width * height / (wantedWidth * wantedHeight);
+        const PageSize size = SizeInRecord(page, rotated);
+        if (!(size.width >= wantedWidth && size.height >= wantedHeight)) continue;
+        double score = size.width * size.height / (wantedWidth * wantedHeight);
         if (best >= 0 && !(score < bestScore)) continue;
         best = i;
         bestScore = score;
@@ -80,14 +53,12 @@ int32_t SmallestFittingPage(const PostscriptPages &pages, double wantedWidth, do
 
 void SetCustomPage(const PostscriptPages &pages, double wantedWidth, double wantedHeight,
                    PSHPrint *record) {
-    CustomLimits limits;
-    if (!ReadCustomLimits(pages, record->mRotated_be != 0, limits)) return;
+    const auto limits = LimitsInRecord(pages, record->mRotated_be != 0);
+    if (!limits) return;
     record->mPageIsCustom_be = SwapBigEndian(uint32_t{1});
     record->mPageName[0] = 0;
-    record->mPageWidth_be =
-        DoubleToBigEndian(FitIntoLimits(wantedWidth, limits.minWidth, limits.maxWidth));
-    record->mPageHeight_be =
-        DoubleToBigEndian(FitIntoLimits(wantedHeight, limits.minHeight, limits.maxHeight));
+    record->mPageWidth_be = DoubleToBigEndian(Clamped(wantedWidth, limits->width));
+    record->mPageHeight_be = DoubleToBigEndian(Clamped(wantedHeight, limits->height));
 }
 
 void SetNamedPage(const PostscriptPages &pages, double wantedWidth, double wantedHeight,
@@ -130,11 +101,10 @@ void SetBestPageSize(const PostscriptPrinterInfo *printer, const PageInfo_tag *p
 bool PageFitsOnCustomPaper(const PostscriptPrinterInfo *printer, const PageInfo_tag *page,
                            const PSHPrint *record) {
     const PostscriptPages &pages = printer->Pages();
-    CustomLimits limits;
-    if (!pages.HasCustomPageSetup() || !ReadCustomLimits(pages, record->mRotated_be != 0, limits))
-        return true;
-    return PointsFromMM(page->widthMM) <= limits.maxWidth &&
-           PointsFromMM(page->heightMM) <= limits.maxHeight;
+    if (!pages.HasCustomPageSetup()) return true;
+    const auto limits = LimitsInRecord(pages, record->mRotated_be != 0);
+    return !limits || (PointsFromMM(page->widthMM) <= limits->width.high &&
+                       PointsFromMM(page->heightMM) <= limits->height.high);
 }
 
 void SetSuggestions(const PostscriptPrinterInfo *printer, Handle handle, const PageInfo_tag *page) {

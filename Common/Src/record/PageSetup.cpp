@@ -1,6 +1,7 @@
 #include "Common/Src/record/PageSetup.h"
 
 #include "Common/Src/record/PageFitting.h"
+#include "Common/Src/record/PageSizes.h"
 #include "Common/Src/record/Preferences.h"
 #include "Common/Src/record/PrintRecord.h"
 #include "Common/Src/record/PrinterLoading.h"
@@ -23,33 +24,8 @@ namespace {
 /// Sizes of EPS files, which no printer limits.
 constexpr NumberRange kEPSLimits = {0.01, 1000000.0};
 
-struct PageSize {
-    double width, height;
-};
-
-PageSize SizeOf(const PostscriptPage &page, bool rotated) {
-    PageSize size = {page.Geturx() - page.Getllx(), page.Getury() - page.Getlly()};
-    if (rotated) std::swap(size.width, size.height);
-    return size;
-}
-
 uint32_t Flag(bool flag) {
     return SwapBigEndian(uint32_t{flag});
-}
-
-double Clamped(double value, NumberRange range) {
-    return std::max(range.low, std::min(range.high, value));
-}
-
-CustomDimensions PrinterLimits(const PostscriptPages &pages) {
-    CustomDimensions limits = {};
-    try {
-        pages.GetCustomPageLimits(limits.width.low, limits.width.high, limits.height.low,
-                                  limits.height.high);
-    } catch (...) {
-        return {kEPSLimits, kEPSLimits};
-    }
-    return limits;
 }
 
 } // namespace
@@ -138,15 +114,14 @@ bool PageSetup::CanUseCustomPageSizes() const {
 }
 
 CustomDimensions PageSetup::CustomLimits() const {
-    CustomDimensions limits = {kEPSLimits, kEPSLimits};
-    if (!IsEPS()) limits = PrinterLimits(Printer().Pages());
-    if (IsRotated()) std::swap(limits.width, limits.height);
-    return limits;
+    const CustomDimensions unlimited = {kEPSLimits, kEPSLimits};
+    if (IsEPS()) return unlimited;
+    return LimitsInRecord(Printer().Pages(), IsRotated()).value_or(unlimited);
 }
 
 void PageSetup::UsePage(int index) {
     const PostscriptPage &page = Printer().Pages().GetPage(index);
-    const PageSize size = SizeOf(page, IsRotated());
+    const PageSize size = SizeInRecord(page, IsRotated());
     SetRecordName(mRecord.mPageName, page.GetName());
     mRecord.mPageIsCustom_be = Flag(false);
     SetPaperSize(size.width, size.height);
@@ -225,7 +200,7 @@ int PageSetup::PageWithSizeText(const std::string &width, const std::string &hei
     const double nearY = PointsFromDisplayed(2, unit, YDpi());
     const PostscriptPages &pages = Printer().Pages();
     for (int32_t i = 0; i < pages.NumPages(); ++i) {
-        const PageSize size = SizeOf(pages.GetPage(i), IsRotated());
+        const PageSize size = SizeInRecord(pages.GetPage(i), IsRotated());
         if (std::fabs(size.width - widthPoints) > nearX) continue;
         if (std::fabs(size.height - heightPoints) > nearY) continue;
         if (FormatPoints(size.width, unit, XDpi()) == width &&
