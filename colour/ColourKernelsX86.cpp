@@ -4,9 +4,8 @@ namespace {
 
 KernelList<ColourKernels> FindKernels() {
     KernelList<ColourKernels> list;
-    list.Add(Instructions::kAVX2, "AVX2", {BlackGenerationAVX2, EightColoursAVX2});
-    list.Add(Instructions::kAVX512VBMI, "AVX-512 VBMI",
-             {BlackGenerationAVX512, EightColoursAVX512});
+    list.Add(Instructions::AVX2, "AVX2", {BlackGenerationAVX2, EightColoursAVX2});
+    list.Add(Instructions::AVX512VBMI, "AVX-512 VBMI", {BlackGenerationAVX512, EightColoursAVX512});
     return list;
 }
 

@@ -168,9 +168,9 @@ static void FillBlankField(NSTextField *field) {
     if ([self allPagesSelected]) return YES;
     const PageRangeFault fault =
         CheckPageRange(FieldInteger(_fromPageText), FieldInteger(_toPageText));
-    if (fault == PageRangeFault::kNone) return YES;
+    if (fault == PageRangeFault::None) return YES;
     NSBeep();
-    [fault == PageRangeFault::kFirstPage ? _fromPageText : _toPageText selectText:nil];
+    [fault == PageRangeFault::FirstPage ? _fromPageText : _toPageText selectText:nil];
     return NO;
 }
 

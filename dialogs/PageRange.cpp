@@ -10,9 +10,9 @@ constexpr int kMaxCopies = 999;
 } // namespace
 
 PageRangeFault CheckPageRange(int first, int last) {
-    if (first < 1 || first > kMaxPage) return PageRangeFault::kFirstPage;
-    if (last < first || last > kMaxPage) return PageRangeFault::kLastPage;
-    return PageRangeFault::kNone;
+    if (first < 1 || first > kMaxPage) return PageRangeFault::FirstPage;
+    if (last < first || last > kMaxPage) return PageRangeFault::LastPage;
+    return PageRangeFault::None;
 }
 
 bool IsGoodNumberOfCopies(int copies) {

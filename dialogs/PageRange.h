@@ -11,7 +11,7 @@ struct PageRange {
     bool IsAllPages() const { return first == 1 && last == 999; }
 };
 
-enum class PageRangeFault { kNone, kFirstPage, kLastPage };
+enum class PageRangeFault { None, FirstPage, LastPage };
 
 /// Both numbers must lie in 1 to 999, the last not below the first; the first fault counts.
 [[nodiscard]] PageRangeFault CheckPageRange(int first, int last);

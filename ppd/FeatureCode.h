@@ -4,7 +4,7 @@
 #include <string>
 
 /// What the code selects. Where in a document it stands is the document's business.
-enum class FeatureKind { kPage, kResolution };
+enum class FeatureKind { Page, Resolution };
 
 struct FeatureCode {
     FeatureKind kind;

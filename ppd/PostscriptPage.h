@@ -18,7 +18,7 @@ public:
     const std::string &GetUIName() const { return mUIName; }
     /// The code that selects the page.
     const std::string &GetPostscript() const { return mPostscript; }
-    FeatureCode Code() const { return {FeatureKind::kPage, mPostscript}; }
+    FeatureCode Code() const { return {FeatureKind::Page, mPostscript}; }
     /// The imageable area in points; paper dimensions are not kept.
     double Getllx() const { return mllx; }
     double Getlly() const { return mlly; }

@@ -18,7 +18,7 @@ public:
     /// no PPD.
     PostscriptPrinterInfo();
     /// The same for who has chosen it, without a word.
-    enum class Chosen { kBuiltIn };
+    enum class Chosen { BuiltIn };
     explicit PostscriptPrinterInfo(Chosen);
     /// Reads a PPD file. Throws PPD::ParserError.
     explicit PostscriptPrinterInfo(CFURLRef ppdURL);

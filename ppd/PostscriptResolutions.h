@@ -22,7 +22,7 @@ public:
     const std::string &GetName() const { return mName; }
     const std::string &GetUIName() const { return mUIName; }
     const std::string &GetPostscript() const { return mPostscript; }
-    FeatureCode Code() const { return {FeatureKind::kResolution, mPostscript}; }
+    FeatureCode Code() const { return {FeatureKind::Resolution, mPostscript}; }
     double GetXDpi() const { return mXDpi; }
     double GetYDpi() const { return mYDpi; }
 

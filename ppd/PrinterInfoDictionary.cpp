@@ -171,7 +171,7 @@ CFDictionaryRef ZELPrCopyPrinterInfo(CFURLRef ppd, CFStringRef *message) {
     try {
         const PostscriptPrinterInfo info =
             ppd ? PostscriptPrinterInfo(ppd)
-                : PostscriptPrinterInfo(PostscriptPrinterInfo::Chosen::kBuiltIn);
+                : PostscriptPrinterInfo(PostscriptPrinterInfo::Chosen::BuiltIn);
         return CreatePrinterInfoDictionary(info, SheetSizesOf(ppd)).Detach();
     } catch (const PPD::ParserError &error) {
         refusal = error.ErrorMessage();

@@ -48,7 +48,7 @@ size_t FieldReader::SkipDigits(size_t at) const {
 /// Length of the number at the front, 0 without one. An exponent without digits spoils the number:
 /// a C++ stream reads it so, and printer files were checked with those.
 size_t FieldReader::NumberLength(Form form) const {
-    const size_t first = form == Form::kSigned ? SkipSign(0) : 0;
+    const size_t first = form == Form::Signed ? SkipSign(0) : 0;
     size_t end = SkipDigits(first);
     size_t digits = end - first;
     if (end < mRest.size() && mRest[end] == '.') {
@@ -58,7 +58,7 @@ size_t FieldReader::NumberLength(Form form) const {
     }
     if (digits == 0) return 0;
     const bool hasExponent = end < mRest.size() && (mRest[end] == 'e' || mRest[end] == 'E');
-    if (form == Form::kPlain || !hasExponent) return end;
+    if (form == Form::Plain || !hasExponent) return end;
     const size_t exponent = SkipSign(end + 1);
     end = SkipDigits(exponent);
     return end == exponent ? 0 : end;
@@ -75,11 +75,11 @@ bool FieldReader::Convert(Form form, double &number) {
 }
 
 bool FieldReader::ReadNumber(double &number) {
-    return Convert(Form::kSigned, number);
+    return Convert(Form::Signed, number);
 }
 
 bool FieldReader::ReadPlainNumber(double &number) {
-    return Convert(Form::kPlain, number);
+    return Convert(Form::Plain, number);
 }
 
 bool FieldReader::ReadInteger(int32_t &number) {

@@ -34,7 +34,7 @@ public:
     bool ReadCharacter(char &character);
 
 private:
-    enum class Form { kPlain, kSigned };
+    enum class Form { Plain, Signed };
     bool Convert(Form form, double &number);
     size_t SkipSign(size_t at) const;
     size_t SkipDigits(size_t at) const;

@@ -6,15 +6,15 @@ bool ProcessorHas(Instructions needed) {
         return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi");
     };
     switch (needed) {
-        case Instructions::kSSSE3:
+        case Instructions::SSSE3:
             return __builtin_cpu_supports("ssse3");
-        case Instructions::kSSE41:
+        case Instructions::SSE41:
             return __builtin_cpu_supports("sse4.1");
-        case Instructions::kAVX2:
+        case Instructions::AVX2:
             return __builtin_cpu_supports("avx2");
-        case Instructions::kAVX512VBMI:
+        case Instructions::AVX512VBMI:
             return hasVBMI();
-        case Instructions::kAVX512VBMI2:
+        case Instructions::AVX512VBMI2:
             return hasVBMI() && __builtin_cpu_supports("avx512vbmi2") &&
                    __builtin_cpu_supports("bmi2");
     }

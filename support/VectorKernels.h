@@ -7,11 +7,11 @@
 
 /// What a vector form needs of the processor.
 enum class Instructions {
-    kSSSE3,
-    kSSE41,
-    kAVX2,
-    kAVX512VBMI,  ///< with BW
-    kAVX512VBMI2, ///< with VBMI, BW and BMI2
+    SSSE3,
+    SSE41,
+    AVX2,
+    AVX512VBMI,  ///< with BW
+    AVX512VBMI2, ///< with VBMI, BW and BMI2
 };
 
 /// False for a processor of another family, too.

@@ -31,7 +31,7 @@ uint16_t PixelFormat(int32_t colourSpace, uint16_t hostDepth) {
 
 /// Within the section: the resolution before the page.
 double PriorityOf(FeatureKind kind) {
-    return kind == FeatureKind::kResolution ? 10.0 : 30.0;
+    return kind == FeatureKind::Resolution ? 10.0 : 30.0;
 }
 
 void AddFeature(const FeatureCode &code, PostscriptDocument &document) {

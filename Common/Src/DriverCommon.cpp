@@ -32,7 +32,7 @@ void KillOpenDocument(DriverContext *context) {
 /// document the call is the host's mistake and fails.
 template <class Call>
 int32_t CallWithDocument(DriverContext *context, Call call) {
-    if (context->state != SessionState::kOk) return context->error;
+    if (context->state != SessionState::Ok) return context->error;
     return LatchResult(context, context->mPageOutputSession ? call(context->mPageOutputSession)
                                                             : int16_t{kZELBadParameter});
 }
@@ -66,9 +66,9 @@ DriverContext::~DriverContext() {
 }
 
 int32_t LatchResult(DriverContext *context, int32_t result) {
-    if (result != kZELNoError && context->state == SessionState::kOk) {
+    if (result != kZELNoError && context->state == SessionState::Ok) {
         context->state =
-            result == kZELUserCancelled ? SessionState::kCancelled : SessionState::kFailed;
+            result == kZELUserCancelled ? SessionState::Cancelled : SessionState::Failed;
         context->error = result;
     }
     return context->error;
@@ -107,7 +107,7 @@ void ZELPrSuggestPage(DriverContext *context, void * /*ignored*/, const ZELPageR
 
 Boolean ZELPrValidate(DriverContext *context, Handle record) {
     context->record = record;
-    if (context->state != SessionState::kOk) return false;
+    if (context->state != SessionState::Ok) return false;
     const bool forced = OptionKeyIsHeld();
     if (forced) SoundBeep();
     const PostscriptPrinterInfo &printer = *context->printerInfo;
@@ -165,7 +165,7 @@ void ZELPrJobMerge(DriverContext * /*context*/, Handle source, Handle destinatio
 }
 
 int32_t ZELPrOpenDoc(DriverContext *self) {
-    if (self->state != SessionState::kOk) return self->error;
+    if (self->state != SessionState::Ok) return self->error;
     if (self->mPageOutputSession) return LatchResult(self, kZELBadParameter);
     if (LatchResult(self, DoOpenDocument(self)) == kZELNoError)
         assert(self->mPageOutputSession != 0); // NOLINT(modernize-use-nullptr): reported text
@@ -186,7 +186,7 @@ int32_t ZELPrPrintBitmap(DriverContext *context, const ZELBand *band, const ZELR
 
 int32_t ZELPrClosePage(DriverContext *context) {
     CallWithDocument(context, [](PageOutputSession *session) { return ClosePage(session); });
-    if (context->state != SessionState::kOk && context->mPageOutputSession)
+    if (context->state != SessionState::Ok && context->mPageOutputSession)
         KillPage(context->mPageOutputSession);
     return context->error;
 }
@@ -202,9 +202,9 @@ int32_t ZELPrCloseDoc(DriverContext *context) {
 }
 
 void ZELPrSetError(DriverContext *context, int32_t code) {
-    if (context->state != SessionState::kOk) return;
+    if (context->state != SessionState::Ok) return;
     context->error = code;
-    context->state = SessionState::kHostError;
+    context->state = SessionState::HostError;
 }
 
 int32_t ZELPrErrorString(DriverContext * /*context*/, int32_t code, StringPtr out) {
@@ -218,7 +218,7 @@ int32_t ZELPrErrorString(DriverContext * /*context*/, int32_t code, StringPtr ou
 
 int32_t ZELPrClose(DriverContext *context) {
     const int32_t result =
-        context->state == SessionState::kCancelled ? int32_t{kZELNoError} : context->error;
+        context->state == SessionState::Cancelled ? int32_t{kZELNoError} : context->error;
     delete context;
     return result;
 }

@@ -15,10 +15,10 @@ struct Separations;
 
 /// Once a session has left kOk it stays where it is.
 enum class SessionState : uint32_t {
-    kOk = 0,
-    kCancelled = 1, ///< the user cancelled a dialog, or a call returned kZELUserCancelled
-    kFailed = 2,    ///< a call failed
-    kHostError = 3  ///< the host latched an error of its own
+    Ok = 0,
+    Cancelled = 1, ///< the user cancelled a dialog, or a call returned ZELUserCancelled
+    Failed = 2,    ///< a call failed
+    HostError = 3  ///< the host latched an error of its own
 };
 
 /// Made by ZELPrOpen, freed by ZELPrClose. Used from one thread at a time.
@@ -28,7 +28,7 @@ struct DriverContext {
     DriverContext &operator=(const DriverContext &) = delete;
     ~DriverContext();
 
-    SessionState state = SessionState::kOk;
+    SessionState state = SessionState::Ok;
     int32_t error = 0; ///< what most entry points return
     uint8_t reserved = 0;
     PageInfo_tag pageInfo;

@@ -22,14 +22,14 @@ CFStringRef JobDialogTitle(CFBundleRef bundle) {
 
 /// What a cancelled dialog leaves behind: no error, but nothing is printed any more.
 Boolean ConfirmedOrCancelled(DriverContext *context, bool confirmed) {
-    if (!confirmed) context->state = SessionState::kCancelled;
+    if (!confirmed) context->state = SessionState::Cancelled;
     return confirmed;
 }
 
 /// The record that a dialog works on, kept for ZELPrOpenDoc; false when there is nothing to do.
 bool BeginDialog(DriverContext *context, Handle record) {
     context->record = record;
-    return context->state == SessionState::kOk;
+    return context->state == SessionState::Ok;
 }
 
 /// As the pop-up of the page setup calls it.

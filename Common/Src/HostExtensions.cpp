@@ -32,7 +32,7 @@ std::unique_ptr<PostscriptPrinterInfo> ReadPrinter(CFURLRef ppd, std::string &er
 }
 
 std::unique_ptr<PostscriptPrinterInfo> BuiltIn() {
-    return std::make_unique<PostscriptPrinterInfo>(PostscriptPrinterInfo::Chosen::kBuiltIn);
+    return std::make_unique<PostscriptPrinterInfo>(PostscriptPrinterInfo::Chosen::BuiltIn);
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 /// The end that somebody else wants: the scheduler sends SIGTERM when a job is cancelled.
-#ifndef ZEL_HOST_BACKEND_CANCELLING_H
-#define ZEL_HOST_BACKEND_CANCELLING_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -17,5 +16,3 @@ void HeedCancelling();
 /// could not be started, 128 and more: a signal. It dies with this process.
 [[nodiscard]] int RunToEnd(const std::vector<std::string> &words, const std::string &output,
                            const std::string &errors);
-
-#endif

@@ -1,6 +1,5 @@
 /// A folder for one job alone, in the scheduler's temporary folder; removed with all that is in it.
-#ifndef ZEL_HOST_BACKEND_JOBFOLDER_H
-#define ZEL_HOST_BACKEND_JOBFOLDER_H
+#pragma once
 
 #include <string>
 
@@ -22,5 +21,3 @@ private:
 
 /// All of a file; empty when it cannot be read.
 [[nodiscard]] std::string TextOfFile(const std::string &path);
-
-#endif

@@ -1,7 +1,6 @@
 /// What the backend tells the scheduler: lines on standard error, each with a word in front that
 /// says what becomes of it ("CUPS Design Description", filters and backends).
-#ifndef ZEL_HOST_BACKEND_MESSAGES_H
-#define ZEL_HOST_BACKEND_MESSAGES_H
+#pragma once
 
 #include <string>
 
@@ -17,5 +16,3 @@ enum class MessageKind {
 /// Writes one line, in one step, so that lines of other programs do not get into it. Control
 /// characters become "?".
 void Tell(MessageKind kind, const std::string &text);
-
-#endif

@@ -1,6 +1,5 @@
 /// What a job of the print system asks for, in zelprint's words.
-#ifndef ZEL_HOST_BACKEND_QUEUEJOB_H
-#define ZEL_HOST_BACKEND_QUEUEJOB_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -21,5 +20,3 @@ struct QueueJob {
 /// The options of zelprint for the job, without the file to print. Empty when the PPD file cannot
 /// be read.
 [[nodiscard]] std::vector<std::string> OptionsOf(const QueueJob &job);
-
-#endif

@@ -1,6 +1,5 @@
 /// The command line of zelprint: its options and its subcommands.
-#ifndef ZEL_HOST_COMMANDLINE_H
-#define ZEL_HOST_COMMANDLINE_H
+#pragma once
 
 #include "host/job/JobOptions.h"
 #include "host/terminal/ExitStatus.h"
@@ -28,5 +27,3 @@ void AddDefaultsCommand(CLI::App &app, CommandAction &action, const std::string 
 void AddSeparationsCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 void AddQueueCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
 void AddMakeSeparationCommand(CLI::App &app, CommandAction &action, const std::string &bundle);
-
-#endif

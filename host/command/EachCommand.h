@@ -1,6 +1,5 @@
 /// One document for each file of a command line (--each).
-#ifndef ZEL_HOST_EACHCOMMAND_H
-#define ZEL_HOST_EACHCOMMAND_H
+#pragma once
 
 #include "host/job/JobOptions.h"
 #include "host/terminal/ExitStatus.h"
@@ -11,5 +10,3 @@
 /// (Usage) when the options make no sense for several documents.
 [[nodiscard]] ExitStatus PrintEach(const JobOptions &options,
                                    const std::function<void(const JobOptions &)> &print);
-
-#endif

@@ -1,6 +1,5 @@
 /// How zelprint shows its options: within 80 columns.
-#ifndef ZEL_HOST_HELPFORMATTER_H
-#define ZEL_HOST_HELPFORMATTER_H
+#pragma once
 
 #include <CLI/CLI.hpp>
 #include <string>
@@ -11,5 +10,3 @@ public:
                                           bool isPositional) const override;
     [[nodiscard]] std::string make_subcommand(const CLI::App *command) const override;
 };
-
-#endif

@@ -1,6 +1,5 @@
 /// Options in lp's words, which people give with -o out of habit.
-#ifndef ZEL_HOST_LPOPTIONS_H
-#define ZEL_HOST_LPOPTIONS_H
+#pragma once
 
 #include "host/job/JobOptions.h"
 
@@ -8,5 +7,3 @@
 /// the last of the others names the file to write. Throws HostError (Usage) for every other word of
 /// lp; it says which option is meant. A name that looks like such a word may be given as ./NAME.
 void TakeOutputWords(JobOptions &options);
-
-#endif

@@ -1,6 +1,5 @@
 /// The kinds of options that zelprint and its subcommands have.
-#ifndef ZEL_HOST_OPTIONKINDS_H
-#define ZEL_HOST_OPTIONKINDS_H
+#pragma once
 
 #include <CLI/CLI.hpp>
 #include <optional>
@@ -41,5 +40,3 @@ CLI::Option *WordChoice(CLI::App &app, const char *names, T &value,
 /// A flag and its opposite ("--yes,!--no"), or neither: CLI11 would give a flag that is not there
 /// the value false.
 void Switch(CLI::App &app, const char *names, std::optional<bool> &value, const char *help);
-
-#endif

@@ -1,6 +1,5 @@
 /// What the command line says of size and place, in zelprint's words and in those of lp.
-#ifndef ZEL_HOST_PLACEMENTOPTIONS_H
-#define ZEL_HOST_PLACEMENTOPTIONS_H
+#pragma once
 
 #include "host/placement/PagePlacement.h"
 #include <string>
@@ -16,5 +15,3 @@
 /// False for every other. Throws HostError (Usage) for a value that makes no sense.
 [[nodiscard]] bool TakePlacementOption(const std::string &name, const std::string &value,
                                        PlacementWishes &wishes);
-
-#endif

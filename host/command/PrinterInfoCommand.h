@@ -1,6 +1,5 @@
 /// What `zelprint printer-info` says about a printer, from the driver's property list of it.
-#ifndef ZEL_HOST_PRINTERINFOCOMMAND_H
-#define ZEL_HOST_PRINTERINFOCOMMAND_H
+#pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <nlohmann/json.hpp>
@@ -19,5 +18,3 @@ class DriverBundle;
 
 /// The same for people, several lines: sizes in millimetres and points, "*" before the defaults.
 [[nodiscard]] std::string PrinterInfoText(const nlohmann::ordered_json &info);
-
-#endif

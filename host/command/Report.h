@@ -1,6 +1,5 @@
 /// What zelprint says about a job: a line for people, JSON for programs.
-#ifndef ZEL_HOST_REPORT_H
-#define ZEL_HOST_REPORT_H
+#pragma once
 
 #include "host/job/PrintJob.h"
 #include "host/terminal/ExitStatus.h"
@@ -14,5 +13,3 @@
 
 /// {"error":{"status":n,"message":s,"about":s}}, and "file" if one is told.
 [[nodiscard]] std::string ErrorAsJSON(const HostError &error, const std::string &file = {});
-
-#endif

@@ -1,6 +1,5 @@
 /// Owner of a CoreFoundation reference.
-#ifndef ZEL_HOST_CFOWNER_H
-#define ZEL_HOST_CFOWNER_H
+#pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <string>
@@ -40,5 +39,3 @@ private:
 [[nodiscard]] CFOwner<CFURLRef> MakeFileURL(const std::string &path, bool isFolder);
 /// The path of a URL; empty when it has none or it is too long.
 [[nodiscard]] std::string PathOfURL(CFURLRef url);
-
-#endif

@@ -1,6 +1,5 @@
 /// The driver as zelprint sees it: a bundle found at run time, its functions, an open context.
-#ifndef ZEL_HOST_DRIVER_H
-#define ZEL_HOST_DRIVER_H
+#pragma once
 
 #include "ZELExtensions.h"
 #include "ZELPrint.h"
@@ -137,5 +136,3 @@ private:
     const DriverBundle &mBundle;
     DriverContext *mContext = nullptr;
 };
-
-#endif

@@ -1,7 +1,6 @@
 /// What zelprint checks of a PPD file before the driver reads it, and says when the driver refuses
 /// it.
-#ifndef ZEL_HOST_PPDCHECK_H
-#define ZEL_HOST_PPDCHECK_H
+#pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <string>
@@ -20,5 +19,3 @@ void CheckPPDName(const std::string &ppd);
 
 /// Throws HostError (Input) that says so.
 [[noreturn]] void RefusePPD(const std::string &ppd, CFStringRef message);
-
-#endif

@@ -1,7 +1,6 @@
 /// What the driver knows of a printer: its pages and resolutions, and how to find one by what a
 /// person types.
-#ifndef ZEL_HOST_PRINTERMODEL_H
-#define ZEL_HOST_PRINTERMODEL_H
+#pragma once
 
 #include "host/driver/Driver.h"
 #include <optional>
@@ -53,5 +52,3 @@ struct SessionPrinter {
 /// The model of the PPD file `ppd`; of the built-in printer when empty. Throws HostError (Input)
 /// when the file is refused.
 [[nodiscard]] PrinterModel ReadPrinterModel(const DriverBundle &bundle, const std::string &ppd);
-
-#endif

@@ -1,6 +1,5 @@
 /// Where zelprint lies, and what it needs beside it.
-#ifndef ZEL_HOST_PROGRAMPATH_H
-#define ZEL_HOST_PROGRAMPATH_H
+#pragma once
 
 #include <string>
 
@@ -17,5 +16,3 @@ void SetProgramPath(const char *argv0);
 
 /// The absolute path without symbolic links; empty when there is nothing at `path`.
 [[nodiscard]] std::string RealPath(const std::string &path);
-
-#endif

@@ -1,7 +1,6 @@
 /// Reads and changes the choices in a print record, one at a time. Names are cut to what the record
 /// holds.
-#ifndef ZEL_HOST_RECORD_H
-#define ZEL_HOST_RECORD_H
+#pragma once
 
 #include "host/driver/Driver.h"
 #include <string>
@@ -64,5 +63,3 @@ private:
     const DriverBundle &mBundle;
     Handle mHandle;
 };
-
-#endif

@@ -1,6 +1,5 @@
 /// Where a document goes, and what it is called.
-#ifndef ZEL_HOST_DESTINATION_H
-#define ZEL_HOST_DESTINATION_H
+#pragma once
 
 #include "host/job/JobOptions.h"
 #include "host/job/JobPlan.h"
@@ -11,5 +10,3 @@
 [[nodiscard]] Destination PlanDestination(const DriverSession &session, const JobOptions &options,
                                           const RecordChoices &choices, const SourceFile &first,
                                           bool eps);
-
-#endif

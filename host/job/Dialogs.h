@@ -1,6 +1,5 @@
 /// The driver's dialogs, as zelprint runs them.
-#ifndef ZEL_HOST_DIALOGS_H
-#define ZEL_HOST_DIALOGS_H
+#pragma once
 
 #include "host/driver/Driver.h"
 
@@ -19,5 +18,3 @@ public:
 /// HostError when it was cancelled or could not be shown.
 void RunDialog(const DriverSession &session, Boolean (*dialog)(DriverContext *, Handle),
                Handle record);
-
-#endif

@@ -1,6 +1,5 @@
 /// Images that seem too large to be meant: damaged files, and files made to keep programs busy.
-#ifndef ZEL_HOST_IMAGELIMITS_H
-#define ZEL_HOST_IMAGELIMITS_H
+#pragma once
 
 #include "host/job/JobPlan.h"
 
@@ -8,5 +7,3 @@
 /// large multiple of its file's size. PDF pages are drawn in the size of the page, and have no
 /// limit.
 void CheckImageSizes(const std::vector<PageReference> &pages);
-
-#endif

@@ -1,7 +1,6 @@
 /// What the command line asks for. A choice that was not made is empty: the user's saved defaults
 /// then hold.
-#ifndef ZEL_HOST_JOBOPTIONS_H
-#define ZEL_HOST_JOBOPTIONS_H
+#pragma once
 
 #include "host/placement/PagePlacement.h"
 #include "host/readers/pdf/PDFOptions.h"
@@ -53,5 +52,3 @@ struct JobOptions {
     bool quiet = false;
     bool json = false;
 };
-
-#endif

@@ -1,6 +1,5 @@
 /// Everything that is decided about a job before its first page is printed, step by step.
-#ifndef ZEL_HOST_JOBPLAN_H
-#define ZEL_HOST_JOBPLAN_H
+#pragma once
 
 #include "host/driver/Record.h"
 #include "host/job/SourceFile.h"
@@ -84,5 +83,3 @@ struct JobPlan : PageChoice, PaperPlan, ColourPlan, RasterPlan, Destination {
 [[nodiscard]] int ComponentsOf(uint32_t colourSpace);
 /// "cmyk", "gray" or "rgb".
 [[nodiscard]] const char *NameOfColourSpace(uint32_t colourSpace);
-
-#endif

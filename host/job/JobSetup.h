@@ -1,6 +1,5 @@
 /// From the command line and the user's defaults to a print record and a plan.
-#ifndef ZEL_HOST_JOBSETUP_H
-#define ZEL_HOST_JOBSETUP_H
+#pragma once
 
 #include "host/driver/Driver.h"
 #include "host/job/JobOptions.h"
@@ -10,5 +9,3 @@
 /// told of it and ready to open the document. `files` must outlive the plan. Throws HostError.
 [[nodiscard]] JobPlan SetUpJob(const DriverSession &session, const JobOptions &options,
                                const std::vector<SourceFile> &files, Handle record);
-
-#endif

@@ -1,6 +1,5 @@
 /// Titles that may go, as they are, into a PostScript comment and into a file name.
-#ifndef ZEL_HOST_JOBTITLE_H
-#define ZEL_HOST_JOBTITLE_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -18,5 +17,3 @@
 /// when it is not UTF-8.
 [[nodiscard]] std::string ChooseTitle(const std::optional<std::string> &given,
                                       const std::string &firstFile);
-
-#endif

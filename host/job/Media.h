@@ -1,6 +1,5 @@
 /// Pages and resolutions as a person types them.
-#ifndef ZEL_HOST_MEDIA_H
-#define ZEL_HOST_MEDIA_H
+#pragma once
 
 #include "host/driver/PrinterModel.h"
 #include "host/driver/Record.h"
@@ -30,5 +29,3 @@ struct Dpi {
 /// with the nearest finer one of the printer's. Throws HostError (Usage).
 [[nodiscard]] RecordResolution ChooseResolution(const PrinterModel &printer,
                                                 const std::string &text);
-
-#endif

@@ -1,7 +1,6 @@
 /// A hidden folder in which the driver writes, so that a document appears in its own folder only
 /// when it is complete and only in one piece.
-#ifndef ZEL_HOST_OUTPUTSTAGING_H
-#define ZEL_HOST_OUTPUTSTAGING_H
+#pragma once
 
 #include "ZELExtensions.h"
 #include "host/job/StagingFolder.h"
@@ -71,5 +70,3 @@ void CheckRoom(const std::string &folder, uint64_t least);
 /// What is wrong with a finished file, for a message; empty when it ends as a document must
 /// and is from `least` to `most` bytes long.
 [[nodiscard]] std::string CheckFinishedFile(int fd, uint64_t least, uint64_t most);
-
-#endif

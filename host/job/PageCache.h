@@ -1,7 +1,6 @@
 /// The rows of pages that are printed more than once, so that further copies need not be made of
 /// the files again.
-#ifndef ZEL_HOST_PAGECACHE_H
-#define ZEL_HOST_PAGECACHE_H
+#pragma once
 
 #include "host/placement/PageLayout.h"
 #include "host/readers/RowReader.h"
@@ -43,5 +42,3 @@ private:
     bool mKeeps = false; ///< and whether it can be kept so far
     std::vector<uint8_t> mRows;
 };
-
-#endif

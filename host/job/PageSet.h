@@ -1,6 +1,5 @@
 /// Page ranges as lp writes them: "1-4,7,9-".
-#ifndef ZEL_HOST_PAGESET_H
-#define ZEL_HOST_PAGESET_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -27,5 +26,3 @@ private:
     explicit PageSet(std::vector<std::pair<int, int>> ranges) : mRanges(std::move(ranges)) {}
     std::vector<std::pair<int, int>> mRanges;
 };
-
-#endif

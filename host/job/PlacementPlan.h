@@ -1,6 +1,5 @@
 /// The placement of every page of a job.
-#ifndef ZEL_HOST_PLACEMENTPLAN_H
-#define ZEL_HOST_PLACEMENTPLAN_H
+#pragma once
 
 #include "host/driver/PrinterModel.h"
 #include "host/job/JobPlan.h"
@@ -21,5 +20,3 @@ void PlacePages(JobPlan &plan, const PrinterModel &printer, const Mirroring &mir
 /// What to say of pages of which part is cut off, though they could be printed whole; empty when
 /// there are none.
 [[nodiscard]] std::string CutNotice(const JobPlan &plan, const PlacementWishes &wishes);
-
-#endif

@@ -1,6 +1,5 @@
 /// Prints a planned job: the driver's call sequence, band by band.
-#ifndef ZEL_HOST_PRINTJOB_H
-#define ZEL_HOST_PRINTJOB_H
+#pragma once
 
 #include "host/driver/Driver.h"
 #include "host/job/JobPlan.h"
@@ -18,5 +17,3 @@ struct JobResult {
 /// kept.
 [[nodiscard]] JobResult PrintJob(const DriverSession &session, Handle record, const JobPlan &plan,
                                  int bandHeight, bool quiet);
-
-#endif

@@ -1,6 +1,5 @@
 /// From the record to the pages, the colours and the raster that are printed.
-#ifndef ZEL_HOST_RASTERPLAN_H
-#define ZEL_HOST_RASTERPLAN_H
+#pragma once
 
 #include "host/driver/PrinterModel.h"
 #include "host/job/JobOptions.h"
@@ -37,5 +36,3 @@
 /// The page's pixels; the record's resolution is corrected to give exactly these. Throws HostError
 /// (Usage) when there is nothing to print on.
 [[nodiscard]] RasterPlan PlanRaster(Record &record, uint32_t colourSpace);
-
-#endif

@@ -1,6 +1,5 @@
 /// What the user has chosen, wherever: saved defaults, a settings file, options, the dialogs.
-#ifndef ZEL_HOST_RECORDCHOICES_H
-#define ZEL_HOST_RECORDCHOICES_H
+#pragma once
 
 #include "host/driver/PrinterModel.h"
 #include "host/job/JobOptions.h"
@@ -22,5 +21,3 @@ struct RecordChoices {
 /// is asked for. The session then has the printer. Throws HostError.
 [[nodiscard]] RecordChoices ChooseRecord(const DriverSession &session, const JobOptions &options,
                                          const std::vector<SourceFile> &files, Handle record);
-
-#endif

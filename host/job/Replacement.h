@@ -1,6 +1,5 @@
 /// What must not be lost when a file takes a name that another has.
-#ifndef ZEL_HOST_REPLACEMENT_H
-#define ZEL_HOST_REPLACEMENT_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -17,5 +16,3 @@ void CheckDocumentMayReplace(const std::string &path, const std::vector<std::str
 /// The same for a settings file, which may replace settings files.
 void CheckSettingsMayReplace(const std::string &path, const std::vector<std::string> &files,
                              bool force);
-
-#endif

@@ -3,8 +3,7 @@
 /// The file is a print record of 416 bytes followed by a binary property list: the driver's
 /// job-settings dictionary ("fromPage", "toPage", "copies", "outputFolder"), and, where the job had
 /// them, "ppd" (the path of the PPD file) and "queue" (whether it went to the print queue).
-#ifndef ZEL_HOST_SETTINGS_H
-#define ZEL_HOST_SETTINGS_H
+#pragma once
 
 #include "host/driver/CFOwner.h"
 #include "host/driver/Driver.h"
@@ -32,5 +31,3 @@ void WriteSettings(const std::string &path, Handle record, CFDictionaryRef jobSe
 
 /// Makes the driver write its documents into `folder`. Throws HostError (Driver).
 void SetOutputFolder(const DriverSession &session, Handle record, const std::string &folder);
-
-#endif

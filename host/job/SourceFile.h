@@ -1,6 +1,5 @@
 /// A file to print: what kind it is, and who reads it.
-#ifndef ZEL_HOST_SOURCEFILE_H
-#define ZEL_HOST_SOURCEFILE_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 #include "host/readers/SpooledInput.h"
@@ -48,5 +47,3 @@ private:
     std::unique_ptr<ImageFile> mPlain;
     mutable std::unique_ptr<ImageFile> mFull; ///< opened when first needed
 };
-
-#endif

@@ -1,7 +1,6 @@
 /// A hidden folder of this process's own, in which documents are written before they get their
 /// name.
-#ifndef ZEL_HOST_STAGINGFOLDER_H
-#define ZEL_HOST_STAGINGFOLDER_H
+#pragma once
 
 #include "ZELExtensions.h"
 #include <memory>
@@ -37,5 +36,3 @@ private:
     std::string mPath;
     int mLock = -1;
 };
-
-#endif

@@ -1,6 +1,5 @@
 /// Where a page of the document lies on the page, in the page's own pixels.
-#ifndef ZEL_HOST_PAGELAYOUT_H
-#define ZEL_HOST_PAGELAYOUT_H
+#pragma once
 
 #include "host/placement/PagePlacement.h"
 
@@ -45,5 +44,3 @@ struct Placement {
 /// makes a page of `components` bytes a pixel a multiple of 4 bytes long. The driver's encoder
 /// ends other images with a shortened group, which interpreters refuse or take for a missing row.
 void AvoidShortGroup(int &width, int &height, int components);
-
-#endif

@@ -1,7 +1,6 @@
 /// How large a page of the document is printed and where on the sheet: the one rule for pictures
 /// and for pages that have a size of their own. Lengths are points; a page is looked at upright.
-#ifndef ZEL_HOST_PAGEPLACEMENT_H
-#define ZEL_HOST_PAGEPLACEMENT_H
+#pragma once
 
 #include <optional>
 
@@ -59,5 +58,3 @@ struct PagePlacement {
 /// The same on paper that lies on its left side; `width` is that of the area before. What was
 /// turned is upright then: on such paper pages are turned clockwise.
 [[nodiscard]] PagePlacement TurnPlacement(const PagePlacement &placement, double width);
-
-#endif

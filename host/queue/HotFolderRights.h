@@ -1,7 +1,6 @@
 /// May the print system put documents into a folder? Its backends run as a user of their own, with
 /// no other groups than that user's.
-#ifndef ZEL_HOST_HOTFOLDERRIGHTS_H
-#define ZEL_HOST_HOTFOLDERRIGHTS_H
+#pragma once
 
 #include <string>
 
@@ -12,5 +11,3 @@ inline constexpr char kPrintUser[] = "lp";
 /// others look at the modes of the folder and of those above it, and believe in access control
 /// lists. Else what is wrong, with the command that mends it. `folder` is an absolute path.
 [[nodiscard]] std::string WhyNotWritableBy(const std::string &user, const std::string &folder);
-
-#endif

@@ -2,8 +2,7 @@
 ///
 /// Not "ColorModel" and the like: queues of other machines send their own options of such names
 /// with every job, and every CMYK document would become RGB.
-#ifndef ZEL_HOST_QUEUEOPTIONS_H
-#define ZEL_HOST_QUEUEOPTIONS_H
+#pragma once
 
 namespace queue_option {
 
@@ -16,5 +15,3 @@ inline constexpr char kRotation[] = "zelRotation";      ///< None or Turned
 inline constexpr char kSeparationName[] = "zelSeparationName";
 
 } // namespace queue_option
-
-#endif

@@ -7,8 +7,7 @@
 /// page ranges of PDFs have been made (cupsManualCopies), every document of a job comes by itself
 /// (cupsSingleFile). CUPS' extensions of the format are documented with CUPS ("CUPS PPD
 /// Extensions").
-#ifndef ZEL_HOST_QUEUEPPD_H
-#define ZEL_HOST_QUEUEPPD_H
+#pragma once
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
@@ -25,5 +24,3 @@ struct QueuePPDOptions {
 /// (Input) when the printer has no page or resolution that a PPD file can name.
 [[nodiscard]] std::string MakeQueuePPD(const nlohmann::ordered_json &printer,
                                        const QueuePPDOptions &options);
-
-#endif

@@ -1,6 +1,5 @@
 /// Runs another program and hears what it says.
-#ifndef ZEL_HOST_RUNPROGRAM_H
-#define ZEL_HOST_RUNPROGRAM_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -16,5 +15,3 @@ struct ProgramResult {
 
 /// The word as a shell takes it for one.
 [[nodiscard]] std::string ShellWord(const std::string &word);
-
-#endif

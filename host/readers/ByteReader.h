@@ -1,6 +1,5 @@
 /// A file, byte by byte, through a buffer.
-#ifndef ZEL_HOST_BYTEREADER_H
-#define ZEL_HOST_BYTEREADER_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -34,5 +33,3 @@ private:
     size_t mAt = 0, mEnd = 0;
     int64_t mPast = 0; ///< bytes before the buffer
 };
-
-#endif

@@ -1,7 +1,6 @@
 /// What zelprint wants of a file of images: how its pages look, and their pixels from top to
 /// bottom.
-#ifndef ZEL_HOST_IMAGEFILE_H
-#define ZEL_HOST_IMAGEFILE_H
+#pragma once
 
 #include "host/placement/PageLayout.h"
 #include "host/readers/PackPixels.h"
@@ -118,5 +117,3 @@ public:
 
 /// Says that page `page` of a file cannot be read, and why. Throws HostError (Input).
 [[noreturn]] void ThrowUnreadable(const std::string &path, int page, const std::string &why);
-
-#endif

@@ -1,8 +1,7 @@
 /// The image module: libvips and what zelprint does with it, in a library that is loaded when a
 /// file needs it. libvips brings a hundred other libraries; to load them takes as long as to print
 /// half a page.
-#ifndef ZEL_HOST_IMAGEMODULE_H
-#define ZEL_HOST_IMAGEMODULE_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 
@@ -25,5 +24,3 @@ using ImageModuleStart = void();
 using ImageModuleOpen = ImageFile *(const std::string &path, FileKind kind, const std::string &name,
                                     bool tolerant);
 }
-
-#endif

@@ -1,6 +1,5 @@
 /// Is a PNM file whole, and does it hold more than is printed?
-#ifndef ZEL_HOST_PNMCHECK_H
-#define ZEL_HOST_PNMCHECK_H
+#pragma once
 
 #include <string>
 
@@ -13,5 +12,3 @@ void CheckPNM(const std::string &path);
 /// to P6, whose images may stand one behind the other). False for every other file, and for one
 /// that cannot be read.
 [[nodiscard]] bool HasSecondPNMImage(const std::string &path);
-
-#endif

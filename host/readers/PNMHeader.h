@@ -1,6 +1,5 @@
 /// The header of a PNM file: netpbm's PBM, PGM and PPM (P1 to P6), and PFM (Pf, PF).
-#ifndef ZEL_HOST_PNMHEADER_H
-#define ZEL_HOST_PNMHEADER_H
+#pragma once
 
 #include "host/readers/ByteReader.h"
 
@@ -30,5 +29,3 @@ bool PassPNMSpace(ByteReader &file);
 
 /// The next bit of plain samples, which need no space between them: true is black. Throws as above.
 [[nodiscard]] bool ReadPNMBit(ByteReader &file);
-
-#endif

@@ -1,6 +1,5 @@
 /// Samples as files have them, packed into pixels as the driver takes them.
-#ifndef ZEL_HOST_PACKPIXELS_H
-#define ZEL_HOST_PACKPIXELS_H
+#pragma once
 
 #include <cstdint>
 
@@ -19,5 +18,3 @@ enum class DocumentPixels {
 
 /// Packs `count` pixels of `bands` samples (1: gray, 3: RGB, 4: CMYK) for the driver.
 void PackPixels(const uint8_t *source, int bands, int count, DocumentPixels target, uint8_t *out);
-
-#endif

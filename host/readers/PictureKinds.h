@@ -1,6 +1,5 @@
 /// What kind a file of pictures is, by its first bytes.
-#ifndef ZEL_HOST_PICTUREKINDS_H
-#define ZEL_HOST_PICTUREKINDS_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 #include <optional>
@@ -12,5 +11,3 @@
 /// Whether files of this kind may hold further pictures, such as those of an animation, which are
 /// not pages.
 [[nodiscard]] bool MayHoldFrames(FileKind kind);
-
-#endif

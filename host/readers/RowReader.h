@@ -1,6 +1,5 @@
 /// Reads a page image in bands, from top to bottom, ahead of who prints it.
-#ifndef ZEL_HOST_ROWREADER_H
-#define ZEL_HOST_ROWREADER_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 #include <chrono>
@@ -44,5 +43,3 @@ private:
     std::shared_ptr<Reader> mReader; ///< the thread has a share of it
     std::thread mThread;
 };
-
-#endif

@@ -1,7 +1,6 @@
 /// Input that comes once and in its order, such as standard input, kept so that it can be read like
 /// any file.
-#ifndef ZEL_HOST_SPOOLEDINPUT_H
-#define ZEL_HOST_SPOOLEDINPUT_H
+#pragma once
 
 #include "host/readers/UnnamedFile.h"
 #include <memory>
@@ -20,5 +19,3 @@ struct InputFile {
 
 /// What people call the file that readers open as `path`.
 [[nodiscard]] std::string NameOfInput(const std::string &path);
-
-#endif

@@ -1,6 +1,5 @@
 /// The pages of a TIFF file, and what their samples mean.
-#ifndef ZEL_HOST_TIFFPAGES_H
-#define ZEL_HOST_TIFFPAGES_H
+#pragma once
 
 #include <cstdint>
 #include <memory>
@@ -56,5 +55,3 @@ struct TIFFPage {
 /// simply every one when all are. Throws HostError (Input) when there is one that cannot be read:
 /// none must get lost.
 [[nodiscard]] std::vector<TIFFPage> ListTIFFPages(const std::string &path, const std::string &name);
-
-#endif

@@ -1,6 +1,5 @@
 /// A temporary file without a name: it is gone when its owner is, however that ends.
-#ifndef ZEL_HOST_UNNAMEDFILE_H
-#define ZEL_HOST_UNNAMEDFILE_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -32,5 +31,3 @@ private:
     std::string mFolder;
     int mDescriptor = -1;
 };
-
-#endif

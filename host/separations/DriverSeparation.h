@@ -1,6 +1,5 @@
 /// The driver's own way from light to ink.
-#ifndef ZEL_HOST_DRIVERSEPARATION_H
-#define ZEL_HOST_DRIVERSEPARATION_H
+#pragma once
 
 #include "host/driver/Driver.h"
 #include <string>
@@ -20,5 +19,3 @@ private:
     const DriverBundle &mBundle;
     ZELSeparation *mSeparation = nullptr;
 };
-
-#endif

@@ -1,7 +1,6 @@
 /// ICC profiles that stand for the way in which the driver turns light into ink, for renderers that
 /// draw in ink: what they draw with them has the inks that the driver would have chosen.
-#ifndef ZEL_HOST_INKPROFILE_H
-#define ZEL_HOST_INKPROFILE_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -20,5 +19,3 @@ struct InkProfile {
 
 /// Samples a separation at 33 x 33 x 33 colours. Throws HostError (Driver).
 [[nodiscard]] InkProfile MakeInkProfile(const SeparateColours &separate);
-
-#endif

@@ -1,6 +1,5 @@
 /// Makes separation profiles for the driver from ordinary ICC profiles.
-#ifndef ZEL_HOST_MAKESEPARATION_H
-#define ZEL_HOST_MAKESEPARATION_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -26,5 +25,3 @@ void CheckSeparationName(const std::string &name);
 /// An existing file is replaced only with `force`. Returns the path. Throws HostError.
 std::string InstallSeparation(const std::string &folder, const std::string &name,
                               const std::string &bytes, bool force);
-
-#endif

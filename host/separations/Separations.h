@@ -1,6 +1,5 @@
 /// CMYK separations by name.
-#ifndef ZEL_HOST_SEPARATIONS_H
-#define ZEL_HOST_SEPARATIONS_H
+#pragma once
 
 #include "host/driver/Driver.h"
 #include <string>
@@ -18,5 +17,3 @@ void CheckSeparation(const DriverBundle &bundle, const std::string &name);
 
 /// Why the driver could not load the separation profile `name`, as far as the file tells.
 [[nodiscard]] std::string SeparationProblem(const DriverBundle &bundle, const std::string &name);
-
-#endif

@@ -1,7 +1,6 @@
 /// Separations for the whole machine: what print queues can use. The driver looks into its user's
 /// own folder only; a queue's backend makes this folder that of the print system's user.
-#ifndef ZEL_HOST_SYSTEMSEPARATIONS_H
-#define ZEL_HOST_SYSTEMSEPARATIONS_H
+#pragma once
 
 #include <cstdlib>
 #include <string>
@@ -16,5 +15,3 @@
 [[nodiscard]] inline std::string SystemSeparationsFolder() {
     return SystemLibrary() + "/ApplicationSupport/ZEL/Profiles/Postscript";
 }
-
-#endif

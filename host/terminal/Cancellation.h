@@ -1,6 +1,5 @@
 /// Ctrl-C and its kin, from the start of the program to its end.
-#ifndef ZEL_HOST_CANCELLATION_H
-#define ZEL_HOST_CANCELLATION_H
+#pragma once
 
 #include "host/terminal/ExitStatus.h"
 
@@ -27,5 +26,3 @@ public:
     /// Throws HostError with the status that belongs to the signal, if one has come.
     static void Check();
 };
-
-#endif

@@ -1,6 +1,5 @@
 /// What zelprint says: answers on standard output, complaints on standard error.
-#ifndef ZEL_HOST_CONSOLE_H
-#define ZEL_HOST_CONSOLE_H
+#pragma once
 
 #include <string>
 
@@ -21,5 +20,3 @@ void Complain(const std::string &message);
 
 /// Writes one line that begins with "zelprint: ", why the command fails.
 void ComplainOfFailure(const std::string &message);
-
-#endif

@@ -1,6 +1,5 @@
 /// Exit statuses of zelprint, and the one exception that carries them.
-#ifndef ZEL_HOST_EXITSTATUS_H
-#define ZEL_HOST_EXITSTATUS_H
+#pragma once
 
 #include <stdexcept>
 #include <string>
@@ -64,5 +63,3 @@ private:
         return kAboutProgram;
     }
 };
-
-#endif

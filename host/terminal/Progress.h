@@ -1,6 +1,5 @@
 /// A progress bar on standard error, if that is a terminal.
-#ifndef ZEL_HOST_PROGRESS_H
-#define ZEL_HOST_PROGRESS_H
+#pragma once
 
 #include <cstdint>
 
@@ -22,5 +21,3 @@ private:
     bool mDrawn = false;
     int64_t mNext = 0;
 };
-
-#endif

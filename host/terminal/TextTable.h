@@ -1,6 +1,5 @@
 /// Columns of text on a terminal.
-#ifndef ZEL_HOST_TEXTTABLE_H
-#define ZEL_HOST_TEXTTABLE_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -18,5 +17,3 @@ private:
     std::vector<std::vector<std::string>> mRows;
     std::vector<size_t> mWidths;
 };
-
-#endif

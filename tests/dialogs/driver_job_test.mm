@@ -104,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(DriverJobFlow, NoHotFolder_CannotBeSaved) {
     EXPECT_FALSE(Run([] { EXPECT_FALSE([[Controller() saveButton] isEnabled]); }, @"Cancel"));
-    EXPECT_EQ(mContext.state, SessionState::kCancelled);
+    EXPECT_EQ(mContext.state, SessionState::Cancelled);
     EXPECT_EQ(mContext.error, 0);
     EXPECT_EQ(SavedFolder(), "");
 }

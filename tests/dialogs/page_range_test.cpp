@@ -19,20 +19,20 @@ TEST_P(PageRanges, Check_Range_NamesTheFirstFault) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Ranges, PageRanges,
-                         testing::Values(RangeCase{1, 1, PageRangeFault::kNone},
-                                         RangeCase{1, 999, PageRangeFault::kNone},
-                                         RangeCase{999, 999, PageRangeFault::kNone},
-                                         RangeCase{2, 3, PageRangeFault::kNone},
-                                         RangeCase{0, 5, PageRangeFault::kFirstPage},
-                                         RangeCase{-1, 5, PageRangeFault::kFirstPage},
-                                         RangeCase{1000, 1000, PageRangeFault::kFirstPage},
-                                         RangeCase{INT_MAX, INT_MAX, PageRangeFault::kFirstPage},
-                                         RangeCase{INT_MIN, 1, PageRangeFault::kFirstPage},
-                                         RangeCase{0, 0, PageRangeFault::kFirstPage},
-                                         RangeCase{5, 3, PageRangeFault::kLastPage},
-                                         RangeCase{5, 1000, PageRangeFault::kLastPage},
-                                         RangeCase{1, 0, PageRangeFault::kLastPage},
-                                         RangeCase{1, INT_MAX, PageRangeFault::kLastPage}));
+                         testing::Values(RangeCase{1, 1, PageRangeFault::None},
+                                         RangeCase{1, 999, PageRangeFault::None},
+                                         RangeCase{999, 999, PageRangeFault::None},
+                                         RangeCase{2, 3, PageRangeFault::None},
+                                         RangeCase{0, 5, PageRangeFault::FirstPage},
+                                         RangeCase{-1, 5, PageRangeFault::FirstPage},
+                                         RangeCase{1000, 1000, PageRangeFault::FirstPage},
+                                         RangeCase{INT_MAX, INT_MAX, PageRangeFault::FirstPage},
+                                         RangeCase{INT_MIN, 1, PageRangeFault::FirstPage},
+                                         RangeCase{0, 0, PageRangeFault::FirstPage},
+                                         RangeCase{5, 3, PageRangeFault::LastPage},
+                                         RangeCase{5, 1000, PageRangeFault::LastPage},
+                                         RangeCase{1, 0, PageRangeFault::LastPage},
+                                         RangeCase{1, INT_MAX, PageRangeFault::LastPage}));
 
 TEST(PageRangeTest, AllPages_OnlyThePair1To999) {
     EXPECT_TRUE((PageRange{1, 999}.IsAllPages()));

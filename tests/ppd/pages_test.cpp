@@ -92,7 +92,7 @@ TEST(Pages, BuiltIn_IsOneA4Page) {
     EXPECT_EQ(pages.GetPage(0).GetPostscript(), "a4");
     EXPECT_EQ(AreaOf(pages.GetPage(0)), (Area{13, 10, 577, 832}));
     EXPECT_FALSE(pages.HasCustomPageSetup());
-    EXPECT_EQ(pages.GetPage(0).Code().kind, FeatureKind::kPage);
+    EXPECT_EQ(pages.GetPage(0).Code().kind, FeatureKind::Page);
     EXPECT_EQ(LimitsOf(pages), (Limits{0, 1000000, 0, 1000000}));
 }
 
@@ -107,7 +107,7 @@ TEST(Pages, Order_IsThatOfTheBytesOfTheirNames) {
     EXPECT_EQ(pages.GetPage(2).GetPostscript(), "l");
     EXPECT_EQ(pages.GetPage(3).GetName(), "a3");
     EXPECT_EQ(pages.GetPage(3).GetUIName(), "a3");
-    EXPECT_EQ(pages.GetPage(0).Code().kind, FeatureKind::kPage);
+    EXPECT_EQ(pages.GetPage(0).Code().kind, FeatureKind::Page);
 }
 
 TEST(Pages, Default_IsFoundByNameOrIsTheFirst) {

@@ -42,7 +42,7 @@ TEST(Resolutions, BuiltIn_Is300Dpi) {
     EXPECT_EQ(only.GetPostscript(), "");
     EXPECT_EQ(only.GetXDpi(), 300);
     EXPECT_EQ(only.GetYDpi(), 300);
-    EXPECT_EQ(resolutions.GetResolution(0).Code().kind, FeatureKind::kResolution);
+    EXPECT_EQ(resolutions.GetResolution(0).Code().kind, FeatureKind::Resolution);
 }
 
 TEST(Resolutions, Order_IsThatOfTheBytesOfTheirNames) {
@@ -58,7 +58,7 @@ TEST(Resolutions, Order_IsThatOfTheBytesOfTheirNames) {
     EXPECT_EQ(resolutions.GetResolution(2).GetUIName(), "600 DPI");
     EXPECT_EQ(resolutions.GetResolution(2).GetPostscript(), "six");
     EXPECT_EQ(resolutions.DefaultResolutionIndex(), 2);
-    EXPECT_EQ(resolutions.GetResolution(0).Code().kind, FeatureKind::kResolution);
+    EXPECT_EQ(resolutions.GetResolution(0).Code().kind, FeatureKind::Resolution);
 }
 
 TEST(Resolutions, Text_GivesTheNumbers) {

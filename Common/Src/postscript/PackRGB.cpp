@@ -50,8 +50,8 @@ __attribute__((target("avx2"))) void PackRGBAVX2(const uint8_t *source, int64_t 
 KernelList<PackRGBKernel> FindKernels() {
     KernelList<PackRGBKernel> list(PackRGBPlain);
 #if defined(__x86_64__)
-    list.Add(Instructions::kSSSE3, "SSSE3", PackRGBSSSE3);
-    list.Add(Instructions::kAVX2, "AVX2", PackRGBAVX2);
+    list.Add(Instructions::SSSE3, "SSSE3", PackRGBSSSE3);
+    list.Add(Instructions::AVX2, "AVX2", PackRGBAVX2);
 #endif
     return list;
 }

@@ -44,9 +44,9 @@ void AppendBoundingBox(std::string &text, const DocumentLayout &layout) {
 
 const char *ProcessColors(ColourMode mode) {
     switch (mode) {
-        case ColourMode::kCMYK:
+        case ColourMode::CMYK:
             return "%%DocumentProcessColors: Cyan Magenta Yellow Black\n";
-        case ColourMode::kGray:
+        case ColourMode::Gray:
             return "%%DocumentProcessColors: Black\n";
         default:
             return "";
@@ -55,9 +55,9 @@ const char *ProcessColors(ColourMode mode) {
 
 const char *ColourSpace(ColourMode mode) {
     switch (mode) {
-        case ColourMode::kGray:
+        case ColourMode::Gray:
             return "/DeviceGray setcolorspace\n";
-        case ColourMode::kRGB:
+        case ColourMode::RGB:
             return "/DeviceRGB setcolorspace\n";
         default:
             return "/DeviceCMYK setcolorspace\n";
@@ -66,9 +66,9 @@ const char *ColourSpace(ColourMode mode) {
 
 const char *DecodeArray(ColourMode mode) {
     switch (mode) {
-        case ColourMode::kGray:
+        case ColourMode::Gray:
             return "/Decode [0 1]\n";
-        case ColourMode::kRGB:
+        case ColourMode::RGB:
             return "/Decode [0 1 0 1 0 1]\n";
         default:
             return "/Decode [0 1 0 1 0 1 0 1]\n";

@@ -6,13 +6,13 @@
 #include <string>
 
 /// The values are those of OutputOptions::colourMode.
-enum class ColourMode : int32_t { kCMYK = 0, kGray = 1, kRGB = 2 };
+enum class ColourMode : int32_t { CMYK = 0, Gray = 1, RGB = 2 };
 
 /// What the text of a document depends on. Lengths in points, but for the image's size.
 struct DocumentLayout {
     int32_t widthPixels = 0, heightPixels = 0; ///< of every page image
     double widthMM = 0, heightMM = 0;          ///< its size on paper, in millimetres
-    ColourMode colourMode = ColourMode::kCMYK;
+    ColourMode colourMode = ColourMode::CMYK;
     bool mirrorHorizontal = false, mirrorVertical = false, rotate90 = false;
     bool eps = false; ///< one file a page, without the code of most sections
     double llx = 0, lly = 0, urx = 0, ury = 0; ///< bounding box

@@ -166,7 +166,7 @@ int16_t MakeRows(OutputPrivate &output, uint16_t pixelFormat) {
     output.rowBuffer = NewRow(RowBufferSize(width));
     output.blankRow = NewRow(output.rowBytes);
     if (!output.rowBuffer || !output.blankRow) return kZELOutOfMemory;
-    memset(output.blankRow.get(), mode == ColourMode::kCMYK ? 0 : 255, output.rowBytes);
+    memset(output.blankRow.get(), mode == ColourMode::CMYK ? 0 : 255, output.rowBytes);
     output.convertRow = ChooseRowConversion(mode, pixelFormat);
     output.rowContext = {output.layout.widthPixels, nullptr, output.rowBuffer.get()};
     return kZELNoError;
@@ -174,7 +174,7 @@ int16_t MakeRows(OutputPrivate &output, uint16_t pixelFormat) {
 
 int16_t MakeSeparation(OutputPrivate &output, const OutputOptions &options) {
     const bool isNeeded =
-        output.layout.colourMode == ColourMode::kCMYK && options.pixelFormat == kZELFormatXRGB32;
+        output.layout.colourMode == ColourMode::CMYK && options.pixelFormat == kZELFormatXRGB32;
     if (!isNeeded) return kZELNoError;
     const int16_t error =
         GetCMYKSeparation(options.separations, options.separationName, &output.separation);

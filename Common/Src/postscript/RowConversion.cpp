@@ -40,22 +40,22 @@ const uint8_t *Refuse(const RowContext &, const uint8_t *) {
 } // namespace
 
 ConvertRowProc ChooseRowConversion(ColourMode mode, uint16_t pixelFormat) {
-    if (mode == ColourMode::kGray) return InvertGray;
+    if (mode == ColourMode::Gray) return InvertGray;
     switch (pixelFormat) {
         case kZELFormat64:
             return CopyFirstFourBytes;
         case kZELFormatCMYK32:
             return SendAsItIs;
         case kZELFormatXRGB32:
-            if (mode == ColourMode::kRGB) return DropFirstByte;
-            return mode == ColourMode::kCMYK ? Separate : Refuse;
+            if (mode == ColourMode::RGB) return DropFirstByte;
+            return mode == ColourMode::CMYK ? Separate : Refuse;
         default:
             return Refuse;
     }
 }
 
 int32_t BytesReadPerPixel(ColourMode mode, uint16_t pixelFormat) {
-    if (mode == ColourMode::kGray) return 1;
+    if (mode == ColourMode::Gray) return 1;
     switch (pixelFormat) {
         case kZELFormat64:
             return 8;
@@ -69,9 +69,9 @@ int32_t BytesReadPerPixel(ColourMode mode, uint16_t pixelFormat) {
 
 int32_t ComponentCount(ColourMode mode) {
     switch (mode) {
-        case ColourMode::kGray:
+        case ColourMode::Gray:
             return 1;
-        case ColourMode::kRGB:
+        case ColourMode::RGB:
             return 3;
         default:
             return 4;

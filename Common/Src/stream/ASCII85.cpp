@@ -55,9 +55,9 @@ namespace {
 KernelList<ASCII85Kernel> FindKernels() {
     KernelList<ASCII85Kernel> list(ASCII85EncodePlain);
 #if defined(__x86_64__)
-    list.Add(Instructions::kSSE41, "SSE4.1", ASCII85EncodeSSE41);
-    list.Add(Instructions::kAVX2, "AVX2", ASCII85EncodeAVX2);
-    list.Add(Instructions::kAVX512VBMI2, "AVX-512 VBMI2", ASCII85EncodeAVX512);
+    list.Add(Instructions::SSE41, "SSE4.1", ASCII85EncodeSSE41);
+    list.Add(Instructions::AVX2, "AVX2", ASCII85EncodeAVX2);
+    list.Add(Instructions::AVX512VBMI2, "AVX-512 VBMI2", ASCII85EncodeAVX512);
 #endif
     return list;
 }

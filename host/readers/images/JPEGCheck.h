@@ -1,6 +1,5 @@
 /// What libvips does not tell of a JPEG file: whether the picture is all there.
-#ifndef ZEL_HOST_IMAGES_JPEGCHECK_H
-#define ZEL_HOST_IMAGES_JPEGCHECK_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 #include <atomic>
@@ -9,5 +8,3 @@
 /// or leave out. libvips hears nothing of the last rows and of what follows them. Ends soon, and
 /// tells nothing, when `stopped` becomes true.
 [[nodiscard]] Damage CheckJPEG(const std::string &path, const std::atomic<bool> &stopped);
-
-#endif

@@ -1,6 +1,5 @@
 /// PNM files as libvips images, with what libvips leaves undone.
-#ifndef ZEL_HOST_IMAGES_PNMIMAGE_H
-#define ZEL_HOST_IMAGES_PNMIMAGE_H
+#pragma once
 
 #include <vips/vips.h>
 
@@ -9,5 +8,3 @@
 /// white) and its rows go from top to bottom. The caller owns `*out`. Returns not 0, and libvips's
 /// error is set, when it cannot. See CheckPNM for damaged files.
 [[nodiscard]] int LoadPNM(const char *path, VipsAccess access, VipsImage **out);
-
-#endif

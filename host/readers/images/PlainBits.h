@@ -1,6 +1,5 @@
 /// Plain PBM files (netpbm's format P1) for libvips.
-#ifndef ZEL_HOST_IMAGES_PLAINBITS_H
-#define ZEL_HOST_IMAGES_PLAINBITS_H
+#pragma once
 
 #include <string>
 #include <vips/vips.h>
@@ -9,5 +8,3 @@
 /// between them for one number. The caller owns the source; null, and libvips's error set, when the
 /// file is not plain PBM.
 [[nodiscard]] VipsSource *NewPlainBitsSource(const std::string &path);
-
-#endif

@@ -1,6 +1,5 @@
 /// What decoders of TIFF files complain about without giving up.
-#ifndef ZEL_HOST_IMAGES_TIFFDAMAGE_H
-#define ZEL_HOST_IMAGES_TIFFDAMAGE_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 
@@ -9,5 +8,3 @@ void HearTIFFDecoders();
 
 /// What the decoders have complained about since libvips' errors were cleared, though all went on.
 [[nodiscard]] Damage TakeTIFFDamage();
-
-#endif

@@ -1,6 +1,5 @@
 /// Pages of TIFF files as libvips images of colours that everybody knows.
-#ifndef ZEL_HOST_IMAGES_TIFFIMAGE_H
-#define ZEL_HOST_IMAGES_TIFFIMAGE_H
+#pragma once
 
 #include "host/readers/TIFFPages.h"
 #include "host/readers/images/VipsSupport.h"
@@ -10,5 +9,3 @@
 /// set.
 [[nodiscard]] int LoadTIFF(const char *path, const TIFFPage &page, VipsAccess access,
                            VipsImage **out);
-
-#endif

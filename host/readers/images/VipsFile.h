@@ -1,6 +1,5 @@
 /// A file of images, read by libvips.
-#ifndef ZEL_HOST_IMAGES_VIPSFILE_H
-#define ZEL_HOST_IMAGES_VIPSFILE_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 #include "host/readers/TIFFPages.h"
@@ -43,5 +42,3 @@ private:
     int mPageCount = 0;               ///< 0: not counted yet
     int mFrames = 0;
 };
-
-#endif

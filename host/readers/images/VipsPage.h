@@ -1,6 +1,5 @@
 /// One page as a libvips image that the driver's pixels can be packed from.
-#ifndef ZEL_HOST_IMAGES_VIPSPAGE_H
-#define ZEL_HOST_IMAGES_VIPSPAGE_H
+#pragma once
 
 #include "host/readers/images/VipsFile.h"
 
@@ -13,5 +12,3 @@ struct VipsPage {
 /// ImageFile::OpenPage. Throws HostError.
 [[nodiscard]] VipsPage OpenVipsPage(const VipsFile &file, int page, const SourcePage &source,
                                     const PageTarget &target);
-
-#endif

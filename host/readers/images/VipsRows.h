@@ -1,6 +1,5 @@
 /// The rows of a libvips image, from top to bottom.
-#ifndef ZEL_HOST_IMAGES_VIPSROWS_H
-#define ZEL_HOST_IMAGES_VIPSROWS_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 #include "host/readers/images/VipsSupport.h"
@@ -32,5 +31,3 @@ private:
     std::atomic<bool> mStopped = false;
     std::atomic<bool> mCheckStopped = false;
 };
-
-#endif

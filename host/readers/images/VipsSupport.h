@@ -1,6 +1,5 @@
 /// libvips started, its objects owned, its errors as one line.
-#ifndef ZEL_HOST_IMAGES_VIPSSUPPORT_H
-#define ZEL_HOST_IMAGES_VIPSSUPPORT_H
+#pragma once
 
 #include <memory>
 #include <string>
@@ -16,5 +15,3 @@ void StartVips();
 
 /// What libvips last complained about, as one line; forgets it.
 [[nodiscard]] std::string TakeVipsError();
-
-#endif

@@ -1,7 +1,6 @@
 /// A program that works for zelprint through pipes, with nothing of zelprint's that it is not
 /// given: no environment, no open files, limited memory.
-#ifndef ZEL_HOST_PDF_CHILDPROCESS_H
-#define ZEL_HOST_PDF_CHILDPROCESS_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -66,5 +65,3 @@ private:
     Descriptor mInput, mOutput, mMessages;
     Descriptor mLifeline; ///< nothing is written here: the program ends when it is closed
 };
-
-#endif

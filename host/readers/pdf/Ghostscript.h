@@ -3,8 +3,7 @@
 ///
 /// What it does and says cannot be taken for true: its exit status is 0 after half a file, and a
 /// damaged file may crash it or keep it busy for ever. Whoever uses it counts and listens.
-#ifndef ZEL_HOST_PDF_GHOSTSCRIPT_H
-#define ZEL_HOST_PDF_GHOSTSCRIPT_H
+#pragma once
 
 #include "host/readers/pdf/ChildProcess.h"
 #include <chrono>
@@ -59,5 +58,3 @@ private:
     std::string mLine; ///< the beginning of one
     bool mOutputEnded = false, mMessagesEnded = false;
 };
-
-#endif

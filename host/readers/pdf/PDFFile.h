@@ -1,6 +1,5 @@
 /// A PDF file, drawn by Ghostscript beside zelprint.
-#ifndef ZEL_HOST_PDF_PDFFILE_H
-#define ZEL_HOST_PDF_PDFFILE_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 #include "host/readers/pdf/PDFOptions.h"
@@ -34,5 +33,3 @@ private:
     std::optional<std::vector<int>> mBlendedInRGB; ///< numbers of pages; read when first asked for
     std::shared_ptr<PDFRenderer> mRenderer;        ///< started with the first page
 };
-
-#endif

@@ -1,6 +1,5 @@
 /// What Ghostscript says while it draws, and what that means for the page.
-#ifndef ZEL_HOST_PDF_PDFMESSAGES_H
-#define ZEL_HOST_PDF_PDFMESSAGES_H
+#pragma once
 
 #include <string>
 
@@ -23,5 +22,3 @@ private:
     std::string mLost, mRepaired, mLast;
     bool mNeedsPassword = false, mWrongPassword = false;
 };
-
-#endif

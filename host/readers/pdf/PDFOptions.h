@@ -1,6 +1,5 @@
 /// What a user may choose about PDF files.
-#ifndef ZEL_HOST_PDF_PDFOPTIONS_H
-#define ZEL_HOST_PDF_PDFOPTIONS_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -17,5 +16,3 @@ struct PDFOptions {
     std::optional<bool> antialias; ///< empty: below the resolution where dots are too fine to see
     int pageSeconds = 0;           ///< how long one page may take to be drawn; 0: no limit
 };
-
-#endif

@@ -1,6 +1,5 @@
 /// The pages of a PDF file as the renderer finds them, before anything is drawn.
-#ifndef ZEL_HOST_PDF_PDFPAGES_H
-#define ZEL_HOST_PDF_PDFPAGES_H
+#pragma once
 
 #include "host/readers/pdf/Ghostscript.h"
 #include "host/readers/pdf/PDFOptions.h"
@@ -35,5 +34,3 @@ private:
 [[nodiscard]] std::vector<int> ReadPagesBlendedInRGB(const std::string &path,
                                                      const PDFOptions &options,
                                                      const std::vector<PDFPage> &pages);
-
-#endif

@@ -1,6 +1,5 @@
 /// Where a page of a PDF file lies on the page that is printed. Points are 1/72 inch; y goes up.
-#ifndef ZEL_HOST_PDF_PDFPLACEMENT_H
-#define ZEL_HOST_PDF_PDFPLACEMENT_H
+#pragma once
 
 #include "host/placement/PageLayout.h"
 
@@ -35,5 +34,3 @@ struct PDFMatrix {
 /// From points of the page, with its lower left corner at 0 0, to points of the driver's page.
 [[nodiscard]] PDFMatrix MatrixOf(const PageGrid &grid, const PDFPage &page,
                                  const PagePlacement &where);
-
-#endif

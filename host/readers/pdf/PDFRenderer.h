@@ -1,6 +1,5 @@
 /// Draws pages of one PDF file, one after the other, all in one size and one kind of colours.
-#ifndef ZEL_HOST_PDF_PDFRENDERER_H
-#define ZEL_HOST_PDF_PDFRENDERER_H
+#pragma once
 
 #include "host/readers/ImageFile.h"
 #include "host/readers/pdf/Ghostscript.h"
@@ -67,5 +66,3 @@ private:
     bool mToldRepair = false;
     int64_t mWaited = 0; ///< milliseconds for samples of this page
 };
-
-#endif
