@@ -2,6 +2,7 @@
 #include "colour/EightColourLUT.h"
 
 #include "platform/Platform.h"
+#include "support/CFText.h"
 #include <filesystem>
 #include <vector>
 
@@ -16,16 +17,6 @@ const UInt8 *Bytes(const std::string &text) {
 CFRef<CFURLRef> FileURL(const std::string &path) {
     return CFRef(CFURLCreateFromFileSystemRepresentation(kCFAllocatorDefault, Bytes(path),
                                                          static_cast<CFIndex>(path.size()), false));
-}
-
-/// Empty when the string has no UTF-8 form.
-std::string UTF8(CFStringRef string) {
-    const CFIndex size =
-        CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
-    std::string text(static_cast<size_t>(size), '\0');
-    if (!CFStringGetCString(string, text.data(), size, kCFStringEncodingUTF8)) return {};
-    text.resize(text.find('\0'));
-    return text;
 }
 
 bool IsProfile(const fs::path &path) {
@@ -63,7 +54,7 @@ std::string ProfilesFolder() {
 
 CFRef<CFURLRef> ProfileURL(CFStringRef name) {
     const std::string folder = ProfilesFolder();
-    const std::string file = UTF8(name);
+    const std::string file = UTF8Text(name).value_or("");
     // A stored name may come from somebody else's document: it must not lead out of the folder.
     if (folder.empty() || file.empty() || file.find('/') != std::string::npos) return {};
     return FileURL(folder + "/" + file);

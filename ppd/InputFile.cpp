@@ -1,7 +1,6 @@
 #include "ppd/InputFile.h"
 
 #include <cerrno>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,29 +16,17 @@ off_t RegularFileSize(int descriptor) {
     return info.st_size;
 }
 
-/// Without O_NONBLOCK the mere opening of a FIFO waits for a writer.
-int OpenRegularFile(const std::string &path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0 || RegularFileSize(descriptor) >= 0) return descriptor;
-    close(descriptor);
-    return -1;
-}
-
 } // namespace
 
 InputFile::InputFile(const std::string &path)
-    : mDescriptor(OpenRegularFile(path)), mBuffer(new char[kBufferSize]) {
+    : mFile(OpenRegularFile(path)), mBuffer(new char[kBufferSize]) {
     Rewind();
-}
-
-InputFile::~InputFile() {
-    if (mDescriptor >= 0) close(mDescriptor);
 }
 
 void InputFile::Rewind() {
     mPosition = mLimit = 0;
     mOffset = 0;
-    mSize = RegularFileSize(mDescriptor);
+    mSize = RegularFileSize(mFile.Get());
     mReachedEnd = false;
 }
 
@@ -49,7 +36,7 @@ bool InputFile::Fill() {
     ssize_t got = 0;
     if (wanted > 0) {
         do {
-            got = pread(mDescriptor, mBuffer.get(), static_cast<size_t>(wanted), mOffset);
+            got = pread(mFile.Get(), mBuffer.get(), static_cast<size_t>(wanted), mOffset);
         } while (got < 0 && errno == EINTR);
     }
     if (got <= 0) {

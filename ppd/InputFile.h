@@ -1,6 +1,8 @@
 /// Buffered reading of a file whose content is not to be trusted.
 #pragma once
 
+#include "support/RegularFile.h"
+
 #include <sys/types.h>
 
 #include <memory>
@@ -17,7 +19,6 @@ public:
     static constexpr int kEnd = -1;
 
     explicit InputFile(const std::string &path);
-    ~InputFile();
     InputFile(const InputFile &) = delete;
     InputFile &operator=(const InputFile &) = delete;
 
@@ -52,7 +53,7 @@ private:
     bool Fill();
 
     static constexpr size_t kBufferSize = 64 * 1024;
-    int mDescriptor;
+    FileDescriptor mFile;
     std::unique_ptr<char[]> mBuffer;
     size_t mPosition = 0, mLimit = 0; ///< of the unread bytes in mBuffer
     off_t mOffset = 0;                ///< in the file, of the byte after mLimit

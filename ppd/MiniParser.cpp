@@ -2,12 +2,12 @@
 
 #include "ppd/ParserError.h"
 #include "ppd/TextFields.h"
+#include "support/CFText.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <string_view>
-#include <vector>
 
 namespace PPD {
 namespace {
@@ -36,16 +36,12 @@ int HexDigit(int c) {
     return -1;
 }
 
-std::string PathOfURL(CFURLRef url) {
+std::string PathOf(CFURLRef url) {
     const CFRef<CFStringRef> path(url ? CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle)
                                       : nullptr);
-    if (!path) throw ParserError("Can't get path to file");
-    const CFIndex size =
-        CFStringGetMaximumSizeForEncoding(CFStringGetLength(path.Get()), kCFStringEncodingUTF8) + 1;
-    std::vector<char> buffer(static_cast<size_t>(size));
-    if (!CFStringGetCString(path.Get(), buffer.data(), size, kCFStringEncodingUTF8))
-        throw ParserError("Can't get path to file");
-    return buffer.data();
+    const auto text = UTF8Text(path.Get());
+    if (!text) throw ParserError("Can't get path to file");
+    return *text;
 }
 
 /// Steps over bytes up to the first that `isStop` accepts, which stays unread, or to the end;
@@ -64,11 +60,11 @@ void TakeUntil(InputFile &file, IsStop isStop, std::string *text) {
 } // namespace
 
 MiniParser::MiniParser(CFURLRef url)
-    : mURL(CFRef<CFURLRef>::Retain(url)), mFile(PathOfURL(mURL.Get())) {
+    : mURL(CFRef<CFURLRef>::Retain(url)), mFile(PathOf(mURL.Get())) {
     Init();
 }
 
-MiniParser::MiniParser(const MiniParser &other) : mURL(other.mURL), mFile(PathOfURL(mURL.Get())) {
+MiniParser::MiniParser(const MiniParser &other) : mURL(other.mURL), mFile(PathOf(mURL.Get())) {
     Init();
 }
 

@@ -3,6 +3,7 @@
 #include "ppd/MiniParser.h"
 #include "ppd/ParserError.h"
 #include "ppd/TextFields.h"
+#include "support/Units.h"
 
 #include <algorithm>
 #include <limits>
@@ -19,11 +20,6 @@ int64_t Truncated(double value) {
 
 bool IsOdd(double value) {
     return Truncated(value) % 2 != 0;
-}
-
-/// The lower limit wins where the limits cross, the upper one over a value that is no number.
-double Clamped(double value, double low, double high) {
-    return std::max(low, std::min(high, value));
 }
 
 PostscriptPage MakePage(const PPD::Statement &size, const std::string &area) {
@@ -53,7 +49,7 @@ PostscriptPages::CustomPageParam::CustomPageParam(std::string name, const std::s
 }
 
 void PostscriptPages::CustomPageParam::SetValue(double value) {
-    mValue = Clamped(value, mMinValue, mMaxValue);
+    mValue = Clamped(value, {mMinValue, mMaxValue});
 }
 
 PostscriptPages::PostscriptPages()

@@ -2,6 +2,7 @@
 /// widget. Numbers are written and read with the decimal separator of the user's locale.
 #pragma once
 
+#include <algorithm>
 #include <string>
 
 /// What reading a number gives.
@@ -20,6 +21,12 @@ enum DialogUnit : int { kPixels = 0, kPoints = 1, kMillimetres = 2, kInches = 3 
 struct NumberRange {
     double low, high; ///< both inclusive
 };
+
+/// The value, or the limit that it is beyond. The lower limit wins where the limits cross, the
+/// upper one over a value that is no number.
+[[nodiscard]] inline double Clamped(double value, NumberRange range) {
+    return std::max(range.low, std::min(range.high, value));
+}
 
 /// Reads `text`. `value` is the number when the result is kFetchNumber, otherwise 0.
 [[nodiscard]] FetchResult FetchDoubleFromText(const std::string &text, double &value,

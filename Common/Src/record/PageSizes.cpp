@@ -2,7 +2,6 @@
 
 #include "ppd/PostscriptPages.h"
 
-#include <algorithm>
 #include <utility>
 
 PageSize SizeInRecord(const PostscriptPage &page, bool rotated) {
@@ -21,8 +20,4 @@ std::optional<CustomDimensions> LimitsInRecord(const PostscriptPages &pages, boo
     }
     if (rotated) std::swap(limits.width, limits.height);
     return limits;
-}
-
-double Clamped(double value, NumberRange range) {
-    return std::max(range.low, std::min(range.high, value));
 }

@@ -19,6 +19,3 @@ struct PageSize {
 /// The limits of custom pages; nothing when the printer's description does not tell them.
 [[nodiscard]] std::optional<CustomDimensions> LimitsInRecord(const PostscriptPages &pages,
                                                              bool rotated);
-
-/// The value, or the limit that it is beyond. The lower one wins when the limits cross.
-[[nodiscard]] double Clamped(double value, NumberRange range);

@@ -59,7 +59,7 @@ flush quit
     throw HostError(ExitStatus::Input, NameOfInput(path) + ": " + why);
 }
 
-[[noreturn]] void ThrowUnreadable(const std::string &path, bool hasPassword,
+[[noreturn]] void ThrowUnreadableFile(const std::string &path, bool hasPassword,
                                   const PDFMessages &messages, const std::string &end) {
     // A wrong password for some kinds of encryption crashes the renderer.
     const bool crashed = hasPassword && end.find("signal") != std::string::npos;
@@ -133,7 +133,7 @@ std::vector<PDFPage> PDFPageCount::Finish() {
     if (mList->IsTooLong())
         Refuse(mPath,
                "it says that it has more than " + std::to_string(kMostPages) + " pages; split it");
-    if (!mList->IsWhole()) ThrowUnreadable(mPath, mHasPassword, mList->Messages(), end);
+    if (!mList->IsWhole()) ThrowUnreadableFile(mPath, mHasPassword, mList->Messages(), end);
     return mList->Take();
 }
 
