@@ -1,6 +1,5 @@
 /// The page that --media auto stands for: what the document is made for.
-#ifndef ZEL_HOST_AUTOMEDIA_H
-#define ZEL_HOST_AUTOMEDIA_H
+#pragma once
 
 #include "host/driver/PrinterModel.h"
 #include "host/driver/Record.h"
@@ -26,5 +25,3 @@ struct DocumentSize {
 /// size.
 [[nodiscard]] RecordPage NearestMedia(const PrinterModel &printer, const DocumentSize &size,
                                       bool eps);
-
-#endif

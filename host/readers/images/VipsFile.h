@@ -2,8 +2,7 @@
 #pragma once
 
 #include "host/readers/ImageFile.h"
-#include "host/readers/TIFFPages.h"
-#include "host/readers/images/VipsSupport.h"
+#include "host/readers/images/VipsLoader.h"
 
 class VipsFile : public ImageFile {
 public:
@@ -16,29 +15,11 @@ public:
     [[nodiscard]] SourcePage Describe(int page) override;
     [[nodiscard]] PageImage OpenPage(int page, const PageTarget &target) override;
 
-    /// Opens page `page` as it is in the file. `scale` enlarges a drawing (1: 96 dots an
-    /// inch) and is ignored for images. A `sequential` image can only be read once, from top to
-    /// bottom.
-    [[nodiscard]] VipsImagePtr Load(int page, double scale, bool sequential) const;
-
-    /// A HostError that says that page `page` cannot be read, with what libvips has to say.
-    [[noreturn]] void ThrowUnreadable(int page) const;
-
 private:
-    template <typename... Options>
-    [[nodiscard]] VipsImagePtr LoadWith(const char *loader, int page, bool sequential,
-                                        Options... options) const;
-    [[nodiscard]] VipsImagePtr AtFullDepth(VipsImagePtr image) const;
-    [[nodiscard]] int PrimaryPicture() const;
     void CountPages(VipsImage *image);
     void MeasureDrawing(SourcePage &page) const;
 
-    [[nodiscard]] const TIFFPage &TIFFPageAt(int page) const;
-
-    std::string mPath, mName;
-    FileKind mKind;
-    bool mTolerant;
-    std::vector<TIFFPage> mTIFFPages; ///< of a TIFF file
-    int mPageCount = 0;               ///< 0: not counted yet
+    VipsLoader mLoader;
+    int mPageCount = 0; ///< 0: not counted yet
     int mFrames = 0;
 };

@@ -10,7 +10,7 @@ namespace {
 /// A chain of libvips operations on one page; the first that fails ends it.
 class Chain {
 public:
-    Chain(const VipsFile &file, int page, VipsImagePtr image)
+    Chain(const VipsLoader &file, int page, VipsImagePtr image)
         : mFile(file), mPage(page), mImage(std::move(image)) {}
 
     [[nodiscard]] VipsImage *Get() const { return mImage.get(); }
@@ -41,7 +41,7 @@ public:
     }
 
 private:
-    const VipsFile &mFile;
+    const VipsLoader &mFile;
     int mPage;
     VipsImagePtr mImage;
 };
@@ -175,7 +175,7 @@ void TrimDrawing(Chain &chain, const Placement &place) {
 }
 
 /// Drawings are drawn in the size that they have on the page.
-VipsPage OpenDrawing(const VipsFile &file, int page, const SourcePage &source,
+VipsPage OpenDrawing(const VipsLoader &file, int page, const SourcePage &source,
                      const PageTarget &target) {
     const bool turned = target.placement.turned;
     VipsPage result;
@@ -193,7 +193,7 @@ VipsPage OpenDrawing(const VipsFile &file, int page, const SourcePage &source,
     return result;
 }
 
-VipsPage OpenPicture(const VipsFile &file, int page, const SourcePage &source,
+VipsPage OpenPicture(const VipsLoader &file, int page, const SourcePage &source,
                      const PageTarget &target) {
     const bool turned = target.placement.turned;
     VipsPage result;
@@ -211,7 +211,7 @@ VipsPage OpenPicture(const VipsFile &file, int page, const SourcePage &source,
 
 } // namespace
 
-VipsPage OpenVipsPage(const VipsFile &file, int page, const SourcePage &source,
+VipsPage OpenVipsPage(const VipsLoader &file, int page, const SourcePage &source,
                       const PageTarget &target) {
     VipsPage result = source.drawnWidth > 0 ? OpenDrawing(file, page, source, target)
                                             : OpenPicture(file, page, source, target);

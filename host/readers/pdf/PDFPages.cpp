@@ -60,7 +60,7 @@ flush quit
 }
 
 [[noreturn]] void ThrowUnreadableFile(const std::string &path, bool hasPassword,
-                                  const PDFMessages &messages, const std::string &end) {
+                                      const PDFMessages &messages, const std::string &end) {
     // A wrong password for some kinds of encryption crashes the renderer.
     const bool crashed = hasPassword && end.find("signal") != std::string::npos;
     if (messages.IsWrongPassword() || crashed)
