@@ -84,7 +84,7 @@ void CheckSeparations(const std::vector<std::string> &wanted) {
     }
 }
 
-std::string QueuePPD(const Options &options, const std::string &bundlePath) {
+std::string PPDFromOptions(const Options &options, const std::string &bundlePath) {
     if (options.ppd.empty())
         throw HostError(ExitStatus::Usage, "give the printer's PPD file with --ppd");
     const DriverBundle bundle(bundlePath);
@@ -142,7 +142,7 @@ void RunLpadmin(const std::vector<std::string> &words) {
 
 ExitStatus Make(const Options &options, const std::string &bundle) {
     const std::string folder = CheckedFolder(options.hotFolder);
-    const TemporaryFile ppd(QueuePPD(options, bundle));
+    const TemporaryFile ppd(PPDFromOptions(options, bundle));
     std::vector<std::string> words = {
         "-p", options.name, "-v", DeviceURI(folder), "-P", ppd.Path(), "-E",
         // The next job would overtake one that failed.
@@ -176,7 +176,7 @@ ExitStatus Run(const Options &options, const std::string &bundle) {
     CheckName(options.name);
     if (options.remove) return Remove(options.name);
     if (!options.printPPD) return Make(options, bundle);
-    Answer(QueuePPD(options, bundle));
+    Answer(PPDFromOptions(options, bundle));
     return ExitStatus::Success;
 }
 

@@ -31,3 +31,8 @@ std::string PathOfURL(CFURLRef url) {
         return {};
     return path;
 }
+
+CFDictionaryRef AsDictionary(CFTypeRef value) {
+    if (!value || CFGetTypeID(value) != CFDictionaryGetTypeID()) return nullptr;
+    return static_cast<CFDictionaryRef>(value);
+}

@@ -39,3 +39,5 @@ private:
 [[nodiscard]] CFOwner<CFURLRef> MakeFileURL(const std::string &path, bool isFolder);
 /// The path of a URL; empty when it has none or it is too long.
 [[nodiscard]] std::string PathOfURL(CFURLRef url);
+/// What a property list holds, if it is a dictionary; null for anything else, and for null.
+[[nodiscard]] CFDictionaryRef AsDictionary(CFTypeRef value);

@@ -2,7 +2,7 @@
 
 #include "host/job/PageCache.h"
 #include "host/job/Replacement.h"
-#include "host/job/Settings.h"
+#include "host/job/SettingsFile.h"
 #include "host/readers/RowReader.h"
 #include "host/separations/Separations.h"
 #include "host/terminal/Cancellation.h"

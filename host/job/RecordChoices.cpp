@@ -8,7 +8,7 @@
 #include "host/job/PageSet.h"
 #include "host/job/RasterPlan.h"
 #include "host/job/Replacement.h"
-#include "host/job/Settings.h"
+#include "host/job/SettingsFile.h"
 #include "host/separations/Separations.h"
 #include "host/terminal/Console.h"
 #include "host/terminal/ExitStatus.h"

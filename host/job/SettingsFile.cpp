@@ -1,4 +1,4 @@
-#include "host/job/Settings.h"
+#include "host/job/SettingsFile.h"
 
 #include "PSHPrint.h"
 #include "host/job/OutputStaging.h"
@@ -62,11 +62,6 @@ void WriteWhole(const std::string &path, const std::vector<uint8_t> &bytes) {
     if (file) (void)unlink(draft.c_str());
     throw HostError(ExitStatus::Output,
                     "cannot save the settings as " + path + ": " + strerror(code));
-}
-
-CFDictionaryRef AsDictionary(CFTypeRef value) {
-    if (!value || CFGetTypeID(value) != CFDictionaryGetTypeID()) return nullptr;
-    return static_cast<CFDictionaryRef>(value);
 }
 
 } // namespace
