@@ -34,12 +34,13 @@ wait "$making" || { tail -n 5 "$work/log"; making=; exit 77; }
 making=
 
 package=$(echo "$work"/packages/zelprint_*.deb)
-dpkg-deb --contents "$package" | awk '{ print $3, $6 }'
+contents=$(dpkg-deb --contents "$package" | awk '{ print $6, $3 }')
+echo "$contents"
 for file in usr/bin/zelprint usr/lib/cups/backend/zelprint usr/share/man/man1/zelprint.1.gz \
     usr/share/man/man1/zelprint-queue.1.gz usr/share/zsh/vendor-completions/_zelprint \
     usr/share/bash-completion/completions/zelprint usr/share/applications/zelprint.desktop \
     usr/share/doc/zelprint/copyright usr/share/doc/zelprint/changelog.gz; do
-    dpkg-deb --contents "$package" | grep -q " \./$file\$" || fail "it lacks $file"
+    grep -q "^\./$file " <<<"$contents" || fail "it lacks $file"
 done
 
 mount -t proc proc "$root/proc"
@@ -57,12 +58,14 @@ dpkg-deb -b "$work/older" "$root/srv/older.deb" >/dev/null
 before=$(size)
 inside apt-get update >"$work/log" 2>&1 &&
     inside apt-get install -y --no-install-recommends /srv/older.deb >>"$work/log" 2>&1 || { tail "$work/log"; fail "it cannot be installed"; }
-echo "installed: $(($(size) - before)) MB"
+megabytes=$(($(size) - before))
+echo "installed: $megabytes MB"
+[ "$megabytes" -lt 350 ] || fail "it brings more than documents are printed with"
 inside sh -c 'command -v gcc clang' && fail "a compiler came with it"
 inside zelprint defaults --colour-space gray || fail "no defaults can be saved"
 inside sh -c 'apt-get install -y --no-install-recommends /srv/zelprint_*.deb' >>"$work/log" 2>&1 || { tail "$work/log"; fail "it cannot replace an older version"; }
 [ ! -e "$root/usr/share/doc/zelprint/old" ] || fail "a file of the older version stays"
-inside zelprint defaults --json | grep -q '"colour_space": "gray"' || fail "the user's defaults are gone after an upgrade"
+grep -q '"colour_space": "gray"' <<<"$(inside zelprint defaults --json)" || fail "the user's defaults are gone after an upgrade"
 
 mkdir "$root/srv/hot"
 for file in photograph.jpg page.pdf; do
