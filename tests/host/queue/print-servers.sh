@@ -61,8 +61,8 @@ IdleExitTimeout 0
 CONF
 }
 
-server() { # NAME: starts a scheduler; sets address and pid
-    local dir=$work/$1 tries=0 port part
+server() { # NAME: makes a scheduler and starts it; sets address and pid
+    local dir=$work/$1 part
     mkdir -p "$dir"/{etc,bin/backend,spool/tmp,cache,state,log}
     for part in cgi-bin daemon driver filter monitor notifier; do ln -s "/usr/lib/cups/$part" "$dir/bin/$part"; done
     install -m 0755 /usr/lib/cups/backend/ipp "$work/installed/lib/cups/backend/zelprint" "$dir/bin/backend"
@@ -79,6 +79,10 @@ PageLog $dir/log/page
 SetEnv ZELPRINT $zelprint
 SetEnv ZEL_SYSTEM_LIBRARY $ZEL_SYSTEM_LIBRARY
 CONF
+    restart "$1"
+}
+restart() { # NAME: starts a scheduler that has been made; sets address and pid
+    local dir=$work/$1 tries=0 port
     pid=
     while [ -z "$pid" ]; do # a free port is found by trying
         tries=$((tries + 1))
@@ -108,7 +112,7 @@ whole() { [ "$(tail -n 1 "$1")" = "%%EOF" ]; }
 says() { grep -qaE -- "$2" "$1"; }
 pages() { [ "$(grep -ac '^%%Page: ' "$1")" = "$2" ]; }
 idle() { [ -z "$(lpstat -o "$@" 2>/dev/null)" ]; }
-told() { lpstat -l -p "$1" | grep -q -- "$2"; }
+told() { lpstat -l -p "$1" | grep -qE -- "$2"; }
 files() { find "$work/$1" -mindepth 1 | wc -l; }
 holds() { [ "$(files "$1")" -eq "$2" ]; }
 in_place() { # the outer edges of the first page's frame lie 34 pt from the sheet's
