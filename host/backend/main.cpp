@@ -162,8 +162,9 @@ int RunJob(QueueJob job, const char *sent) {
     const std::string file = sent ? sent : folder.File("document");
     if (!sent && !SpoolInput(file)) {
         if (IsCancelled()) return CUPS_BACKEND_OK;
-        return Fail(CUPS_BACKEND_STOP,
-                    "The document could not be put into the spool folder; is its disk full?");
+        return WaitForFolder(kFolderFull,
+                             "The document could not be put into the spool folder; make "
+                             "room on its disk");
     }
     struct stat info = {};
     if (stat(file.c_str(), &info) == 0 && info.st_size == 0)

@@ -47,6 +47,7 @@ Browsing Off
 WebInterface No
 DefaultAuthType None
 IdleExitTimeout 0
+DirtyCleanInterval 0
 <Location />
   Order allow,deny
   Allow all
@@ -111,7 +112,10 @@ queue() { # NAME FOLDER [OPTION...]
 whole() { [ "$(tail -n 1 "$1")" = "%%EOF" ]; }
 says() { grep -qaE -- "$2" "$1"; }
 pages() { [ "$(grep -ac '^%%Page: ' "$1")" = "$2" ]; }
-idle() { [ -z "$(lpstat -o "$@" 2>/dev/null)" ]; }
+idle() { # of existing queues only
+    local waiting
+    waiting=$(lpstat -o "$@" 2>&1) && [ -z "$waiting" ]
+}
 told() { lpstat -l -p "$1" | grep -qE -- "$2"; }
 files() { find "$work/$1" -mindepth 1 | wc -l; }
 holds() { [ "$(files "$1")" -eq "$2" ]; }

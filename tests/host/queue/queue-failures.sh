@@ -42,15 +42,21 @@ for job in 1 2 3; do lp -d late -t "late$job" -o PageSize=Custom.40x40mm "$work/
 check "a missing folder is told" until_true 60 told late 'is not there'
 small=
 mkdir "$work/small"
-if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=64k,mode=0777 none "$work/small" 2>/dev/null; then
+if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=4m,mode=0777 none "$work/small" 2>/dev/null; then
     small=yes
     trap 'umount -l "$work/small"; finish' EXIT
     queue small small >/dev/null
-    head -c 60000 /dev/zero >"$work/small/.filler"
+    head -c 4190000 /dev/zero >"$work/small/.filler"
     for job in 1 2 3; do lp -d small -t "small$job" -o Resolution=150dpi -o PageSize=Custom.40x40mm -P 1 "$work/doc.pdf" >/dev/null; done
     check "a full disk is told" until_true 60 sh -c 'lpstat -l -p small | grep -q "make room"'
     check "and shown as the printer's state" sh -c 'lpstat -l -p small | grep -q com.zel.hot-folder-full'
     check "nothing is there of its job" holds small 1
+    # A full spool folder passes as well.
+    (
+        head -c 1000000 /dev/zero | TMPDIR=$work/small DEVICE_URI=zelprint:$work/press PPD=$work/queue.ppd \
+            "$work/installed/lib/cups/backend/zelprint" 1 user title 1 '' 2>"$work/spool.told"
+        echo $? >"$work/spool.status"
+    ) &
 else
     echo "not tried: a full disk (no file system can be mounted here)" >&2
 fi
@@ -121,7 +127,7 @@ check "cancelling leaves nothing" until_true 30 sh -c '[ -z "$(find "$0" "$0/pre
 check "the queue is free" until_true 30 idle press
 
 # --- a hot folder that is replaced while a job is printed
-lp -d one -t replaced -o Resolution=1200dpi "$work/doc.pdf" >/dev/null
+lp -d one -t replaced "$work/doc.pdf" >/dev/null
 until_true 60 pgrep -f "$zelprint .*--title=replaced" || true
 mv "$work/one" "$work/old"
 folder one
@@ -136,12 +142,14 @@ check "in order" sh -c 'test "$(ls -tr "$0" | tr "\n" " ")" = "late1.ps late2.ps
 check "the folder's state is taken back" sh -c '! lpstat -l -p late | grep -q com.zel'
 if [ -n "$small" ]; then
     check "the jobs come when the disk has room" until_true 90 idle small
+    check "a full spool folder is told" says "$work/spool.told" '^INFO: The document could not be put .* make room'
+    check "and the job tried again" until_true 40 grep -qx 7 "$work/spool.status"
     check "in order, those too" sh -c 'test "$(ls -tr "$0" | tr "\n" " ")" = "small1.ps small2.ps small3.ps "' "$work/small"
 fi
 
 # --- the scheduler is stopped, or dies, in the middle of a job
 for signal in TERM KILL; do
-    print -t "again$signal" -o Resolution=1200dpi -n 4 "$work/doc.pdf"
+    print -t "again$signal" "$work/doc.pdf"
     check "a job begins before $signal" until_true 60 pgrep -f "$zelprint .*--title=again$signal"
     kill -s $signal "$scheduler"
     check "nothing goes on after $signal" until_true 30 no_orphan "again$signal"
@@ -152,7 +160,7 @@ for signal in TERM KILL; do
     export CUPS_SERVER=$address
     check "its job is printed after $signal" until_true 120 idle press
     check "once, after $signal" count press "again$signal*.ps" 1
-    check "with all its pages, after $signal" pages "$work/press/again$signal.ps" 12
+    check "with all its pages, after $signal" pages "$work/press/again$signal.ps" 3
 done
 check "files have appeared in one step" grep -q '^moved next.ps$' "$work/watched"
 check "and never been seen half" sh -c '! grep -v ^moved "$0"' "$work/watched"
