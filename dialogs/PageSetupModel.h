@@ -12,10 +12,12 @@ struct CustomDimensions {
     NumberRange width, height;
 };
 
-/// Where the page lies on the sheet, in points, as the printer sees the sheet: not turned.
+/// Where the page lies on the sheet, in points, as the printer sees the sheet: not turned. An EPS
+/// file and custom paper are sheets of the page's own size.
 struct PagePlace {
     double left = 0, bottom = 0; ///< margins; 0 on custom paper
     double width = 0, height = 0;
+    double sheetWidth = 0, sheetHeight = 0;
 };
 
 /// The driver's side of the dialog. Nothing here throws: AppKit calls it, and no C++ exception may

@@ -331,9 +331,8 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     content.bottom = place.bottom;
     content.areaWidth = place.width;
     content.areaHeight = place.height;
-    // A PPD file's margins on the other two sides are not kept: taken to be as wide.
-    content.sheetWidth = place.width + 2 * place.left;
-    content.sheetHeight = place.height + 2 * place.bottom;
+    content.sheetWidth = place.sheetWidth;
+    content.sheetHeight = place.sheetHeight;
     content.isTurned = _setup->IsRotated();
     content.isFlippedHorizontally = _setup->IsFlippedHorizontally();
     content.isFlippedVertically = _setup->IsFlippedVertically();
@@ -467,6 +466,8 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     _setup->SetPaperSize(width, height);
     [self showSize];
     [self handleWidthOrHeightTyping];
+    // Of a page that reads the same, the name alone is taken: the numbers stay the typed ones.
+    if (!_setup->IsCustomPaper()) _setup->SetPaperSize(width, height);
     return YES;
 }
 

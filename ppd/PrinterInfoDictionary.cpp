@@ -2,7 +2,6 @@
 
 #include "ZELExtensions.h"
 #include "ppd/LanguageEncoding.h"
-#include "ppd/MiniParser.h"
 #include "ppd/ParserError.h"
 #include "support/CFText.h"
 
@@ -128,13 +127,6 @@ Dictionary CustomPageOf(const PostscriptPages &pages) {
     return dictionary;
 }
 
-/// The printer description keeps no sheets: they are no business of the driver's.
-PPD::SheetSizes SheetSizesOf(CFURLRef ppd) {
-    if (!ppd) return PPD::BuiltInSheetSizes();
-    PPD::MiniParser parser(ppd);
-    return PPD::ReadSheetSizes(parser);
-}
-
 } // namespace
 
 CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info,
@@ -158,7 +150,7 @@ CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &
 CFRef<CFDictionaryRef> CreatePrinterInfoDictionary(const PostscriptPrinterInfo &info) {
     PPD::SheetSizes sheets;
     try {
-        sheets = SheetSizesOf(info.URL());
+        sheets = PPD::SheetSizesOf(info.URL());
     } catch (const PPD::ParserError &) {
         // What has been read of the printer before is good all the same.
     }
@@ -172,7 +164,7 @@ CFDictionaryRef ZELPrCopyPrinterInfo(CFURLRef ppd, CFStringRef *message) {
         const PostscriptPrinterInfo info =
             ppd ? PostscriptPrinterInfo(ppd)
                 : PostscriptPrinterInfo(PostscriptPrinterInfo::Chosen::BuiltIn);
-        return CreatePrinterInfoDictionary(info, SheetSizesOf(ppd)).Detach();
+        return CreatePrinterInfoDictionary(info, PPD::SheetSizesOf(ppd)).Detach();
     } catch (const PPD::ParserError &error) {
         refusal = error.ErrorMessage();
     } catch (...) {

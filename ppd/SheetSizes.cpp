@@ -24,4 +24,10 @@ SheetSizes BuiltInSheetSizes() {
     return {{"A4", {595, 842}}};
 }
 
+SheetSizes SheetSizesOf(CFURLRef ppd) {
+    if (!ppd) return BuiltInSheetSizes();
+    MiniParser parser(ppd);
+    return ReadSheetSizes(parser);
+}
+
 } // namespace PPD

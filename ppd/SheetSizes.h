@@ -1,7 +1,8 @@
-/// The sizes of a printer's sheets. The driver itself knows a page by its imageable area alone;
-/// these are for hosts, which may want to place a page on its sheet.
+/// The sizes of a printer's sheets. A document knows a page by its imageable area alone; these are
+/// for who shows a page on its sheet or places it there: the page setup's picture, and hosts.
 #pragma once
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <map>
 #include <string>
 
@@ -17,6 +18,9 @@ struct SheetSize {
 using SheetSizes = std::map<std::string, SheetSize>;
 
 [[nodiscard]] SheetSizes ReadSheetSizes(MiniParser &parser);
+
+/// Of a PPD file, or of the built-in description for null. Throws PPD::ParserError.
+[[nodiscard]] SheetSizes SheetSizesOf(CFURLRef ppd);
 
 /// That of the one page of the built-in description.
 [[nodiscard]] SheetSizes BuiltInSheetSizes();

@@ -12,6 +12,7 @@
 #include "host/separations/Separations.h"
 #include "host/terminal/Console.h"
 #include "host/terminal/ExitStatus.h"
+#include <algorithm>
 #include <cstring>
 #include <numeric>
 #include <unistd.h>
@@ -109,6 +110,18 @@ void SuggestDocument(const DriverSession &session, const SourceFile &first) {
     ZEL_CALL(session.Bundle(), ZELPrSuggestPage)(session.Context(), nullptr, &page, 0);
 }
 
+/// Who types the size of one of the printer's pages into the dialog gets that page, with the two
+/// decimals that were typed; the page is printed in its own size.
+void TakeSizeOfNamedPage(const PrinterModel &printer, Record record) {
+    RecordPage chosen = record.Page();
+    const auto page = std::find_if(printer.pages.begin(), printer.pages.end(),
+                                   [&](const PrinterPage &p) { return p.name == chosen.name; });
+    if (chosen.custom || page == printer.pages.end()) return;
+    chosen.width = record.Rotated() ? page->Height() : page->Width();
+    chosen.height = record.Rotated() ? page->Width() : page->Height();
+    record.SetPage(chosen);
+}
+
 /// The printer that the job is to be repeated with; `ppd` is the one before the dialog.
 std::optional<std::string> RunPageSetup(const DriverSession &session, const SourceFile &first,
                                         std::optional<bool> queue, Handle record,
@@ -118,7 +131,9 @@ std::optional<std::string> RunPageSetup(const DriverSession &session, const Sour
     if (queue) ZEL_CALL(bundle, ZELPrSetSendToPrintQueue)(session.Context(), *queue);
     const std::string before = PrinterOf(session).ppd;
     RunDialog(session, ZEL_CALL(bundle, ZELPrStyle), record);
-    const std::string after = PrinterOf(session).ppd;
+    const SessionPrinter chosen = PrinterOf(session);
+    TakeSizeOfNamedPage(chosen.model, Record(record));
+    const std::string &after = chosen.ppd;
     if (after == before) return ppd;
     if (!after.empty() && access(after.c_str(), R_OK) != 0)
         Complain(after + ": it has gone since it was chosen; this job is still printed with it");

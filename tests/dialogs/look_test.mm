@@ -209,6 +209,27 @@ TEST_F(StyleFlow, PagePicture_FollowsSizeAndRotation) {
     Run();
 }
 
+TEST_F(StyleFlow, PagePicture_UnevenMargins_AreThoseOfThePrintersSheet) {
+    PPDOptions options;
+    options.hasPages = false;
+    options.extra = "*PageSize A4: \"\"\n*ImageableArea A4: \"12 60 560 820\"\n"
+                    "*PaperDimension A4: \"595 842\"\n";
+    UsePrinter(options);
+    WhenOpen([] {
+        const NSRect sheet = [[Controller() pagePicture] sheetRect];
+        const NSRect area = [[Controller() pagePicture] areaRect];
+        const double scale = NSHeight(sheet) / 842;
+        EXPECT_NEAR(NSWidth(sheet), 595 * scale, 1);
+        EXPECT_NEAR(NSMinX(area) - NSMinX(sheet), 12 * scale, 1);
+        EXPECT_NEAR(NSMaxX(sheet) - NSMaxX(area), 35 * scale, 1);
+        EXPECT_NEAR(NSMinY(area) - NSMinY(sheet), 60 * scale, 1);
+        EXPECT_NEAR(NSMaxY(sheet) - NSMaxY(area), 22 * scale, 1);
+        TakePicture(DialogWindow(), "look-uneven-margins");
+    });
+    Press(@"Cancel");
+    Run();
+}
+
 struct Orientation {
     bool turned, flippedH, flippedV;
     /// Where the page's upper left and upper right corners come to lie on the sheet: 0 or 1 of its

@@ -8,6 +8,7 @@
 #include "tests/dialogs/TestBundle.h"
 #include "tests/dialogs/TestPPD.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
@@ -312,6 +313,73 @@ TEST_F(PageSetupRules, Type_SizeOfAPage_TakesThePagesOwnSize) {
         EXPECT_EQ(mSetup.PaperWidth(), rotated ? 792 : 595);
         EXPECT_EQ(mSetup.PaperHeight(), rotated ? 595 : 792);
     }
+}
+
+/// A printer whose page A4 cannot be printed on evenly, and with `sheet` as its sheet's size.
+PPDOptions UnevenMargins(const std::string &sheet) {
+    PPDOptions options;
+    options.hasPages = false;
+    options.extra = "*PageSize A4: \"\"\n*ImageableArea A4: \"12 60 560 820\"\n";
+    if (!sheet.empty()) options.extra += "*PaperDimension A4: \"" + sheet + "\"\n";
+    return options;
+}
+
+struct SheetCase {
+    const char *what, *dimension;
+    bool rotated, eps, custom;
+    double left, bottom, width, height; ///< of the page on the sheet
+    double sheetWidth, sheetHeight;
+};
+
+class PageSetupSheet : public PageSetupRules, public testing::WithParamInterface<SheetCase> {};
+
+TEST_P(PageSetupSheet, Place_IsThatOfTheAreaOnItsSheet) {
+    const SheetCase &c = GetParam();
+    Use(UnevenMargins(c.dimension));
+    mSetup.SetRotated(c.rotated);
+    mSetup.ChoosePage(0);
+    mSetup.SetEPS(c.eps);
+    if (c.custom) mSetup.ChooseCustomPage();
+    const PagePlace place = mSetup.PlaceOnSheet();
+    EXPECT_EQ(place.left, c.left);
+    EXPECT_EQ(place.bottom, c.bottom);
+    EXPECT_EQ(place.width, c.width);
+    EXPECT_EQ(place.height, c.height);
+    EXPECT_EQ(place.sheetWidth, c.sheetWidth);
+    EXPECT_EQ(place.sheetHeight, c.sheetHeight);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Pages, PageSetupSheet,
+    testing::Values(
+        SheetCase{"told", "595 842", false, false, false, 12, 60, 548, 760, 595, 842},
+        SheetCase{"turned", "595 842", true, false, false, 12, 60, 548, 760, 595, 842},
+        SheetCase{"not told", "", false, false, false, 12, 60, 548, 760, 572, 880},
+        SheetCase{"no number", "wide 842", false, false, false, 12, 60, 548, 760, 572, 880},
+        SheetCase{"too small", "100 100", false, false, false, 12, 60, 548, 760, 560, 820},
+        SheetCase{"EPS", "595 842", false, true, false, 0, 0, 548, 760, 548, 760},
+        SheetCase{"custom", "595 842", false, false, true, 0, 0, 548, 760, 548, 760}),
+    [](const testing::TestParamInfo<SheetCase> &info) {
+        std::string name = info.param.what;
+        std::replace(name.begin(), name.end(), ' ', '_');
+        return name;
+    });
+
+TEST_F(PageSetupRules, Place_FollowsThePrinterThatIsChosen) {
+    Use(UnevenMargins("595 842"));
+    mSetup.ChoosePage(0);
+    EXPECT_EQ(mSetup.PlaceOnSheet().sheetWidth, 595);
+    CFURLRef url = FolderURL(WriteFile(mFolder, "Other.ppd", PPDText(UnevenMargins("700 900"))));
+    mSetup.LoadPrinter(url);
+    CFRelease(url);
+    EXPECT_EQ(mSetup.PlaceOnSheet().sheetWidth, 700);
+}
+
+TEST_F(PageSetupRules, Place_FileThatHasGone_IsGuessed) {
+    Use(UnevenMargins("595 842"));
+    unlink((mFolder + "/Test.ppd").c_str());
+    mSetup.ChoosePage(0);
+    EXPECT_EQ(mSetup.PlaceOnSheet().sheetWidth, 572);
 }
 
 TEST_F(PageSetupRules, Type_PixelsWithoutResolution_ChangesNothing) {

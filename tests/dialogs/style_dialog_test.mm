@@ -440,6 +440,34 @@ TEST_F(StyleFlow, Typing_SizeOfAPage_SelectsIt) {
     EXPECT_NEAR(DoubleFromBigEndian(mRecord.mPageWidth_be), 612, 1e-9);
 }
 
+// While it is typed the page's own size is shown, in any unit; what is confirmed is what was typed.
+TEST_F(StyleFlow, Typing_SizeOfAPage_IsStoredAsTyped) {
+    WhenOpen([] {
+        TypeInto([Controller() pageWidth], "209.90");
+        TypeInto([Controller() pageHeight], "297.04");
+        EXPECT_EQ(DoubleFromBigEndian(ShownRecord().mPageWidth_be), 595);
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(RecordName(mRecord.mPageName), "A4");
+    EXPECT_EQ(mRecord.mPageIsCustom_be, 0u);
+    EXPECT_NEAR(DoubleFromBigEndian(mRecord.mPageWidth_be), 209.90 * 72 / 25.4, 1e-9);
+    EXPECT_NEAR(DoubleFromBigEndian(mRecord.mPageHeight_be), 297.04 * 72 / 25.4, 1e-9);
+}
+
+TEST_F(StyleFlow, Typing_SizeOfAPageThenAnotherUnit_KeepsThePage) {
+    WhenOpen([] {
+        TypeInto([Controller() pageWidth], "209.90");
+        TypeInto([Controller() pageHeight], "297.04");
+        ChooseTag([Controller() unitsMenu], kPoints);
+        EXPECT_EQ(Text([Controller() pageWidth]), "595.00");
+    });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ(RecordName(mRecord.mPageName), "A4");
+    EXPECT_EQ(DoubleFromBigEndian(mRecord.mPageWidth_be), 595);
+}
+
 TEST_F(StyleFlow, Typing_WithoutDecimals_IsRefreshedAndMatchedOnOK) {
     WhenOpen([] {
         ChooseTag([Controller() unitsMenu], kPoints);

@@ -167,6 +167,26 @@ TEST_F(ZelprintTest, PageSetup_FromDocument_TakesTheImagesSize) {
     EXPECT_TRUE(Contains(document, "%%BoundingBox: 0 0 300 400")) << document.substr(0, 500);
 }
 
+// One side of the page reads exactly with two decimals, the other does not.
+TEST_F(ZelprintTest, PageSetup_TypedSizeOfAPage_PrintsThePageInItsOwnSize) {
+    PPDOptions options;
+    options.extra = "*PageSize F: \"\"\n*ImageableArea F: \"0 0 595 792\"\n";
+    UsePrinter(options);
+    Zelprint({"--page-setup", "--hot-folder", "hot", "--save-settings", "settings"});
+    mPerson.WaitForWindow("dialog");
+    mPerson.Choose("unitsMenu", 2);
+    mPerson.Type("pageWidth", "209.90");
+    mPerson.Type("pageHeight", "279.40");
+    mPerson.Press("Return");
+    EXPECT_EQ(mPerson.Status(), 0) << mPerson.Log();
+    const std::string settings = ReadAll(mFolder + "/settings");
+    PSHPrint record = {};
+    settings.copy(reinterpret_cast<char *>(&record), sizeof record);
+    EXPECT_STREQ(record.mPageName, "F");
+    EXPECT_EQ(DoubleFromBigEndian(record.mPageWidth_be), 595);
+    EXPECT_EQ(DoubleFromBigEndian(record.mPageHeight_be), 792);
+}
+
 /// A PostScript document's number of pages.
 int PagesOf(const std::string &path) {
     const std::string document = ReadAll(path);

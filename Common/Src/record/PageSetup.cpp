@@ -45,6 +45,7 @@ std::vector<std::string> TitlesOrError(const std::function<std::vector<std::stri
 void PageSetup::Use(const PSHPrint &record, const PageSetupSources *sources) {
     mRecord = record;
     mSources = sources;
+    mSheets.reset();
 }
 
 const std::string &PageSetup::PrinterName() const {
@@ -77,16 +78,46 @@ void PageSetup::SetPaperSize(double width, double height) {
     mRecord.mPageHeight_be = DoubleToBigEndian(height);
 }
 
+const PPD::SheetSizes &PageSetup::Sheets() const {
+    if (!mSheets) {
+        mSheets.emplace();
+        try {
+            *mSheets = PPD::SheetSizesOf(Printer().URL());
+        } catch (...) {
+            // The file has gone since the printer was read: a picture without its sheets.
+        }
+    }
+    return *mSheets;
+}
+
+/// The sheet of a page whose area is in place. Where the printer's file does not tell it, the other
+/// two margins are taken to be as wide.
+void PageSetup::PlaceSheet(const std::string &page, PagePlace &place) const {
+    const auto sheet = Sheets().find(page);
+    const bool isTold = sheet != Sheets().end();
+    place.sheetWidth = isTold ? sheet->second.width : place.width + 2 * place.left;
+    place.sheetHeight = isTold ? sheet->second.height : place.height + 2 * place.bottom;
+    // An area may reach over its sheet's edges by what its numbers are rounded.
+    place.sheetWidth = std::max(place.sheetWidth, place.left + place.width);
+    place.sheetHeight = std::max(place.sheetHeight, place.bottom + place.height);
+}
+
 PagePlace PageSetup::PlaceOnSheet() const {
     PagePlace place;
-    place.width = PaperWidth();
-    place.height = PaperHeight();
-    if (IsRotated()) std::swap(place.width, place.height);
+    place.width = place.sheetWidth = PaperWidth();
+    place.height = place.sheetHeight = PaperHeight();
+    if (IsRotated()) {
+        std::swap(place.width, place.height);
+        std::swap(place.sheetWidth, place.sheetHeight);
+    }
     const PostscriptPages &pages = Printer().Pages();
-    const int index = pages.FindPageByName(RecordName(mRecord.mPageName));
-    if (IsCustomPaper() || index < 0) return place;
+    const std::string name = RecordName(mRecord.mPageName);
+    const int index = pages.FindPageByName(name);
+    // An EPS file is cut to what is printed: there is no sheet around it.
+    if (IsCustomPaper() || IsEPS() || index < 0) return place;
     place.left = std::max(0.0, pages.GetPage(index).Getllx());
     place.bottom = std::max(0.0, pages.GetPage(index).Getlly());
+    PlaceSheet(name, place);
     return place;
 }
 
@@ -315,6 +346,7 @@ void PageSetup::LoadPrinter(CFURLRef ppd) {
     PostscriptPrinterInfo *loaded = LoadPrinterInfo(ppd).release();
     delete *mSources->printer;
     *mSources->printer = loaded;
+    mSheets.reset();
     if (!mSavedPrinterIsReplaced) mSavedPrinter = CopySavedPPDFile(mSources->preferencesDomain);
     mSavedPrinterIsReplaced = true;
     SavePPDFileLocation(mSources->preferencesDomain, BookmarkOf(ppd).Get());

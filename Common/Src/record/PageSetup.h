@@ -4,6 +4,7 @@
 #include "Common/Src/record/PageInfo.h"
 #include "PSHPrint.h"
 #include "dialogs/PageSetupModel.h"
+#include "ppd/SheetSizes.h"
 
 #include <functional>
 #include <optional>
@@ -83,8 +84,12 @@ private:
     int PageWithSizeText(const std::string &width, const std::string &height, int unit,
                          double widthPoints, double heightPoints) const;
 
+    const PPD::SheetSizes &Sheets() const;
+    void PlaceSheet(const std::string &page, PagePlace &place) const;
+
     PSHPrint mRecord = {};
     const PageSetupSources *mSources = nullptr;
+    mutable std::optional<PPD::SheetSizes> mSheets; ///< the printer's, read when first asked for
     bool mSavedPrinterIsReplaced = false;
     CFRef<CFPropertyListRef> mSavedPrinter; ///< the preference before the first replacement
 };
