@@ -66,14 +66,6 @@ void ReleaseLoadedWindow(NSWindow *window) {
     [[NSUserDefaults standardUserDefaults] synchronize];
 }
 
-/// The screen under the pointer.
-static NSScreen *PointerScreen(void) {
-    const NSPoint pointer = [NSEvent mouseLocation];
-    for (NSScreen *screen in [NSScreen screens])
-        if (NSPointInRect(pointer, [screen frame])) return screen;
-    return [NSScreen mainScreen];
-}
-
 static BOOL IsReachable(NSRect frame) {
     // Where a title bar can be grabbed.
     const NSRect bar = NSMakeRect(NSMidX(frame) - 40, NSMaxY(frame) - 20, 80, 20);
@@ -82,8 +74,8 @@ static BOOL IsReachable(NSRect frame) {
     return NO;
 }
 
-static void CentreOn(NSWindow *window, NSScreen *screen) {
-    const NSRect room = [screen visibleFrame], frame = [window frame];
+static void CentreIn(NSRect room, NSWindow *window) {
+    const NSRect frame = [window frame];
     [window setFrameOrigin:NSMakePoint(std::floor(NSMidX(room) - NSWidth(frame) / 2),
                                        std::floor(NSMidY(room) - NSHeight(frame) / 2))];
 }
@@ -98,7 +90,7 @@ void PlaceWindow(NSWindow *window, NSString *autosaveName) {
     const NSRect frame = NSMakeRect(NSMinX(saved), NSMaxY(saved) - NSHeight(designed),
                                     NSWidth(designed), NSHeight(designed));
     [window setFrame:frame display:NO];
-    if (!isSaved || !IsReachable(frame)) CentreOn(window, PointerScreen());
+    if (!isSaved || !IsReachable(frame)) CentreIn(RoomAtPointer(), window);
     PrepareToolkitWindow(window);
 }
 
@@ -147,7 +139,7 @@ void ShowLongText(NSTextField *field, NSString *text) {
         if ([shown sizeWithAttributes:attributes].width <= room) break;
         shown = WithoutMiddle(text, cut);
     }
-    [field setStringValue:shown];
+    SetToolkitText(field, shown);
     [field setToolTip:text];
 }
 

@@ -118,7 +118,13 @@ static NSBezierPath *MountainPath() {
     [frame stroke];
 }
 
+- (BOOL)isOpaque {
+    return YES;
+}
+
 - (void)drawRect:(NSRect)dirty {
+    [[NSColor windowBackgroundColor] set];
+    NSRectFill([self bounds]);
     if (![self hasSheet]) return;
     const NSRect sheet = [self sheetRect];
     [Grey(0.86) set];

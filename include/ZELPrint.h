@@ -35,7 +35,10 @@ ZEL_EXPORT int32_t ZELPrGetInfo(DriverContext *context, Handle record, ZELDriver
 /// Runs the page-setup dialog on the record. True when the user confirms: the record has then been
 /// changed and saved as the user's defaults. False when the user cancels, or when the dialog cannot
 /// be shown because there is no window system: both end the session without an error, so that every
-/// later call does nothing and returns 0. False too when it has ended before. Main thread only.
+/// later call does nothing and returns 0. False too when it has ended before. A size that the user
+/// has typed is the record's as it was typed, with two decimals at most, also when the record has
+/// the name of a page of that size: a host takes the page's own from ZELPrCopyPrinterInfo where all
+/// decimals count. Main thread only.
 ZEL_EXPORT Boolean ZELPrStyle(DriverContext *context, Handle record);
 
 /// Runs the print dialog. True when the user confirms: the record then has the page range and one

@@ -112,7 +112,7 @@ void SuggestDocument(const DriverSession &session, const SourceFile &first) {
 
 /// Who types the size of one of the printer's pages into the dialog gets that page, with the two
 /// decimals that were typed; the page is printed in its own size.
-void TakeSizeOfNamedPage(const PrinterModel &printer, Record record) {
+void TakeSizeOfNamedPage(const PrinterModel &printer, Record &record) {
     RecordPage chosen = record.Page();
     const auto page = std::find_if(printer.pages.begin(), printer.pages.end(),
                                    [&](const PrinterPage &p) { return p.name == chosen.name; });
@@ -132,7 +132,8 @@ std::optional<std::string> RunPageSetup(const DriverSession &session, const Sour
     const std::string before = PrinterOf(session).ppd;
     RunDialog(session, ZEL_CALL(bundle, ZELPrStyle), record);
     const SessionPrinter chosen = PrinterOf(session);
-    TakeSizeOfNamedPage(chosen.model, Record(record));
+    Record confirmed(bundle, record);
+    TakeSizeOfNamedPage(chosen.model, confirmed);
     const std::string &after = chosen.ppd;
     if (after == before) return ppd;
     if (!after.empty() && access(after.c_str(), R_OK) != 0)

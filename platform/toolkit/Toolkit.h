@@ -13,8 +13,14 @@ void PrepareToolkitView(NSView *view);
 /// Repairs a file panel before it is shown.
 void PrepareToolkitPanel(NSSavePanel *panel);
 
+/// Shows a text of any script in a label.
+void SetToolkitText(NSTextField *label, NSString *text);
+
 /// Prepares a window that has been placed, before it is shown.
 void PrepareToolkitWindow(NSWindow *window);
+
+/// What programs may use of the monitor with the pointer.
+NSRect RoomAtPointer(void);
 
 /// Prepares a panel in which a PPD file is chosen, before it is shown.
 void PrepareToolkitOpenPanel(NSOpenPanel *panel);

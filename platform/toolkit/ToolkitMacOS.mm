@@ -20,4 +20,13 @@ void PrepareToolkitWindow(NSWindow *window) {}
 
 void PrepareToolkitOpenPanel(NSOpenPanel *panel) {}
 
+void SetToolkitText(NSTextField *label, NSString *text) { [label setStringValue:text]; }
+
+NSRect RoomAtPointer(void) {
+    const NSPoint pointer = [NSEvent mouseLocation];
+    for (NSScreen *screen in [NSScreen screens])
+        if (NSPointInRect(pointer, [screen frame])) return [screen visibleFrame];
+    return [[NSScreen mainScreen] visibleFrame];
+}
+
 NSString *SystemPPDFolder(void) { return @"/Library/Printers/PPDs/Contents/Resources"; }

@@ -128,7 +128,7 @@
             [self writeControl:(NSControl *)sub name:name != nil ? name : @"field"];
         else if ([sub isKindOfClass:[NSTextField class]])
             [self write:"text"
-                   name:@""
+                   name:[[(NSTextField *)sub font] fontName]
                    rect:[sub bounds]
                      of:sub
                 enabled:YES

@@ -76,7 +76,10 @@ void AddLine(Screen &screen, const std::vector<std::string> &f) {
     if (f[0] == "responder") screen.focus = f[1];
     if (f[0] == "item") screen.items[f[1]] = control;
     if (f[0] == "menu") AddMenu(screen, f);
-    if (f[0] == "text") screen.texts += f[5] + "\n";
+    if (f[0] == "text") {
+        screen.font = f[1];
+        screen.texts += f[5] + "\n";
+    }
     if (f[0] == "focus") {
         screen.focus = f[1];
         screen.isFocusSelected =

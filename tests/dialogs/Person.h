@@ -20,6 +20,7 @@ struct Screen {
     };
     std::string kind; ///< "dialog", "alert", "panel" or empty: no window
     std::string handle, title, texts, menuHandle;
+    std::string font; ///< of the texts, by its PostScript name
     int menuX = 0, menuY = 0, menuWidth = 0, menuHeight = 0; ///< of the open menu, on the screen
     int menuRoom = 0;   ///< its height as its items are measured: those beyond are not seen
     bool isKey = false; ///< has the keyboard

@@ -2,6 +2,7 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <X11/extensions/Xrandr.h>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -136,5 +137,80 @@ void SetDesktopResources(const std::string &resources) {
     XChangeProperty(display, DefaultRootWindow(display), XA_RESOURCE_MANAGER, XA_STRING, 8,
                     PropModeReplace, reinterpret_cast<const unsigned char *>(resources.data()),
                     static_cast<int>(resources.size()));
+    XCloseDisplay(display);
+}
+
+namespace {
+
+/// One setting, as XSETTINGS has it, lowest byte first.
+std::string SettingBytes(const std::string &name, const std::string &text) {
+    std::string bytes(8, '\0'); // byte order, padding, how often they have changed
+    const auto number = [&](size_t value, int size) {
+        for (int i = 0; i < size; ++i)
+            bytes += static_cast<char>(value >> 8 * i & 0xff);
+    };
+    const auto padded = [&](const std::string &value) {
+        bytes += value;
+        bytes.append((4 - value.size() % 4) % 4, '\0');
+    };
+    number(1, 4);
+    number(1, 2); // a text
+    number(name.size(), 2);
+    padded(name);
+    number(0, 4);
+    number(text.size(), 4);
+    padded(text);
+    return bytes;
+}
+
+} // namespace
+
+DesktopFont::DesktopFont(const std::string &description) : mDisplay(XOpenDisplay(nullptr)) {
+    if (mDisplay == nullptr) return;
+    const Window window =
+        XCreateSimpleWindow(mDisplay, DefaultRootWindow(mDisplay), 0, 0, 1, 1, 0, 0, 0);
+    const Atom settings = XInternAtom(mDisplay, "_XSETTINGS_SETTINGS", False);
+    const std::string bytes = SettingBytes("Gtk/FontName", description);
+    XChangeProperty(mDisplay, window, settings, settings, 8, PropModeReplace,
+                    reinterpret_cast<const unsigned char *>(bytes.data()),
+                    static_cast<int>(bytes.size()));
+    XSetSelectionOwner(mDisplay, XInternAtom(mDisplay, "_XSETTINGS_S0", False), window,
+                       CurrentTime);
+    XSync(mDisplay, False);
+}
+
+DesktopFont::~DesktopFont() {
+    if (mDisplay != nullptr) XCloseDisplay(mDisplay);
+}
+
+namespace {
+
+void SetMonitor(Display *display, const char *name, int x, int width, int height, RROutput output) {
+    XRRMonitorInfo *monitor = XRRAllocateMonitor(display, output != None ? 1 : 0);
+    monitor->name = XInternAtom(display, name, False);
+    monitor->x = x;
+    monitor->y = 0;
+    monitor->width = width;
+    monitor->height = height;
+    monitor->mwidth = width / 4;
+    monitor->mheight = height / 4;
+    if (output != None) monitor->outputs[0] = output;
+    XRRSetMonitor(display, DefaultRootWindow(display), monitor);
+    XRRFreeMonitors(monitor);
+}
+
+} // namespace
+
+void DivideScreen() {
+    Display *display = XOpenDisplay(nullptr);
+    if (display == nullptr) return;
+    const int width = DisplayWidth(display, DefaultScreen(display)) / 2;
+    const int height = DisplayHeight(display, DefaultScreen(display));
+    XRRScreenResources *resources = XRRGetScreenResources(display, DefaultRootWindow(display));
+    const RROutput output =
+        resources != nullptr && resources->noutput > 0 ? resources->outputs[0] : None;
+    SetMonitor(display, "Left", 0, width, height, output);
+    SetMonitor(display, "Right", width, width, height, None);
+    if (resources != nullptr) XRRFreeScreenResources(resources);
     XCloseDisplay(display);
 }

@@ -44,3 +44,18 @@ WindowShape ShapeOfWindow(const std::string &handle);
 
 /// The X resources that a desktop sets for all programs ("NAME:\tVALUE\n").
 void SetDesktopResources(const std::string &resources);
+
+/// A desktop that tells programs its font while the object lives.
+class DesktopFont {
+public:
+    explicit DesktopFont(const std::string &description);
+    ~DesktopFont();
+    DesktopFont(const DesktopFont &) = delete;
+    DesktopFont &operator=(const DesktopFont &) = delete;
+
+private:
+    struct _XDisplay *mDisplay; ///< a connection of its own
+};
+
+/// Two monitors beside one another, halves of the screen.
+void DivideScreen();

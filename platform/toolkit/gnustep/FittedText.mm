@@ -1,6 +1,20 @@
 #import "platform/toolkit/gnustep/FittedText.h"
 
+#import "platform/toolkit/gnustep/ThemeFont.h"
+
 #include <cmath>
+
+NSAttributedString *WithGlyphs(NSString *text, NSDictionary *attributes) {
+    NSFont *font = [attributes objectForKey:NSFontAttributeName];
+    NSMutableAttributedString *string =
+        [[[NSMutableAttributedString alloc] initWithString:text attributes:attributes] autorelease];
+    for (NSUInteger i = 0; i < [text length]; ++i) {
+        NSFont *other = FontWith([text characterAtIndex:i], font);
+        if (other != font)
+            [string addAttribute:NSFontAttributeName value:other range:NSMakeRange(i, 1)];
+    }
+    return string;
+}
 
 static NSString *Shortened(NSString *text, NSUInteger length) {
     return [[text substringToIndex:length] stringByAppendingString:@"\u2026"];
@@ -26,13 +40,12 @@ void DrawFittedText(NSString *text, NSRect frame, NSFont *font, NSColor *colour,
     NSDictionary *attributes =
         [NSDictionary dictionaryWithObjectsAndKeys:font, NSFontAttributeName, colour,
                                                    NSForegroundColorAttributeName, nil];
-    NSString *fitted = Fitted(text, attributes, NSWidth(frame));
-    const NSSize size = [fitted sizeWithAttributes:attributes];
+    NSAttributedString *fitted = WithGlyphs(Fitted(text, attributes, NSWidth(frame)), attributes);
+    const NSSize size = [fitted size];
     const CGFloat spare = NSWidth(frame) - size.width;
     const CGFloat left = alignment == NSCenterTextAlignment  ? spare / 2
                          : alignment == NSRightTextAlignment ? spare
                                                              : 0;
     [fitted drawAtPoint:NSMakePoint(std::floor(NSMinX(frame) + left),
-                                    std::floor(NSMidY(frame) - size.height / 2))
-         withAttributes:attributes];
+                                    std::floor(NSMidY(frame) - size.height / 2))];
 }

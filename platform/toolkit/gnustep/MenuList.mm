@@ -1,6 +1,7 @@
 #import "platform/toolkit/gnustep/MenuList.h"
 
 #import "platform/toolkit/gnustep/FittedText.h"
+#import "platform/toolkit/gnustep/WindowSetup.h"
 
 #include <algorithm>
 #include <cmath>
@@ -82,7 +83,7 @@ static constexpr size_t kMeasuredTitles = 50;
                                 onScreen:(NSScreen *)screen
                            preferredEdge:(NSRectEdge)edge
                        popUpSelectedItem:(NSInteger)selected {
-    const NSRect room = [(screen != nil ? screen : [NSScreen mainScreen]) visibleFrame];
+    const NSRect room = MonitorRoomAt(NSMakePoint(NSMidX(cell), NSMidY(cell)));
     const CGFloat scale = [[self window] userSpaceScaleFactor];
     const CGFloat row = [self rowHeight] * scale, height = [self listHeight] * scale;
     const CGFloat edgeSize = (kPadding + kBorder) * scale;

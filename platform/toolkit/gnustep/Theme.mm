@@ -42,6 +42,8 @@ void RegisterThemeColours(void) {
     NSMutableDictionary *defaults = [NSMutableDictionary dictionary];
     for (const Colour &colour : colours)
         [defaults setObject:colour.value forKey:colour.name];
+    [defaults setObject:@"NSMacintoshInterfaceStyle" // on the right
+                 forKey:@"NSScrollViewInterfaceStyle"];
     [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
 }
 
@@ -119,6 +121,17 @@ static void DrawTick(NSRect mark, BOOL isFlipped) {
 }
 
 @implementation ZELCheckCell
+
+// As for labels: AppKit does not clear what is drawn anew.
+- (BOOL)isOpaque {
+    return YES;
+}
+
+- (void)drawWithFrame:(NSRect)frame inView:(NSView *)view {
+    [[NSColor windowBackgroundColor] set];
+    NSRectFill(frame);
+    [super drawWithFrame:frame inView:view];
+}
 
 - (CGFloat)markRadius {
     return 3;

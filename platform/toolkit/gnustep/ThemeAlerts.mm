@@ -1,6 +1,7 @@
 #import "platform/toolkit/gnustep/ThemeAlerts.h"
 
 #import "platform/toolkit/gnustep/Theme.h"
+#import "platform/toolkit/gnustep/WindowSetup.h"
 
 #import <AppKit/AppKit.h>
 #include <algorithm>
@@ -156,6 +157,7 @@ static void LayOutAlert(id panel, SEL) {
     UseThemeButtons([panel contentView]);
     [panel setTitle:[[NSProcessInfo processInfo] processName]]; // whatever the language
     [[panel contentView] setNeedsDisplay:YES];
+    MarkAsDialog(panel);
 }
 
 void UseThemeAlerts(void) {

@@ -115,7 +115,7 @@ void DrawThemeBrowserRow(NSRect frame, NSBrowserCell *cell, BOOL isHighlighted, 
     DrawFittedText([cell stringValue],
                    NSMakeRect(NSMinX(frame) + left, NSMinY(frame), NSWidth(frame) - left - right,
                               NSHeight(frame)),
-                   [cell font], colour, NSLeftTextAlignment);
+                   [NSFont systemFontOfSize:[[cell font] pointSize]], colour, NSLeftTextAlignment);
 }
 
 #pragma mark Panels
@@ -166,8 +166,21 @@ static void WidenButtons(NSView *view) {
     }
 }
 
+/// AppKit's panels are made with a font of their own.
+static void UseSystemFonts(NSView *view) {
+    for (NSView *sub in [view subviews]) {
+        if ([sub isKindOfClass:[NSControl class]]) {
+            NSFont *font = [NSFont systemFontOfSize:[[(NSControl *)sub font] pointSize]];
+            [(NSControl *)sub setFont:font];
+            if ([sub isKindOfClass:[NSForm class]]) [(NSForm *)sub setTitleFont:font];
+        }
+        UseSystemFonts(sub);
+    }
+}
+
 void UseThemePanel(NSSavePanel *panel) {
     if (!IsThemeInUse()) return;
+    UseSystemFonts([panel contentView]);
     const NSSize least = NSMakeSize(600, 420), now = [[panel contentView] bounds].size;
     if (now.width < least.width || now.height < least.height)
         [panel setContentSize:NSMakeSize(std::max(now.width, least.width),

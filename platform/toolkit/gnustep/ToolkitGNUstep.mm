@@ -1,7 +1,10 @@
 #import "platform/toolkit/Toolkit.h"
 
+#import "platform/toolkit/gnustep/EditingKeys.h"
+#import "platform/toolkit/gnustep/FittedText.h"
 #import "platform/toolkit/gnustep/PopUpMenu.h"
 #import "platform/toolkit/gnustep/Theme.h"
+#import "platform/toolkit/gnustep/ThemeFont.h"
 #import "platform/toolkit/gnustep/ThemePanels.h"
 #import "platform/toolkit/gnustep/TypedPaths.h"
 #import "platform/toolkit/gnustep/WindowSetup.h"
@@ -172,6 +175,8 @@ static BOOL StartApplication() {
         [NSApplication sharedApplication];
         if (fresh) {
             UseTheme();
+            if (IsThemeInUse()) UseSystemFont();
+            UseEditingKeys();
             FinishLaunching();
         } else {
             [NSScreen mainScreen]; // raises when an earlier start found no server
@@ -281,6 +286,9 @@ static void PrepareLabel(NSTextField *label) {
     }
     [label setEditable:NO];
     [label setSelectable:NO];
+    // With a scale factor that is no whole number, AppKit does not clear what is drawn anew.
+    [label setBackgroundColor:[NSColor windowBackgroundColor]];
+    [label setDrawsBackground:YES];
     if ([[label cell] lineBreakMode] == NSLineBreakByClipping)
         [[label cell] setLineBreakMode:NSLineBreakByTruncatingTail];
     if ([[label cell] tag] == kHeadingTag) [label setFont:[NSFont boldSystemFontOfSize:13]];
@@ -295,7 +303,11 @@ void PrepareToolkitView(NSView *view) {
         PrepareToolkitView(sub);
 }
 
-void PrepareToolkitPanel(NSSavePanel *panel) { UseThemePanel(panel); }
+void PrepareToolkitPanel(NSSavePanel *panel) {
+    UseThemePanel(panel);
+    [panel setLevel:NSModalPanelWindowLevel]; // a change of it would change the kind of window, too
+    MarkAsDialog(panel);
+}
 
 void SoundToolkitBeep(void) {
     NSBeep();
@@ -308,6 +320,19 @@ void PrepareToolkitWindow(NSWindow *window) {
     MarkAsDialog(window);
     AvoidOtherWindows(window);
 }
+
+void SetToolkitText(NSTextField *label, NSString *text) {
+    if ([text canBeConvertedToEncoding:NSASCIIStringEncoding]) {
+        [label setStringValue:text];
+        return;
+    }
+    NSDictionary *attributes = [NSDictionary
+        dictionaryWithObjectsAndKeys:[label font], NSFontAttributeName, [label textColor],
+                                     NSForegroundColorAttributeName, nil];
+    [label setAttributedStringValue:WithGlyphs(text, attributes)];
+}
+
+NSRect RoomAtPointer(void) { return MonitorRoomAt([NSEvent mouseLocation]); }
 
 void PrepareToolkitOpenPanel(NSOpenPanel *panel) { AcceptTypedPaths(panel); }
 

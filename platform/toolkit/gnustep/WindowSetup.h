@@ -7,6 +7,9 @@
 /// the screen has room. Before the application starts; the user's own GSScaleFactor comes first.
 void RegisterScaleFactor(void);
 
+/// What programs may use of the monitor at a point of the screen.
+NSRect MonitorRoomAt(NSPoint point);
+
 /// Tells the window manager that the window, which is not on the screen yet, is a dialog.
 void MarkAsDialog(NSWindow *window);
 
