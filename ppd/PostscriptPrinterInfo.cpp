@@ -2,21 +2,13 @@
 
 #include "ppd/MiniParser.h"
 #include "ppd/ParserError.h"
-#include "support/CFRef.h"
-
-#include <vector>
+#include "support/CFText.h"
 
 namespace {
 
 std::string FileName(CFURLRef url) {
     const CFRef<CFStringRef> name(CFURLCopyLastPathComponent(url));
-    if (!name) return {};
-    const CFIndex size =
-        CFStringGetMaximumSizeForEncoding(CFStringGetLength(name.Get()), kCFStringEncodingUTF8) + 1;
-    std::vector<char> buffer(static_cast<size_t>(size));
-    const bool converted =
-        CFStringGetCString(name.Get(), buffer.data(), size, kCFStringEncodingUTF8);
-    return converted ? buffer.data() : "";
+    return UTF8Text(name.Get()).value_or("");
 }
 
 std::unique_ptr<PPD::MiniParser> CopyOf(const std::unique_ptr<PPD::MiniParser> &parser) {
