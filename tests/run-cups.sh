@@ -12,12 +12,12 @@ if [ -z "${ZEL_CUPS_INSIDE:-}" ]; then
 fi
 
 cupsd=$(PATH="$PATH:/usr/sbin:/sbin" command -v cupsd) || { echo "cupsd is not installed" >&2; exit 1; }
-serverBin=/usr/lib/cups
+. "$here/cups-scheduler.sh"
 dir=$HOME/cups
-mkdir -p "$dir/etc" "$dir/bin/backend" "$dir/spool/tmp" "$dir/cache" "$dir/state" "$dir/log" "$dir/queue"
+scheduler_folder "$dir"
+mkdir "$dir/queue"
 
 # The backend that stands for the printer. CUPS runs it as root only when nobody else may read it.
-for part in cgi-bin daemon driver filter monitor notifier; do ln -s "$serverBin/$part" "$dir/bin/$part"; done
 cat >"$dir/bin/backend/zelfile" <<'BACKEND'
 #!/bin/sh
 # JOB USER TITLE COPIES OPTIONS [FILE]
@@ -27,17 +27,6 @@ cat "${6:--}" >"$folder/.$1" && mv "$folder/.$1" "$folder/$1"
 BACKEND
 chmod 0700 "$dir/bin/backend/zelfile"
 
-cat >"$dir/etc/cups-files.conf" <<CONF
-ServerRoot $dir/etc
-ServerBin $dir/bin
-RequestRoot $dir/spool
-TempDir $dir/spool/tmp
-CacheDir $dir/cache
-StateDir $dir/state
-AccessLog $dir/log/access
-ErrorLog $dir/log/error
-PageLog $dir/log/page
-CONF
 cat >"$dir/etc/printers.conf" <<CONF
 <DefaultPrinter raw>
 Info Raw data into files
@@ -48,26 +37,6 @@ Shared No
 ErrorPolicy stop-printer
 </DefaultPrinter>
 CONF
-configure() {
-    cat >"$dir/etc/cupsd.conf" <<CONF
-Listen 127.0.0.1:$1
-LogLevel debug
-Browsing Off
-WebInterface No
-DefaultAuthType None
-IdleExitTimeout 0
-<Location />
-  Order allow,deny
-  Allow all
-</Location>
-<Policy default>
-  <Limit All>
-    Order deny,allow
-    Allow all
-  </Limit>
-</Policy>
-CONF
-}
 
 # A free port is found by trying: the scheduler ends when it cannot listen.
 unset CUPS_SERVER
@@ -77,7 +46,7 @@ until [ -n "$scheduler" ]; do
     tries=$((tries + 1))
     [ "$tries" -le 20 ] || { echo "cupsd does not start:" >&2; tail -n 20 "$dir/log/error" >&2; exit 1; }
     port=$((20000 + ($(od -An -N2 -tu2 /dev/urandom) % 40000)))
-    configure "$port"
+    scheduler_listens "$dir" "$port"
     "$cupsd" -f -c "$dir/etc/cupsd.conf" -s "$dir/etc/cups-files.conf" </dev/null >"$dir/log/output" 2>&1 &
     scheduler=$!
     waited=0

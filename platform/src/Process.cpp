@@ -1,10 +1,9 @@
-// Running a program, and hints about files and memory.
+// Running a program.
 //
 // Not NSTask: GNUstep's replaces the process's SIGCHLD handler by one that collects every child,
 // the host's own included, and its waiting runs the caller's run loop, which may re-enter the
 // driver.
 #include <cerrno>
-#include <fcntl.h>
 #include <platform/Platform.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -14,10 +13,6 @@
 #ifdef __APPLE__ // where shared libraries have no environ
 #include <crt_externs.h>
 #define environ (*_NSGetEnviron())
-#endif
-
-#ifdef __GLIBC__
-#include <malloc.h>
 #endif
 
 namespace {
@@ -40,25 +35,4 @@ int PlatformRunTask(const char *program, const char *const *arguments, int count
     pid_t child = 0;
     if (posix_spawn(&child, program, nullptr, nullptr, argv.data(), environ) != 0) return 1;
     return WaitFor(child);
-}
-
-void PlatformDisableFileCache(int fd) {
-#ifdef F_NOCACHE
-    (void)fcntl(fd, F_NOCACHE, 1);
-#else
-    // Output is written once and not read back. Linux has no F_NOCACHE; this is its nearest hint.
-    (void)posix_fadvise(fd, 0, 0, POSIX_FADV_NOREUSE);
-#endif
-}
-
-void PlatformKeepFreedMemory(int bytes) {
-#ifdef __GLIBC__
-    // One arena: those of other threads give their memory back whatever they are told.
-    (void)mallopt(M_ARENA_MAX, 1);
-    // Blocks of their own mapping would go back one by one.
-    (void)mallopt(M_MMAP_THRESHOLD, bytes);
-    (void)mallopt(M_TRIM_THRESHOLD, bytes);
-#else
-    (void)bytes; // other allocators decide for themselves
-#endif
 }

@@ -5,6 +5,7 @@
 set -u
 PATH=$PATH:/usr/sbin:/sbin
 command -v cupsd >/dev/null || { echo "cupsd is not installed" >&2; exit 1; }
+. "$(dirname "${BASH_SOURCE[0]}")/../../cups-scheduler.sh"
 work=$HOME/queues
 mkdir "$work"
 chmod 0755 "$HOME" "$work" # for lp
@@ -39,44 +40,11 @@ until_true() { # SECONDS COMMAND...: limits are for hangs only
     done
 }
 
-configure() { # PORT
-    cat <<CONF
-Listen 127.0.0.1:$1
-LogLevel debug
-Browsing Off
-WebInterface No
-DefaultAuthType None
-IdleExitTimeout 0
-DirtyCleanInterval 0
-<Location />
-  Order allow,deny
-  Allow all
-</Location>
-<Policy default>
-  JobPrivateValues none
-  <Limit All>
-    Order deny,allow
-    Allow all
-  </Limit>
-</Policy>
-CONF
-}
-
 server() { # NAME: makes a scheduler and starts it; sets address and pid
-    local dir=$work/$1 part
-    mkdir -p "$dir"/{etc,bin/backend,spool/tmp,cache,state,log}
-    for part in cgi-bin daemon driver filter monitor notifier; do ln -s "/usr/lib/cups/$part" "$dir/bin/$part"; done
+    local dir=$work/$1
+    scheduler_folder "$dir"
     install -m 0755 /usr/lib/cups/backend/ipp "$work/installed/lib/cups/backend/zelprint" "$dir/bin/backend"
-    cat >"$dir/etc/cups-files.conf" <<CONF
-ServerRoot $dir/etc
-ServerBin $dir/bin
-RequestRoot $dir/spool
-TempDir $dir/spool/tmp
-CacheDir $dir/cache
-StateDir $dir/state
-AccessLog $dir/log/access
-ErrorLog $dir/log/error
-PageLog $dir/log/page
+    cat >>"$dir/etc/cups-files.conf" <<CONF
 SetEnv ZELPRINT $zelprint
 SetEnv ZEL_SYSTEM_LIBRARY $ZEL_SYSTEM_LIBRARY
 CONF
@@ -89,7 +57,7 @@ restart() { # NAME: starts a scheduler that has been made; sets address and pid
         tries=$((tries + 1))
         [ "$tries" -le 20 ] || { tail -n 20 "$dir/log/error" >&2; exit 1; }
         port=$((20000 + RANDOM))
-        configure "$port" >"$dir/etc/cupsd.conf"
+        scheduler_listens "$dir" "$port"
         cupsd -f -c "$dir/etc/cupsd.conf" -s "$dir/etc/cups-files.conf" </dev/null >"$dir/log/output" 2>&1 &
         pid=$!
         CUPS_SERVER=127.0.0.1:$port until_true 20 answers "$pid" || { kill "$pid" 2>/dev/null; pid=; }
