@@ -28,10 +28,12 @@ counts=("$build"/counts/*.profraw)
 # Files that a killed process has not finished are left out.
 llvm-profdata merge -sparse -failure-mode=all -o "$build/all.profdata" "${counts[@]}" 2>"$build/profdata.log" ||
     fail "the counts cannot be read; see build/coverage/profdata.log"
-# Programs and libraries: only what has a map from its counts to lines.
+# Programs and libraries: only what has a map from its counts to lines. The first one stands for itself, since
+# llvm-cov takes it for a program whatever it is.
 objects=()
 while IFS= read -r -d '' program; do
-    if grep -qa __llvm_covmap "$program"; then objects+=(-object "$program"); fi
+    grep -qa __llvm_covmap "$program" || continue
+    if [ ${#objects[@]} -eq 0 ]; then objects=("$program"); else objects+=(-object "$program"); fi
 done < <(find "$build" -type f \( -perm -u+x -o -name '*.so*' \) ! -name '*.sh' -print0)
 shipped=()
 for folder in Common colour dialogs host platform ppd support include; do shipped+=("$PWD/$folder"); done
