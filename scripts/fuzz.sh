@@ -85,7 +85,8 @@ for fuzzer in "${fuzzers[@]}"; do
     found=$(find "$place/findings/$name" -type f | wc -l)
     findings=$((findings + found))
     runs=$(statistic "$fuzzer" number_of_executed_units)
-    edges=$(grep -oE 'cov: [0-9]+' "$place/logs/$name" | tail -n 1)
+    # Nothing is said of what fails with its first input.
+    edges=$(grep -oE 'cov: [0-9]+' "$place/logs/$name" | tail -n 1) || edges="cov: 0"
     printf '%-20s %12d %9d %14d %9d %7d %9d\n' "$name" "$runs" $((runs / seconds)) "$(cat "$place/runs/$name")" \
         "${edges#cov: }" "$(find "$place/corpora/$name" -type f | wc -l)" "$found"
 done
