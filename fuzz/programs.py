@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
 """programs.py ZELPRINT ROOT FINDINGS RUNS WORKERS: runs zelprint with damaged files of every kind and looks at what
 becomes of it. It ends by itself after a minute of work at most, with an exit status that is documented; sanitizers
-say nothing;
-whoever fails says why in one line without control characters, and leaves nothing; whoever does not leaves whole
-documents. What breaks a rule is kept in FINDINGS, with the command and what it said.
+say nothing; whoever fails says why in one line without control characters, and leaves nothing; whoever does not
+leaves whole documents. What breaks a rule is kept in FINDINGS, with the command and what it said.
 """
 import json
 import os

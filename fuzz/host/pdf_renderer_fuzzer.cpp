@@ -64,16 +64,25 @@ std::string Header(const PDFDrawing &drawing) {
     return kind + ("\n" + width) + " " + height + "\n255\n";
 }
 
+size_t BytesOf(DocumentPixels pixels) {
+    return pixels == DocumentPixels::CMYK ? 4 : pixels == DocumentPixels::XRGB ? 3 : 1;
+}
+
 void Draw(const PDFDrawing &drawing, bool mayBeDrawn) {
+    constexpr int kRoom = 3; // rows
     const std::atomic<bool> stopped = false;
+    const auto rowBytes = static_cast<size_t>(drawing.grid.width) * BytesOf(drawing.pixels);
     int rows = 0;
-    const auto take = [&rows](const uint8_t *, size_t, int count) {
-        rows += count;
-        return true;
+    std::unique_ptr<uint8_t[]>
+        space; // of its own size, so that the sanitizer sees what lies beside it
+    const auto room = [&](int filled) -> PageRows::Space {
+        rows += filled;
+        space = std::make_unique<uint8_t[]>(rowBytes * kRoom);
+        return {space.get(), kRoom};
     };
     try {
         PDFRenderer renderer("/dev/null", {}, drawing);
-        renderer.Draw({}, take, stopped);
+        renderer.Draw({}, room, stopped);
         Require(rows == drawing.grid.height && renderer.IsUsable() && mayBeDrawn);
         renderer.Finish();
     } catch (const HostError &error) {

@@ -1,7 +1,7 @@
 // Any bytes as a settings file: it is refused, or has all that a job asks it for.
 #include "PSHPrint.h"
 #include "fuzz/MemoryFile.h"
-#include "host/job/Settings.h"
+#include "host/job/SettingsFile.h"
 #include "host/terminal/ExitStatus.h"
 
 #include <cstring>
