@@ -80,6 +80,21 @@ TEST_F(StyleFlow, Look_DefaultButton_AloneIsFilled) {
     Run();
 }
 
+// What is drawn anew would cut off its neighbour.
+TEST_F(StyleFlow, Look_Controls_DoNotLieOnOneAnother) {
+    WhenOpen([] {
+        NSArray *views = [[DialogWindow() contentView] subviews];
+        for (NSUInteger i = 0; i < [views count]; ++i)
+            for (NSUInteger j = i + 1; j < [views count]; ++j) {
+                NSView *a = [views objectAtIndex:i], *b = [views objectAtIndex:j];
+                EXPECT_FALSE(NSIntersectsRect([a frame], [b frame]))
+                    << [[a description] UTF8String] << ", " << [[b description] UTF8String];
+            }
+    });
+    Press(@"Cancel");
+    Run();
+}
+
 TEST_F(StyleFlow, Look_CheckBoxes_AreFilledWhenOn) {
     WhenOpen([] {
         EXPECT_EQ(AccentPixels([Controller() rotateBox]), 0);
