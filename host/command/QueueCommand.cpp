@@ -4,6 +4,7 @@
 
 #include "host/command/PrinterInfoCommand.h"
 #include "host/driver/Driver.h"
+#include "host/driver/PPDCheck.h"
 #include "host/driver/ProgramPath.h"
 #include "host/queue/HotFolderRights.h"
 #include "host/queue/QueuePPD.h"
@@ -87,6 +88,7 @@ void CheckSeparations(const std::vector<std::string> &wanted) {
 std::string PPDFromOptions(const Options &options, const std::string &bundlePath) {
     if (options.ppd.empty())
         throw HostError(ExitStatus::Usage, "give the printer's PPD file with --ppd");
+    CheckPPDName(options.ppd);
     const DriverBundle bundle(bundlePath);
     CheckSeparations(options.offered.separations);
     return MakeQueuePPD(ReadPrinterInfo(bundle, options.ppd), options.offered);

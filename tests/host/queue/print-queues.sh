@@ -20,6 +20,7 @@ profile=$(find /usr/share/color /usr/share/ghostscript -name default_cmyk.icc | 
 (umask 022 && "$zelprint" make-separation --system --to "$profile" "Zeitung äöü" >/dev/null)
 folder news
 check "a queue with a separation is made" queue news news --separation "Zeitung äöü"
+check "a missing PPD file is told" sh -c '"$0" queue gone --ppd "$1/gone.ppd" --hot-folder "$1/one" 2>&1 | grep -q "gone.ppd: No such file"' "$zelprint" "$work"
 check "a missing folder is refused" sh -c '! "$0" queue gone --ppd "$1" --hot-folder "$2/gone" 2>/dev/null' "$zelprint" "$work/press.ppd" "$work"
 "$zelprint" queue x --ppd "$work/press.ppd" --print-ppd >"$work/queue.ppd"
 check "the queue's PPD file is clean" cupstestppd -q -W none "$work/queue.ppd"
