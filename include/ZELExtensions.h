@@ -176,4 +176,14 @@ ZEL_EXPORT Boolean ZELPrHandToPrintQueue(const char *path);
 /// and again. A hint, for good.
 ZEL_EXPORT void ZELPrKeepFreedMemory(int32_t bytes);
 
+/// A function of the platform library, which every host links. From now on `end` is called, and
+/// must not return, when the classes below CoreFoundation find no memory. Otherwise they raise an
+/// exception: often with a lock in their hands, for which the next call then waits for ever. For a
+/// host that is over without memory anyway.
+#ifdef __cplusplus
+extern "C"
+#endif
+    void
+    ZELPlatformEndWithoutMemory(void (*end)(void));
+
 #endif

@@ -7,6 +7,7 @@
 #include "host/command/Report.h"
 #include "host/job/JobTitle.h"
 #include "host/terminal/Console.h"
+#include "host/terminal/LastResort.h"
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -192,6 +193,8 @@ int RunCommandLine(int argc, char **argv,
             asJSON);
     } catch (const HostError &error) {
         return Fail(error, asJSON);
+    } catch (const std::bad_alloc &) {
+        return LastResort::OutOfMemory();
     } catch (const std::exception &error) {
         return Fail(
             HostError(ExitStatus::Driver, std::string("unexpected failure: ") + error.what()),

@@ -2,6 +2,7 @@
 
 #include "host/terminal/Cancellation.h"
 #include "host/terminal/ExitStatus.h"
+#include "host/terminal/LastResort.h"
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -80,6 +81,19 @@ int MoveWithoutReplacing(decltype(StagingFunctions::move) inOneStep, const std::
     return code;
 }
 
+uint64_t SizeOf(const std::string &path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0)
+        Refuse(path, std::string(strerror(errno)) + "; print again");
+    return static_cast<uint64_t>(info.st_size);
+}
+
+/// Takes the names from files that have theirs already: a job's documents come all, or none.
+void Unpublish(void *published) noexcept {
+    for (const FinishedFile &file : *static_cast<std::vector<FinishedFile> *>(published))
+        if (!file.path.empty()) (void)unlink(file.path.c_str());
+}
+
 } // namespace
 
 OutputStaging::OutputStaging(const std::string &folder, const StagingFunctions &driver, Sync sync)
@@ -144,29 +158,33 @@ std::string OutputStaging::MoveOver(const std::string &file, const std::string &
 
 std::vector<FinishedFile> OutputStaging::Publish(const std::string &name) {
     const std::vector<std::string> files = Files();
-    std::vector<FinishedFile> published(files.size());
     if (mSync == Sync::Yes) SynchronizeFiles(files);
     // That may have taken a while.
     Cancellation::Check();
+    std::vector<FinishedFile> published = MoveAll(files, name);
+    // The documents are whole and there; a folder that cannot be waited for changes nothing in
+    // that.
+    if (mSync == Sync::Yes) (void)Synchronize(mFolder);
+    return published;
+}
+
+std::vector<FinishedFile> OutputStaging::MoveAll(const std::vector<std::string> &files,
+                                                 const std::string &name) const {
+    std::vector<FinishedFile> published(files.size());
+    const Unfinished incomplete(Unpublish, &published);
     // A file that replaces another goes last: that step cannot be undone.
     const size_t first = name.empty() ? 0 : 1;
     try {
         for (size_t i = 0; i < files.size(); ++i) {
             const size_t page = (i + first) % files.size();
-            struct stat info {};
-            (void)stat((Folder() + "/" + files[page]).c_str(), &info);
-            published[page].bytes = static_cast<uint64_t>(info.st_size);
+            published[page].bytes = SizeOf(Folder() + "/" + files[page]);
             published[page].path =
                 page == 0 && !name.empty() ? MoveOver(files[page], name) : MoveUnique(files[page]);
         }
     } catch (...) {
-        for (const FinishedFile &file : published)
-            if (!file.path.empty()) (void)unlink(file.path.c_str());
+        Unpublish(&published);
         throw;
     }
-    // The documents are whole and there; a folder that cannot be waited for changes nothing in
-    // that.
-    if (mSync == Sync::Yes) (void)Synchronize(mFolder);
     return published;
 }
 

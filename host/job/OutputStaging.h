@@ -49,6 +49,8 @@ public:
     [[nodiscard]] std::vector<FinishedFile> Publish(const std::string &name);
 
 private:
+    [[nodiscard]] std::vector<FinishedFile> MoveAll(const std::vector<std::string> &files,
+                                                    const std::string &name) const;
     [[nodiscard]] std::string MoveUnique(const std::string &name) const;
     [[nodiscard]] std::string MoveOver(const std::string &file, const std::string &name) const;
 

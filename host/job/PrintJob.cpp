@@ -7,6 +7,7 @@
 #include "host/separations/Separations.h"
 #include "host/terminal/Cancellation.h"
 #include "host/terminal/Console.h"
+#include "host/terminal/LastResort.h"
 #include "host/terminal/Progress.h"
 #include <algorithm>
 #include <cstdio>
@@ -243,6 +244,13 @@ bool IsQueued(const DriverBundle &bundle, const std::string &path) {
     return ZEL_CALL(bundle, ZELPrHandToPrintQueue)(path.c_str()) != 0;
 }
 
+/// The document is in its place: what comes from now on changes nothing in that.
+void Settle(const JobPlan &plan, ExitStatus status) {
+    if (plan.moreFollow) return;
+    Cancellation::Disregard();
+    LastResort::Settle(status);
+}
+
 /// What the driver calls the files unless it could not create one at once.
 std::vector<std::string> NamesOf(const JobPlan &plan) {
     if (!plan.eps) return {plan.title + ".ps"};
@@ -276,7 +284,7 @@ JobResult PrintJob(const DriverSession &session, Handle record, const JobPlan &p
     result.queued =
         plan.queue && IsQueued(session.Bundle(), staging.Folder() + "/" + staging.Files()[0]);
     if (result.queued) {
-        if (!plan.moreFollow) Cancellation::Disregard();
+        Settle(plan, ExitStatus::Success);
         return result;
     }
     // A name that is not made from the title was chosen in the print dialog's save panel, which has
@@ -285,7 +293,7 @@ JobResult PrintJob(const DriverSession &session, Handle record, const JobPlan &p
     const bool chosen = plan.namedInDialog && staged != plan.title + (plan.eps ? ".eps" : ".ps");
     if (chosen) CheckNotPrinted(plan.folder + "/" + staged, PrintedFiles(plan));
     result.files = staging.Publish(plan.name.empty() && chosen ? staged : plan.name);
-    if (!plan.moreFollow) Cancellation::Disregard();
+    Settle(plan, plan.queue ? ExitStatus::Queue : ExitStatus::Success);
     if (plan.queue)
         throw HostError(ExitStatus::Queue, "the print queue did not take the document; it is kept "
                                            "as " +

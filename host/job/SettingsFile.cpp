@@ -4,6 +4,7 @@
 #include "host/job/OutputStaging.h"
 #include "host/terminal/Cancellation.h"
 #include "host/terminal/ExitStatus.h"
+#include "host/terminal/LastResort.h"
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -46,11 +47,16 @@ std::vector<uint8_t> ReadWhole(const std::string &path) {
     return bytes;
 }
 
+void RemoveFile(void *path) noexcept {
+    if (path) (void)unlink(static_cast<const char *>(path));
+}
+
 void WriteWhole(const std::string &path, const std::vector<uint8_t> &bytes) {
     const Cancellation cancellation; // the draft goes, whatever comes
     CheckReplaceable(path);
-    const std::string draft = path + ".zelprint-" + std::to_string(getpid());
+    std::string draft = path + ".zelprint-" + std::to_string(getpid());
     FILE *file = fopen(draft.c_str(), "wbx");
+    const Unfinished unfinished(RemoveFile, file ? draft.data() : nullptr);
     bool good = file && fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
     int code = errno;
     if (file && fclose(file) != 0 && good) {

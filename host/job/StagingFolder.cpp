@@ -10,6 +10,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -69,17 +70,16 @@ std::unique_ptr<StagingFolder> StagingFolder::Make(const std::string &parent,
                                                    const std::string &destination,
                                                    RightsFunction inheritRights) {
     for (int tries = 0; tries < kTries; ++tries) {
-        std::string path = InFolder(parent, std::string(kPrefix) + "XXXXXX");
-        if (!mkdtemp(path.data())) return nullptr;
-        std::unique_ptr<StagingFolder> staging(new StagingFolder(path));
+        std::unique_ptr<StagingFolder> staging(new StagingFolder(parent));
+        if (!staging->Create()) return nullptr;
         if (!staging->Lock()) {
             if (errno == ENOENT) continue;
             return nullptr;
         }
+        const std::string &path = staging->Path();
         if (parent == destination) return staging; // which hands on its rights by itself
         const int code = inheritRights ? inheritRights(destination.c_str(), path.c_str()) : 0;
         if (code == 0 && CanMove(path, destination)) return staging;
-        staging.reset();
         errno = code != 0 ? code : EXDEV;
         return nullptr;
     }
@@ -101,9 +101,34 @@ bool StagingFolder::Lock() {
     return stat(name.c_str(), &info) == 0;
 }
 
+StagingFolder::StagingFolder(const std::string &parent)
+    : mPath(InFolder(parent, std::string(kPrefix) + "XXXXXX")),
+      mUnfinished([](void *self) noexcept { static_cast<StagingFolder *>(self)->Remove(); }, this) {
+}
+
+/// False with errno set.
+bool StagingFolder::Create() {
+    mIsMade = mkdtemp(mPath.data()) != nullptr;
+    mListing = mIsMade ? opendir(mPath.c_str()) : nullptr;
+    return mListing;
+}
+
+void StagingFolder::Remove() const noexcept {
+    // What is removed may hide others from a listing that has begun.
+    for (bool again = mListing; again;) {
+        again = false;
+        rewinddir(mListing);
+        while (const dirent *entry = readdir(mListing))
+            again = unlinkat(dirfd(mListing), entry->d_name, 0) == 0 || again;
+    }
+    if (mIsMade) (void)rmdir(mPath.c_str());
+}
+
 StagingFolder::~StagingFolder() {
     const int code = errno;
-    RemoveWithContents(mPath);
+    Remove();
+    mIsMade = false;
+    if (DIR *listing = std::exchange(mListing, nullptr)) (void)closedir(listing);
     if (mLock >= 0) (void)close(mLock);
     errno = code;
 }

@@ -3,6 +3,8 @@
 #pragma once
 
 #include "ZELExtensions.h"
+#include "host/terminal/LastResort.h"
+#include <dirent.h>
 #include <memory>
 #include <string>
 
@@ -30,9 +32,15 @@ public:
     static void RemoveAbandoned(const std::string &parent);
 
 private:
-    explicit StagingFolder(std::string path) : mPath(std::move(path)) {}
+    explicit StagingFolder(const std::string &parent);
+    [[nodiscard]] bool Create();
     [[nodiscard]] bool Lock();
+    /// Needs no memory and no descriptors, which may be what is missing.
+    void Remove() const noexcept;
 
-    std::string mPath;
+    std::string mPath; ///< a pattern until the folder is made
+    bool mIsMade = false;
+    DIR *mListing = nullptr;
     int mLock = -1;
+    Unfinished mUnfinished;
 };

@@ -2,6 +2,7 @@
 
 #include "host/driver/ProgramPath.h"
 #include "host/terminal/ExitStatus.h"
+#include "host/terminal/LastResort.h"
 #include <cstdlib>
 #include <dlfcn.h>
 #include <future>
@@ -24,6 +25,7 @@ Function *FindFunction(void *library, const char *name) {
 
 /// Loads the module for good and starts it; returns its function that opens files.
 ImageModuleOpen *Load() {
+    const StackForTheEnd stack;
     const std::string path = FindBesideProgram(kModuleName);
     if (path.empty())
         ThrowNotLoaded(std::string("there is no ") + kModuleName + " beside zelprint");

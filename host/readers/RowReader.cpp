@@ -1,5 +1,6 @@
 #include "host/readers/RowReader.h"
 
+#include "host/terminal/LastResort.h"
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
@@ -101,6 +102,7 @@ bool RowReader::Reader::Stop() {
 }
 
 void RowReader::Reader::Run() {
+    const StackForTheEnd stack;
     std::exception_ptr failure;
     try {
         ReadSource();

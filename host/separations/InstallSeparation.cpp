@@ -3,6 +3,7 @@
 
 #include "host/terminal/Cancellation.h"
 #include "host/terminal/ExitStatus.h"
+#include "host/terminal/LastResort.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -25,14 +26,15 @@ class NewFile {
 public:
     explicit NewFile(const std::string &folder)
         : mPath(folder + "/.zelprint-" + std::to_string(getpid())),
-          mDescriptor(open(mPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {
+          mDescriptor(open(mPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)),
+          mUnfinished([](void *self) noexcept { static_cast<NewFile *>(self)->Remove(); }, this) {
         if (mDescriptor < 0) Fail("cannot write", mPath, errno);
     }
     NewFile(const NewFile &) = delete;
     NewFile &operator=(const NewFile &) = delete;
     ~NewFile() {
         close(mDescriptor);
-        if (!mPath.empty()) unlink(mPath.c_str());
+        Remove();
     }
 
     /// The signature comes last: until then the driver takes the file for no profile.
@@ -57,6 +59,9 @@ public:
     }
 
 private:
+    void Remove() const noexcept {
+        if (mDescriptor >= 0 && !mPath.empty()) (void)unlink(mPath.c_str());
+    }
     void WriteAt(const std::string &bytes, size_t from, size_t to) const {
         while (from < to) {
             const ssize_t n =
@@ -68,6 +73,7 @@ private:
 
     std::string mPath;
     int mDescriptor;
+    Unfinished mUnfinished;
 };
 
 } // namespace
@@ -96,5 +102,6 @@ std::string InstallSeparation(const std::string &folder, const std::string &name
         file.Replace(path);
     else
         file.Become(path);
+    LastResort::Settle(ExitStatus::Success);
     return path;
 }
