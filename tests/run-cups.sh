@@ -52,7 +52,7 @@ until [ -n "$scheduler" ]; do
     waited=0
     until CUPS_SERVER="127.0.0.1:$port" lpstat -d 2>/dev/null | grep -q ': raw$'; do
         waited=$((waited + 1))
-        if [ "$waited" -gt 100 ] || ! kill -0 "$scheduler" 2>/dev/null; then
+        if [ "$waited" -gt 1200 ] || ! kill -0 "$scheduler" 2>/dev/null; then
             kill "$scheduler" 2>/dev/null
             scheduler=
             break

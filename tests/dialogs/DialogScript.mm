@@ -54,7 +54,7 @@ void DialogScript::Arm() {
 }
 
 void DialogScript::Tick() {
-    constexpr int kMaxWaits = 2000;
+    constexpr int kMaxWaits = 20000;
     mIsArmed = false;
     if (IsFinished()) return;
     const Step &step = mSteps[mNext];

@@ -18,7 +18,7 @@ await() {
     tries=0
     until xdotool getwindowfocus getwindowname 2>/dev/null | grep -q "$1"; do
         tries=$((tries + 1))
-        if [ "$tries" -gt 150 ]; then
+        if [ "$tries" -gt 2000 ]; then
             echo "the window $1 never had the focus" >&2
             cat out >&2
             exit 1

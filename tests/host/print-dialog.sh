@@ -19,7 +19,7 @@ fail() {
 press() {
     tries=0
     seen=
-    while [ "$tries" -lt 150 ]; do
+    while [ "$tries" -lt 2000 ]; do
         window=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1)
         if [ -n "$window" ]; then
             seen=yes

@@ -26,7 +26,7 @@ goes_under() {
     tries=0
     until DISPLAY=":$(cat display)" && [ "$DISPLAY" != : ]; do
         tries=$((tries + 1))
-        [ "$tries" -lt 200 ] || fail "Xvfb did not start"
+        [ "$tries" -lt 3000 ] || fail "Xvfb did not start"
         sleep 0.1
     done
     export DISPLAY
@@ -35,7 +35,7 @@ goes_under() {
     tries=0
     until xdotool search --onlyvisible --name "$title" >/dev/null 2>&1; do
         tries=$((tries + 1))
-        [ "$tries" -lt 200 ] || fail "no window $title"
+        [ "$tries" -lt 3000 ] || fail "no window $title"
         sleep 0.1
     done
     kill "$xvfb"

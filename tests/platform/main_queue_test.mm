@@ -20,7 +20,7 @@ void Work(void *context) {
     ++call.done;
 }
 
-/// Runs the main loop in a mode until the call has finished; false after ten seconds.
+/// Runs the main loop in a mode until the call has finished; false when it hangs.
 bool RunLoopUntilFinished(const Call &call, NSString *mode) {
     @autoreleasepool {
         // A loop without any source would return at once.
@@ -30,7 +30,7 @@ bool RunLoopUntilFinished(const Call &call, NSString *mode) {
                                                userInfo:nil
                                                 repeats:YES];
         [[NSRunLoop currentRunLoop] addTimer:timer forMode:mode];
-        NSDate *end = [NSDate dateWithTimeIntervalSinceNow:10];
+        NSDate *end = [NSDate dateWithTimeIntervalSinceNow:120];
         while (!call.finished && [end timeIntervalSinceNow] > 0)
             [[NSRunLoop currentRunLoop] runMode:mode
                                      beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];

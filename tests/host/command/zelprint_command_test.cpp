@@ -243,7 +243,7 @@ protected:
         const pid_t child =
             mPlace.Start({"--hot-folder", mPlace.Hot(), "--colour-space", "rgb", "-n", pages,
                           "--band-height", "1", mPlace.Path("big.tif")});
-        for (int i = 0; i < 600 && !IsGrowing(); ++i)
+        for (int i = 0; i < 6000 && !IsGrowing(); ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         EXPECT_TRUE(IsGrowing());
         return child;
@@ -326,7 +326,7 @@ TEST_P(InterruptedBeforeTheFirstRow, LeavesNothingBehind) {
     for (const char *turn : {"--no-rotate", "--rotate"}) {
         const pid_t child = mPlace.Start({"--hot-folder", mPlace.Hot(), "--colour-space", "rgb",
                                           "--eps", turn, mPlace.Path("endless.pdf")});
-        for (int i = 0; i < 600 && mPlace.Leftovers().empty(); ++i)
+        for (int i = 0; i < 6000 && mPlace.Leftovers().empty(); ++i)
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         ASSERT_EQ(mPlace.Leftovers().size(), 1U);
         // The document is open; no row of it will ever come.
@@ -342,7 +342,7 @@ INSTANTIATE_TEST_SUITE_P(Signals, InterruptedBeforeTheFirstRow,
                          testing::Values(std::pair(SIGINT, 130), std::pair(SIGTERM, 143)));
 
 TEST_F(LongJob, WhoseFolderIsRemovedMeanwhile_FailsAndLeavesNothingBehind) {
-    const pid_t child = StartAndAwaitGrowth("4");
+    const pid_t child = StartAndAwaitGrowth("40");
     fs::remove_all(mPlace.Hot());
     EXPECT_EQ(Await(child), 3);
     fs::create_directory(mPlace.Hot());

@@ -42,7 +42,7 @@ for job in 1 2; do
     tries=0
     until [ -e "$ZEL_QUEUE/$job" ]; do
         tries=$((tries + 1))
-        [ "$tries" -lt 300 ] || fail "job $job has not been printed"
+        [ "$tries" -lt 3000 ] || fail "job $job has not been printed"
         sleep 0.1
     done
     for document in hot/Document.ps "$ZEL_QUEUE/$job"; do

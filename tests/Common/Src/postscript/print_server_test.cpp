@@ -34,7 +34,7 @@ std::string Document(const std::string &begin) {
 
 /// What a job has printed; the backend gives its file its name when it is complete.
 std::string Printed(const fs::path &job) {
-    for (int i = 0; i < 300 && !fs::exists(job); ++i)
+    for (int i = 0; i < 3000 && !fs::exists(job); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     return fs::exists(job) ? ReadFile(job) : "(nothing printed)";
 }

@@ -163,6 +163,7 @@ TEST_F(WritebufferTest, WBAccept_BytesMadeInPlaceAreWrittenInOrder) {
     Write(wb, "h");
     EXPECT_EQ(wb->current->index, 2);
     EXPECT_EQ(WBFreeRoom(wb).size, 65535U);
+    WaitForWriter(wb); // which notes what has become of its last write
     wb->error = EIO;
     EXPECT_EQ(WBAccept(wb, 0), EIO);
     wb->error = 0;
