@@ -175,11 +175,15 @@ size_t PDFRenderer::Read(uint8_t *samples, size_t size, const std::atomic<bool> 
         // may be after this call has looked for samples.
         if (drawn && count == 0) ThrowLost(WhyLost());
         if (done < size && mGhostscript.OutputHasEnded()) ThrowEnded();
-        if (mPageSeconds > 0 && mWaited > int64_t{1000} * mPageSeconds)
-            ThrowLost("it takes longer than " + std::to_string(mPageSeconds) +
-                      " seconds, the limit of --page-time");
+        CheckTime();
     }
     return done;
+}
+
+void PDFRenderer::CheckTime() const {
+    if (mPageSeconds > 0 && mWaited > int64_t{1000} * mPageSeconds)
+        ThrowLost("it takes longer than " + std::to_string(mPageSeconds) +
+                  " seconds, the limit of --page-time");
 }
 
 std::string PDFRenderer::ReadHeaderLine(const std::atomic<bool> &stopped) {
@@ -230,9 +234,12 @@ bool PDFRenderer::ReadRows(const PageRows::MakeRoom &room, const std::atomic<boo
 
 void PDFRenderer::WaitForEnd(const std::atomic<bool> &stopped) {
     while (!mDrawn && !stopped) {
+        const int64_t start = Now();
         (void)mGhostscript.Read(nullptr, 0);
+        mWaited += Now() - start;
         // Whether its rows have ended as well is not known: nobody reads them here.
         if (mGhostscript.MessagesHaveEnded() && !mDrawn) ThrowEnded();
+        if (!mDrawn) CheckTime();
     }
 }
 

@@ -50,6 +50,7 @@ private:
     [[nodiscard]] std::string ReadHeaderLine(const std::atomic<bool> &stopped);
     [[nodiscard]] bool ReadRows(const PageRows::MakeRoom &room, const std::atomic<bool> &stopped);
     void WaitForEnd(const std::atomic<bool> &stopped);
+    void CheckTime() const;
     void Judge();
     [[nodiscard]] std::string WhyLost() const;
     [[noreturn]] void ThrowLost(const std::string &why) const;
@@ -64,5 +65,5 @@ private:
     bool mDrawn = false; ///< it has been, says the renderer
     bool mUsable = true;
     bool mToldRepair = false;
-    int64_t mWaited = 0; ///< milliseconds for samples of this page
+    int64_t mWaited = 0; ///< milliseconds for samples of this page, and for its end
 };

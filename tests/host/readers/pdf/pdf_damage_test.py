@@ -145,21 +145,28 @@ class Damage(PrintingTest):
 
 
 class Renderer(PrintingTest):
-    def test_ThatEndsAfterTheLastRow_HasNotDrawnThePage(self):
-        # All samples of the page, and then no word of its being whole.
+    def refused_when_it(self, ends, *options):
+        """What zelprint says when the renderer writes all samples of the page, and ENDS without a word of its being whole."""
         program = self.save('gs', b"""#!/bin/sh
 case "$*" in *-sDEVICE=pgmraw*) ;; *) exec %s "$@" ;; esac
 for word; do case $word in -g[0-9]*) size=${word#-g} ;; esac; done
 width=${size%%x*} height=${size#*x}
 printf 'P5\n%%s %%s\n255\n' "$width" "$height"
 head -c $((width * height)) /dev/zero
-echo 'out of memory' >&2
-""" % shutil.which('gs').encode())
+%s
+""" % (shutil.which('gs').encode(), ends))
         os.chmod(program, 0o755)
         path = self.save('page.pdf', pdfwriter.text_pages(1).bytes())
         environment = dict(os.environ, PATH=self.folder + ':' + os.environ['PATH'])
-        said = self.refused('--resolution', '72dpi', '--colour-space', 'gray', path, env=environment)
+        return self.refused('--resolution', '72dpi', '--colour-space', 'gray', *options, path, env=environment)
+
+    def test_ThatEndsAfterTheLastRow_HasNotDrawnThePage(self):
+        said = self.refused_when_it(b"echo 'out of memory' >&2")
         self.assertIn('page.pdf: page 1 cannot be drawn whole (out of memory)', said)
+
+    def test_ThatNeverEndsAfterTheLastRow_IsEndedInTime(self):
+        said = self.refused_when_it(b'exec sleep 1000', '--page-time', '1')
+        self.assertIn('page 1 cannot be drawn whole (it takes longer than 1 seconds, the limit of --page-time)', said)
 
 
 class Encryption(PrintingTest):
