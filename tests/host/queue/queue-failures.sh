@@ -40,6 +40,11 @@ servers+=($!)
 rmdir "$work/late"
 for job in 1 2 3; do lp -d late -t "late$job" -o PageSize=Custom.40x40mm "$work/doc.pdf" >/dev/null; done
 check "a missing folder is told" until_true 60 told late 'is not there'
+folder shut
+queue shut shut >/dev/null
+chmod 0555 "$work/shut"
+lp -d shut -t shut -o PageSize=Custom.40x40mm "$work/doc.pdf" >/dev/null
+check "a folder that may not be written is told" until_true 60 told shut 'may not be written'
 small=
 mkdir "$work/small"
 if [ "$(id -u)" -eq 0 ] && mount -t tmpfs -o size=4m,mode=0777 none "$work/small" 2>/dev/null; then
@@ -89,6 +94,12 @@ profile=$(find /usr/share/color /usr/share/ghostscript -name default_cmyk.icc | 
 lp -i "$held" -H resume
 check "it is printed when the separation is there" until_true 60 test -e "$work/one/held.ps"
 
+# --- a page that the printer does not take: held
+print -t tiny -o PageSize=Custom.10x10mm "$work/doc.pdf"
+check "a page too small is told" until_true 60 told press 'takes pages from'
+check "a job of such a page is held" until_true 20 sh -c 'lpstat -l -o press | grep -q job-hold-until-specified'
+cancel -a press
+
 # --- queues that cannot work stop, and say why
 for uri in zelprint:/ zelprint://host/folder; do
     device wrong "$uri" || continue # the print system itself may refuse it
@@ -97,6 +108,11 @@ for uri in zelprint:/ zelprint://host/folder; do
     check "$uri stops the queue" until_true 20 sh -c 'lpstat -p wrong | grep -q disabled'
     lpadmin -x wrong
 done
+
+lpadmin -p bare -v "zelprint:$work/one" -m raw -E 2>/dev/null
+lp -d bare -t bare "$work/doc.pdf" >/dev/null
+check "a queue without a PPD file is told" until_true 60 told bare 'no PPD file'
+check "and stops" until_true 20 sh -c 'lpstat -p bare | grep -q disabled'
 
 # --- odd names of folders, queues, titles and users
 odd='hot & 100% "äöü" #?;$(x)'
@@ -136,9 +152,11 @@ check "once" count . 'replaced*.ps' 1
 
 # --- what waited comes, in order
 folder late
+chmod 0777 "$work/shut"
 [ -z "$small" ] || rm "$work/small/.filler"
 check "the late jobs come when the folder is there" until_true 90 test -e "$work/late/late3.ps"
 check "in order" sh -c 'test "$(ls -tr "$0" | tr "\n" " ")" = "late1.ps late2.ps late3.ps "' "$work/late"
+check "a folder that may be written again gets its job" until_true 90 test -e "$work/shut/shut.ps"
 check "the folder's state is taken back" sh -c '! lpstat -l -p late | grep -q com.zel'
 if [ -n "$small" ]; then
     check "the jobs come when the disk has room" until_true 90 idle small
