@@ -1,6 +1,7 @@
 #!/bin/bash
 # package.sh [FOLDER]: builds the Debian packages of what is committed, checks them with lintian, and puts them
-# into the folder (build/packages, if none is named). The same commit gives the same bytes wherever it lies.
+# into the folder (build/packages, if none is named). Times in them are the commit's. The Objective-C runtime keeps
+# where its sources lay, so that the bytes are those of one folder only.
 source "$(dirname "$0")/common.sh"
 folder=${1:-build/packages}
 need_build_folder build

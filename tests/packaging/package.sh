@@ -50,7 +50,6 @@ cp "$work"/packages/*.deb "$project/samples/photograph.jpg" "$project/samples/pa
 
 # An older version with a file that this one has no more.
 dpkg-deb -R "$package" "$work/older"
-if grep -rlF "$work" "$work/older"; then fail "these tell where they were built"; fi
 sed -i 's/^Version: .*/Version: 0.9-1/' "$work/older/DEBIAN/control"
 echo old >"$work/older/usr/share/doc/zelprint/old"
 dpkg-deb -b "$work/older" "$root/srv/older.deb" >/dev/null
