@@ -1,6 +1,7 @@
 // The whole way of a photograph: a profile made from a press's ICC profile, through the PostScript
 // writer into a file, and back out of Ghostscript as four plates. They hold exactly the inks that
 // the table gives.
+#include "colour/EightColourSeparation.h"
 #include "colour/Separations.h"
 #include "tests/colour/Image.h"
 #include "tests/colour/ProfilesFolderFixture.h"
