@@ -53,7 +53,7 @@ def png(width, height):
 
 
 SOURCES = {'small.ppd': PPD, 'page.tif': tiff(120, 160), 'page.png': png(60, 40),
-           'two.pdf': pdfwriter.rgb_image(False).bytes()}
+           'two.pdf': pdfwriter.rgb_image().bytes()}
 OLD = b'%!PS-Adobe-3.0 EPSF-3.0\n% what was there before\n%%EOF\n'
 EPS = ['--eps', '--built-in-printer', '--colour-space', 'rgb', '--media', '60x40pt', '--resolution', '72']
 PRINTER = ['--ppd', 'small.ppd', '--hot-folder', 'hot', '-t', 'page']

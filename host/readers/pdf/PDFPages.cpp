@@ -36,8 +36,9 @@ bind def
 flush quit
 )";
 
-/// Tells the numbers of the pages with a transparency group in RGB. The usual interpreter says
-/// nothing of groups; the older one, which knows this program's words, lets look into the file.
+/// Tells the numbers of the pages with a transparency group in RGB, of their own or in the forms that
+/// they are made of, as filters leave them. The usual interpreter says nothing of groups; the older
+/// one, which knows this program's words, lets look into the file.
 const char kGroupProgram[] = R"(
 /zelIsRGB {
     dup type /arraytype eq {
@@ -46,10 +47,28 @@ const char kGroupProgram[] = R"(
         } { exch pop /CalRGB eq } ifelse
     } { /DeviceRGB eq } ifelse
 } bind def
+/zelIsForm {
+    dup type /dicttype eq { /Subtype knownoget { /Form eq } { false } ifelse } { pop false } ifelse
+} bind def
+% form levels zelBlendsInRGB bool: it or a form in it, so many levels down
+/zelBlendsInRGB {
+    1 index /Group knownoget { /CS knownoget { zelIsRGB } { false } ifelse } { false } ifelse
+    { pop pop true } {
+        dup 0 eq { pop pop false } {
+            1 sub exch /Resources pget { /XObject knownoget } { false } ifelse {
+                false exch
+                {
+                    exch pop oforce
+                    1 index not { dup zelIsForm } { false } ifelse
+                    { exch pop 1 index zelBlendsInRGB } { pop } ifelse
+                } forall
+                exch pop
+            } { pop false } ifelse
+        } ifelse
+    } ifelse
+} bind def
 1 1 pdfpagecount {
-    dup pdfgetpage /Group knownoget {
-        /CS knownoget { zelIsRGB { (zelprint rgb ) print dup = } if } if
-    } if
+    dup pdfgetpage 4 zelBlendsInRGB { (zelprint rgb ) print dup = } if
     pop
 } for
 flush quit

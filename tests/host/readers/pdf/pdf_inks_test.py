@@ -32,7 +32,8 @@ class Inks(PrintingTest):
 
     def test_OfRGBObjects_AreTheDriversOwn(self):
         wanted = self.driver_inks()
-        for name, pdf in (('image', pdfwriter.rgb_image(False)), ('image in an RGB group', pdfwriter.rgb_image(True)),
+        for name, pdf in (('image', pdfwriter.rgb_image()), ('image in an RGB group', pdfwriter.rgb_image('page')),
+                          ('image in a form\'s RGB group', pdfwriter.rgb_image('form')),
                           ('fills', pdfwriter.rgb_fills())):
             with self.subTest(name):
                 pdf.write(self.path('rgb.pdf'))
@@ -45,7 +46,7 @@ class Inks(PrintingTest):
                                'Press'], capture_output=True, text=True)
         self.assertEqual(made.returncode, 0, made.stderr)
         wanted = self.driver_inks('--separation', 'Press')
-        pdfwriter.rgb_image(False).write(self.path('rgb.pdf'))
+        pdfwriter.rgb_image().write(self.path('rgb.pdf'))
         [plate] = self.plates(self.print_eps(self.path('rgb.pdf'), (81, 72), '--separation', 'Press'))
         self.compare(plate, wanted, 1)
         self.assertGreater(max(worst(a, b) for a, b in zip(plate[40], self.driver_inks()[40])), 20)
@@ -56,8 +57,9 @@ class Inks(PrintingTest):
             result = self.zelprint('-o', self.path('out.ps'), '--resolution', '72dpi', self.path('page.pdf'))
             self.assertEqual(result.returncode, 0, result.stderr)
             return [line for line in result.stderr.splitlines() if 'blended in RGB' in line]
-        self.assertEqual(len(said(pdfwriter.rgb_image(True))), 1)
-        self.assertEqual(said(pdfwriter.rgb_image(False)), [])
+        for group in ('page', 'form'):
+            self.assertEqual(len(said(pdfwriter.rgb_image(group))), 1, group)
+        self.assertEqual(said(pdfwriter.rgb_image()), [])
         self.assertEqual(said(pdfwriter.patches(ICC)[0]), [])  # transparent, but in inks
 
     def test_OfAPictureBesideAPDF_AreTheDriversOwn(self):
@@ -86,7 +88,7 @@ class Inks(PrintingTest):
 
 class Light(PrintingTest):
     def test_OfRGBObjects_IsTheFilesOwnInRGB(self):
-        pdfwriter.rgb_image(False).write(self.path('rgb.pdf'))
+        pdfwriter.rgb_image().write(self.path('rgb.pdf'))
         for look in 'press', 'plain':
             out = self.print_eps(self.path('rgb.pdf'), (81, 72), '--colour-space', 'rgb', '--cmyk-look', look)
             [plate] = self.plates(out, 'ppmraw')
@@ -106,7 +108,7 @@ class Light(PrintingTest):
         self.assertTrue(20 < min(black()) and max(black()) < 60, black())
 
     def test_InGray_IsTheWeightedSum(self):
-        pdfwriter.rgb_image(False).write(self.path('rgb.pdf'))
+        pdfwriter.rgb_image().write(self.path('rgb.pdf'))
         [plate] = self.plates(self.print_eps(self.path('rgb.pdf'), (81, 72), '--colour-space', 'gray'), 'pgmraw')
         data = pdfwriter.rgb_colours()
         for i in range(81 * 72):

@@ -55,16 +55,21 @@ def rgb_colours():
     return bytes(v for r in steps for g in steps for b in steps for v in (r, g, b))
 
 
-def rgb_image(group):
-    """A page of these colours; with `group`, one whose transparency group is RGB."""
+def rgb_image(group=None):
+    """A page of these colours; one whose transparency group is RGB, or the group of a form in a form on it,
+    with `group` 'page' or 'form'."""
     pdf = PDF()
     image = pdf.stream('/Type /XObject /Subtype /Image /Width 81 /Height 72 /BitsPerComponent 8 '
                        '/ColorSpace /DeviceRGB', rgb_colours())
+    in_rgb = '/Group << /S /Transparency /CS /DeviceRGB >>'
     # A group counts only on a page with transparency.
-    clear = 'q /Clear gs 0 0 1 1 re f Q' if group else ''
-    pdf.page('/MediaBox [0 0 81 72] ' + ('/Group << /S /Transparency /CS /DeviceRGB >>' if group else ''),
-             f'{clear} q 81 0 0 72 0 0 cm /I Do Q',
-             f'/XObject << /I {image} 0 R >> /ExtGState << /Clear << /ca 0 >> >>')
+    content = ('q /Clear gs 0 0 1 1 re f Q ' if group else '') + 'q 81 0 0 72 0 0 cm /I Do Q'
+    resources = f'/XObject << /I {image} 0 R >> /ExtGState << /Clear << /ca 0 >> >>'
+    for entries in [in_rgb, ''] if group == 'form' else []:
+        form = pdf.stream(f'/Type /XObject /Subtype /Form /BBox [0 0 81 72] {entries} '
+                          f'/Resources << {resources} >>', content)
+        content, resources = '/F Do', f'/XObject << /F {form} 0 R >>'
+    pdf.page('/MediaBox [0 0 81 72] ' + (in_rgb if group == 'page' else ''), content, resources)
     return pdf
 
 
