@@ -1,5 +1,5 @@
 // How the dialogs look: what a person would notice, measured on the windows themselves.
-#import "platform/toolkit/gnustep/Theme.h"
+#import "platform/toolkit/gnustep/ThemeColours.h"
 #import "tests/dialogs/StyleFlow.h"
 
 #include <cmath>

@@ -4,18 +4,11 @@
 
 #import <AppKit/AppKit.h>
 
-/// Registers colours and makes the theme the application's. Before the application starts, for the
-/// colours; what the user has set comes first, a theme of the user's own too.
-void RegisterThemeColours(void);
-
 /// To be called when the application has started.
 void UseTheme(void);
 
 /// Is it in use?
 BOOL IsThemeInUse(void);
-
-/// The desktop's accent colour, of which the default button is filled.
-NSColor *ThemeAccent(void);
 
 /// Gives a check box, or a radio button's cell, a mark that is drawn and no picture.
 void UseDrawnMark(NSButtonCell *cell, BOOL isRound);

@@ -1,8 +1,9 @@
 #import "platform/toolkit/gnustep/Theme.h"
 
 #import "platform/toolkit/gnustep/FittedText.h"
-#import "platform/toolkit/gnustep/ThemeAlerts.h"
-#import "platform/toolkit/gnustep/ThemePanels.h"
+#import "platform/toolkit/gnustep/ThemeBrowserRows.h"
+#import "platform/toolkit/gnustep/ThemeColours.h"
+#import "platform/toolkit/gnustep/ThemeScrollers.h"
 
 #import <GNUstepGUI/GSTheme.h>
 #include <algorithm>
@@ -14,38 +15,6 @@ static constexpr CGFloat kFieldRadius = 4; // of a field's
 static constexpr CGFloat kMark = 14;       // a check box or a radio button
 static constexpr CGFloat kMarkLeft = 3;    // room for the ring around it
 static constexpr CGFloat kMarkGap = 5;     // to the title
-
-static NSColor *Grey(CGFloat white) { return [NSColor colorWithCalibratedWhite:white alpha:1]; }
-
-NSColor *ThemeAccent(void) { return [NSColor selectedMenuItemColor]; }
-
-void RegisterThemeColours(void) {
-    struct Colour {
-        NSString *name, *value;
-    };
-    const Colour colours[] = {{@"windowBackgroundColor", @"0.96 0.96 0.96"},
-                              {@"controlBackgroundColor", @"0.96 0.96 0.96"},
-                              {@"controlColor", @"0.96 0.96 0.96"},
-                              {@"controlHighlightColor", @"0.96 0.96 0.96"},
-                              {@"controlLightHighlightColor", @"1 1 1"},
-                              {@"controlShadowColor", @"0.74 0.74 0.74"},
-                              {@"controlDarkShadowColor", @"0.74 0.74 0.74"},
-                              {@"controlTextColor", @"0.11 0.11 0.11"},
-                              {@"textColor", @"0.11 0.11 0.11"},
-                              {@"disabledControlTextColor", @"0.6 0.6 0.6"},
-                              {@"scrollBarColor", @"0.9 0.9 0.9"},
-                              {@"knobColor", @"0.75 0.75 0.75"},
-                              {@"selectedMenuItemColor", @"0.13 0.44 0.85"},
-                              {@"selectedMenuItemTextColor", @"1 1 1"},
-                              {@"selectedTextBackgroundColor", @"0.7 0.82 0.98"},
-                              {@"selectedControlColor", @"0.7 0.82 0.98"}};
-    NSMutableDictionary *defaults = [NSMutableDictionary dictionary];
-    for (const Colour &colour : colours)
-        [defaults setObject:colour.value forKey:colour.name];
-    [defaults setObject:@"NSMacintoshInterfaceStyle" // on the right
-                 forKey:@"NSScrollViewInterfaceStyle"];
-    [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
-}
 
 #pragma mark Lines
 
@@ -97,14 +66,14 @@ static NSRect MarkIn(NSRect room) {
 }
 
 static NSColor *MarkFill(NSButtonCell *cell) {
-    if (![cell isEnabled]) return [cell state] == NSOnState ? Grey(0.75) : Grey(0.94);
+    if (![cell isEnabled]) return [cell state] == NSOnState ? ThemeGrey(0.75) : ThemeGrey(0.94);
     if ([cell state] == NSOnState) return ThemeAccent();
-    return [cell isHighlighted] ? Grey(0.85) : [NSColor textBackgroundColor];
+    return [cell isHighlighted] ? ThemeGrey(0.85) : [NSColor textBackgroundColor];
 }
 
 static NSColor *MarkBorder(NSButtonCell *cell) {
-    if (![cell isEnabled]) return Grey(0.8);
-    return [cell state] == NSOnState ? ThemeAccent() : Grey(0.55);
+    if (![cell isEnabled]) return ThemeGrey(0.8);
+    return [cell state] == NSOnState ? ThemeAccent() : ThemeGrey(0.55);
 }
 
 static void DrawTick(NSRect mark, BOOL isFlipped) {
@@ -187,13 +156,13 @@ static NSColor *ButtonFill(NSCell *cell, GSThemeControlState state) {
         state == GSThemeHighlightedState || state == GSThemeHighlightedFirstResponderState ||
         state == GSThemeSelectedState || state == GSThemeSelectedFirstResponderState;
     if (IsDefault(cell)) return isPressed ? [ThemeAccent() shadowWithLevel:0.25] : ThemeAccent();
-    if (![cell isEnabled]) return Grey(0.95);
-    return isPressed ? Grey(0.85) : [NSColor whiteColor];
+    if (![cell isEnabled]) return ThemeGrey(0.95);
+    return isPressed ? ThemeGrey(0.85) : [NSColor whiteColor];
 }
 
 static NSColor *ButtonBorder(NSCell *cell) {
     if (IsDefault(cell)) return [ThemeAccent() shadowWithLevel:0.15];
-    return [cell isEnabled] ? Grey(0.72) : Grey(0.84);
+    return [cell isEnabled] ? ThemeGrey(0.72) : ThemeGrey(0.84);
 }
 
 /// Push buttons. No instance variables, as above.
@@ -276,8 +245,8 @@ static BOOL HasEditor(NSView *view) {
     }
     const BOOL isField = [view isKindOfClass:[NSTextField class]];
     const BOOL isOff = isField && ![(NSTextField *)view isEnabled];
-    DrawPlate(frame, kFieldRadius, isOff ? Grey(0.96) : [NSColor textBackgroundColor],
-              isOff ? Grey(0.84) : Grey(0.72), view);
+    DrawPlate(frame, kFieldRadius, isOff ? ThemeGrey(0.96) : [NSColor textBackgroundColor],
+              isOff ? ThemeGrey(0.84) : ThemeGrey(0.72), view);
     if (HasEditor(view)) DrawRing(frame, kFieldRadius);
 }
 
@@ -313,7 +282,7 @@ static BOOL HasEditor(NSView *view) {
 - (void)drawBrowserHeaderCell:(NSTableHeaderCell *)cell
                     withFrame:(NSRect)frame
                        inView:(NSView *)view {
-    [Grey(0.92) set];
+    [ThemeGrey(0.92) set];
     NSRectFill(frame);
     DrawFrame(frame);
 }
@@ -364,7 +333,6 @@ static BOOL HasEditor(NSView *view) {
 void UseTheme(void) {
     if ([[NSUserDefaults standardUserDefaults] stringForKey:@"GSTheme"] != nil) return;
     [GSTheme setTheme:[[[ZELTheme alloc] initWithBundle:nil] autorelease]];
-    UseThemeAlerts();
 }
 
 BOOL IsThemeInUse(void) { return [[GSTheme theme] isKindOfClass:[ZELTheme class]]; }

@@ -4,6 +4,8 @@
 #import "platform/toolkit/gnustep/FittedText.h"
 #import "platform/toolkit/gnustep/PopUpMenu.h"
 #import "platform/toolkit/gnustep/Theme.h"
+#import "platform/toolkit/gnustep/ThemeAlerts.h"
+#import "platform/toolkit/gnustep/ThemeColours.h"
 #import "platform/toolkit/gnustep/ThemeFont.h"
 #import "platform/toolkit/gnustep/ThemePanels.h"
 #import "platform/toolkit/gnustep/TypedPaths.h"
@@ -175,7 +177,10 @@ static BOOL StartApplication() {
         [NSApplication sharedApplication];
         if (fresh) {
             UseTheme();
-            if (IsThemeInUse()) UseSystemFont();
+            if (IsThemeInUse()) {
+                UseThemeAlerts();
+                UseSystemFont();
+            }
             UseEditingKeys();
             FinishLaunching();
         } else {
