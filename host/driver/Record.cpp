@@ -20,6 +20,11 @@ void StoreName(char (&stored)[42], const std::string &name) {
 
 } // namespace
 
+std::string RangeOfDpi() {
+    return std::to_string(int{kZELMinimumDpi}) + " to " + std::to_string(int{kZELMaximumDpi}) +
+           " dpi";
+}
+
 ZELRecordSettings Record::Settings() const {
     ZELRecordSettings settings = {};
     settings.size = sizeof settings;

@@ -21,6 +21,9 @@ struct RecordResolution {
     return dpi >= double{kZELMinimumDpi} && dpi <= double{kZELMaximumDpi};
 }
 
+/// As messages tell it: from the lowest to the highest of them.
+[[nodiscard]] std::string RangeOfDpi();
+
 /// A view of a handle with a record, which the driver has made; both must outlive it. Throws
 /// HostError when the driver finds none.
 class Record {

@@ -101,7 +101,7 @@ RecordResolution ChooseResolution(const PrinterModel &printer, const std::string
     if (!dpi)
         throw HostError(ExitStatus::Usage, "the printer has no resolution called \"" + text +
                                                "\"; it has " + Names(printer.resolutions) +
-                                               ", or give a number from 10 to 10000 dpi");
+                                               ", or give a number from " + RangeOfDpi());
     const PrinterResolution *best = printer.BestResolution(dpi->x, dpi->y);
     return {best ? best->name : std::string(), dpi->x, dpi->y};
 }

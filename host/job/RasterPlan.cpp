@@ -162,9 +162,8 @@ RasterPlan PlanRaster(Record &record, uint32_t colourSpace) {
     plan.resolution = record.Resolution();
     RecordResolution &dpi = plan.resolution;
     if (!IsGoodDpi(dpi.x) || !IsGoodDpi(dpi.y))
-        throw HostError(ExitStatus::Usage, "the resolution \"" + dpi.name +
-                                               "\" is not one of 10 to 10000 dpi; choose another "
-                                               "with --resolution");
+        throw HostError(ExitStatus::Usage, "the resolution \"" + dpi.name + "\" is not one of " +
+                                               RangeOfDpi() + "; choose another with --resolution");
     const double width = plan.media.width * dpi.x / 72;
     const double height = plan.media.height * dpi.y / 72;
     if (!(width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide))
