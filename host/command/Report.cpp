@@ -23,6 +23,11 @@ std::string Shown(const char *format, double a, double b) {
     return text;
 }
 
+/// To a tenth, and none where there is none.
+std::string TwoSides(double width, double height) {
+    return Shown("%.10g x %.10g", std::round(width * 10) / 10, std::round(height * 10) / 10);
+}
+
 std::string Megabytes(uint64_t bytes) {
     char text[32];
     (void)snprintf(text, sizeof text, "%.1f MB", static_cast<double>(bytes) / 1e6);
@@ -83,8 +88,8 @@ std::string Details(const JobPlan &plan) {
     std::string text = Count(static_cast<int>(plan.pages.size()), "page");
     if (plan.copies > 1) text += ", " + Count(plan.copies, "copie");
     text += ", " + (plan.media.custom ? std::string() : plan.media.name + " ");
-    text += Shown("%.4g x %.4g points", plan.media.width, plan.media.height);
-    text += Shown(" at %.4g x %.4g dpi", plan.grid.dpiX, plan.grid.dpiY);
+    text += TwoSides(plan.media.width, plan.media.height) + " points at ";
+    text += TwoSides(plan.grid.dpiX, plan.grid.dpiY) + " dpi";
     text += std::string(", ") + NameOfColourSpace(plan.colourSpace);
     if (plan.Separates()) text += " by " + (plan.separation.empty() ? "Standard" : plan.separation);
     return text + PlacementText(plan);

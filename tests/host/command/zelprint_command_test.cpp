@@ -75,6 +75,14 @@ TEST_F(Command, DryRun_WritesNothing) {
     EXPECT_EQ(mPlace.HotFiles(), Names{});
 }
 
+TEST_F(Command, LargeNumbers_AreToldInDigits) {
+    const RunResult run = Print({"--dry-run", "--eps", "--media", "5000.44x72pt", "--resolution",
+                                 "10000dpi", "--allow-large", Source()});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("5000.4 x 72 points at 10000 x 10000 dpi"), std::string::npos)
+        << run.out;
+}
+
 TEST_F(Command, Output_NamesAndReplacesTheFile) {
     WriteFile(mPlace.Path("mine.eps"), "%!old");
     ASSERT_EQ(mPlace
