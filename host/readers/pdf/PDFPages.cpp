@@ -36,9 +36,9 @@ bind def
 flush quit
 )";
 
-/// Tells the numbers of the pages with a transparency group in RGB, of their own or in the forms that
-/// they are made of, as filters leave them. The usual interpreter says nothing of groups; the older
-/// one, which knows this program's words, lets look into the file.
+/// Tells the numbers of the pages with a transparency group in RGB, of their own or in the forms
+/// that they are made of, as filters leave them. The usual interpreter says nothing of groups; the
+/// older one, which knows this program's words, lets look into the file.
 const char kGroupProgram[] = R"(
 /zelIsRGB {
     dup type /arraytype eq {
