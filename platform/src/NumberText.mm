@@ -10,11 +10,6 @@ std::string Text(NSString *string) {
     return bytes ? bytes : "";
 }
 
-NSString *Separator() {
-    NSString *separator = [[NSLocale currentLocale] objectForKey:NSLocaleDecimalSeparator];
-    return [separator length] ? separator : @".";
-}
-
 NSNumberFormatter *Formatter(NSUInteger decimals) {
     NSNumberFormatter *formatter = [[[NSNumberFormatter alloc] init] autorelease];
     // Not the 10.0 behaviour: its "0.00" format writes "01." for 1 in GNUstep.
@@ -25,6 +20,13 @@ NSNumberFormatter *Formatter(NSUInteger decimals) {
     [formatter setMinimumFractionDigits:decimals];
     [formatter setMaximumFractionDigits:decimals];
     return formatter;
+}
+
+/// Asked of a formatter of our own: NSLocale's answer comes out of a dictionary that GNUstep fills
+/// without a lock and that all threads share.
+NSString *Separator() {
+    NSString *separator = [Formatter(0) decimalSeparator];
+    return [separator length] ? separator : @".";
 }
 
 /// The text with a point for the locale's separator; nil when it has a point of its own, which
