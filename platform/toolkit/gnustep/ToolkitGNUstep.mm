@@ -2,6 +2,7 @@
 
 #import "platform/toolkit/gnustep/EditingKeys.h"
 #import "platform/toolkit/gnustep/FittedText.h"
+#import "platform/toolkit/gnustep/InterfaceFiles.h"
 #import "platform/toolkit/gnustep/PopUpMenu.h"
 #import "platform/toolkit/gnustep/Theme.h"
 #import "platform/toolkit/gnustep/ThemeAlerts.h"
@@ -187,6 +188,7 @@ static BOOL StartApplication() {
             [NSScreen mainScreen]; // raises when an earlier start found no server
         }
         signals.PutBack();
+        ForgetInterfaceFiles();
         PrepareMouse();
         [[NSNotificationCenter defaultCenter] addObserver:[ZELDialogWindowGuard new]
                                                  selector:@selector(windowDidBecomeKey:)
