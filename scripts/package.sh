@@ -1,7 +1,7 @@
 #!/bin/bash
 # package.sh [FOLDER]: builds the Debian packages of what is committed, checks them with lintian, and puts them
-# into the folder (build/packages, if none is named). Times in them are the commit's. The Objective-C runtime keeps
-# where its sources lay, so that the bytes are those of one folder only.
+# into the folder (build/packages, if none is named). Times in them are the commit's, and no path of a folder is
+# in them: the bytes are the same wherever they are built.
 source "$(dirname "$0")/common.sh"
 folder=${1:-build/packages}
 need_build_folder build
@@ -35,8 +35,9 @@ export SOURCE_DATE_EPOCH
     fail "the packages could not be built; all of it is in $log"
 }
 # The packages are not made for an archive with reports of bugs.
-lintian --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs --tag-display-limit 0 --allow-root \
-    "$work"/*.changes
+# From within: lintian does not find files in a folder whose name has umlauts.
+(cd "$work" && lintian --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs \
+    --tag-display-limit 0 --allow-root ./*.changes)
 rm -f "$folder"/zelprint*.deb
 cp "$work"/zelprint_*.deb "$work"/zelprint-dev_*.deb "$folder"
 echo "== Built:"

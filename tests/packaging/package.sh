@@ -1,6 +1,7 @@
 #!/bin/bash
-# package.sh PROJECT: the package is built, installed into a bare root, prints, serves print queues, replaces an
-# older version, and leaves nothing when it is removed. Ends with 77 (skipped) where no root can be made.
+# package.sh PROJECT: the package is built, names no folder of the builder's, is installed into a bare root, prints,
+# serves print queues, replaces an older version, and leaves nothing when it is removed. Ends with 77 (skipped)
+# where no root can be made.
 set -euo pipefail
 project=$1
 [ "$(id -u)" -eq 0 ] || { echo "a bare root can be made by root only"; exit 77; }
@@ -28,8 +29,8 @@ size() { du -smx --exclude=proc --exclude=var/cache --exclude=var/lib/apt "$root
 # What waits for the network needs few processors, and what compiles needs no network.
 debootstrap --variant=minbase bookworm "$root" "$mirror" >"$work/log" 2>&1 &
 making=$!
-git clone -q "$project" "$work/zel"
-"$work/zel/scripts/package.sh" "$work/packages"
+git clone -q "$project" "$work/a folder with ü"
+"$work/a folder with ü/scripts/package.sh" "$work/packages"
 wait "$making" || { tail -n 5 "$work/log"; making=; exit 77; }
 making=
 
@@ -50,6 +51,7 @@ cp "$work"/packages/*.deb "$project/samples/photograph.jpg" "$project/samples/pa
 
 # An older version with a file that this one has no more.
 dpkg-deb -R "$package" "$work/older"
+! grep -rF "$work" "$work/older" || fail "files name the folder that they were built in"
 sed -i 's/^Version: .*/Version: 0.9-1/' "$work/older/DEBIAN/control"
 echo old >"$work/older/usr/share/doc/zelprint/old"
 dpkg-deb -b "$work/older" "$root/srv/older.deb" >/dev/null
