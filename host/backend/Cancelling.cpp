@@ -2,6 +2,8 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -37,7 +39,7 @@ private:
 
 void Redirect(int fd, const char *path, int flags) {
     const int file = open(path, flags, 0600);
-    if (file < 0 || dup2(file, fd) < 0) _exit(127);
+    if (file < 0 || dup2(file, fd) < 0) _exit(kNotRun);
 }
 
 /// In the child: never returns.
@@ -45,7 +47,7 @@ void Redirect(int fd, const char *path, int flags) {
                          pid_t parent, const WithoutSignals &signals) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGTERM); // the scheduler ends a backend with SIGKILL
-    if (getppid() != parent) _exit(127);
+    if (getppid() != parent) _exit(kNotRun);
     for (const int number : {SIGTERM, SIGPIPE, SIGINT, SIGHUP})
         (void)signal(number, SIG_DFL);
     signals.Restore();
@@ -54,7 +56,8 @@ void Redirect(int fd, const char *path, int flags) {
     Redirect(STDERR_FILENO, errors, O_WRONLY | O_CREAT | O_TRUNC);
     close_range(STDERR_FILENO + 1, ~0U, 0); // back channel, side channel and status pipes
     execv(words[0], words.data());
-    _exit(127);
+    (void)dprintf(STDERR_FILENO, "%s cannot be run: %s", words[0], strerror(errno));
+    _exit(kNotRun);
 }
 
 } // namespace
@@ -83,7 +86,7 @@ int RunToEnd(const std::vector<std::string> &words, const std::string &output,
     {
         const WithoutSignals signals;
         child = fork();
-        if (child < 0) return 127;
+        if (child < 0) return kNotRun;
         if (child == 0) Become(pointers, output.c_str(), errors.c_str(), parent, signals);
         setpgid(child, child);
         gChild = child;

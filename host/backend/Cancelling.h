@@ -11,8 +11,12 @@ void HeedCancelling();
 
 [[nodiscard]] bool IsCancelled();
 
+/// The status of a program that could not be started.
+inline constexpr int kNotRun = 127;
+
 /// Runs `words` (the first is a path) in a process group of its own, without standard input, with
-/// standard output and standard error in new files; waits for its end. Its exit status; 127 when it
-/// could not be started, 128 and more: a signal. It dies with this process.
+/// standard output and standard error in new files; waits for its end. Its exit status; kNotRun
+/// when it could not be started, and `errors` then tells why; 128 and more: a signal. It dies with
+/// this process.
 [[nodiscard]] int RunToEnd(const std::vector<std::string> &words, const std::string &output,
                            const std::string &errors);

@@ -103,9 +103,15 @@ std::string Replaced(std::string text, const std::string &what, const std::strin
     return text;
 }
 
-/// What becomes of a job that zelprint could not print. `report` is its JSON.
-int AfterFailure(int status, const nlohmann::json &report, const std::string &file) {
-    std::string message = "zelprint failed with status " + std::to_string(status);
+/// What becomes of a job that zelprint could not print. `report` is its JSON, `messages` what came
+/// beside it.
+int AfterFailure(int status, const nlohmann::json &report, const std::string &messages,
+                 const std::string &file) {
+    if (status == kNotRun && messages.empty())
+        return WaitForFolder(kFolderFull, "zelprint could not be started: there is no room for "
+                                          "temporary files, or no memory");
+    std::string message =
+        status == kNotRun ? messages : "zelprint failed with status " + std::to_string(status);
     std::string about;
     if (report.is_object() && report.contains("error")) {
         message = report["error"].value("message", message);
@@ -149,10 +155,11 @@ int Print(const QueueJob &job, const JobFolder &folder, const std::string &file)
     Tell(MessageKind::Info, "Printing into " + job.folder);
     if (IsCancelled()) return CUPS_BACKEND_OK;
     const int status = RunToEnd(words, folder.File("report"), folder.File("messages"));
-    Tell(MessageKind::Debug, TextOfFile(folder.File("messages")));
+    const std::string messages = TextOfFile(folder.File("messages"));
+    Tell(MessageKind::Debug, messages);
     if (IsCancelled()) return CUPS_BACKEND_OK;
     const auto report = nlohmann::json::parse(TextOfFile(folder.File("report")), nullptr, false);
-    return status == 0 ? AfterSuccess(report, job) : AfterFailure(status, report, file);
+    return status == 0 ? AfterSuccess(report, job) : AfterFailure(status, report, messages, file);
 }
 
 int RunJob(QueueJob job, const char *sent) {

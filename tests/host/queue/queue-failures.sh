@@ -114,6 +114,18 @@ lp -d bare -t bare "$work/doc.pdf" >/dev/null
 check "a queue without a PPD file is told" until_true 60 told bare 'no PPD file'
 check "and stops" until_true 20 sh -c 'lpstat -p bare | grep -q disabled'
 
+# --- an installation that is not whole: the queue stops, says what it cannot read, and prints when that is mended
+for part in bin/zelprint "$(cd "$work/installed" && echo lib*/zel/ZELPostscript.bundle lib/*/zel/ZELPostscript.bundle | tr ' ' '\n' | grep -v '\*')"; do
+    name=$(basename "$part" .bundle)
+    chmod 0 "$work/installed/$part"
+    lp -d one -t "with$name" "$work/doc.jpg" >/dev/null
+    check "$name that cannot be read is told" until_true 60 told one "$name.* cannot"
+    check "$name that cannot be read stops the queue" until_true 20 sh -c 'lpstat -p one | grep -q disabled'
+    chmod 0755 "$work/installed/$part"
+    cupsenable one
+    check "$name that can be read again prints" until_true 60 test -e "$work/one/with$name.ps"
+done
+
 # --- odd names of folders, queues, titles and users
 odd='hot & 100% "äöü" #?;$(x)'
 folder "$odd"
@@ -159,7 +171,7 @@ check "in order" sh -c 'test "$(ls -tr "$0" | tr "\n" " ")" = "late1.ps late2.ps
 check "a folder that may be written again gets its job" until_true 90 test -e "$work/shut/shut.ps"
 check "the folder's state is taken back" sh -c '! lpstat -l -p late | grep -q com.zel'
 if [ -n "$small" ]; then
-    check "the jobs come when the disk has room" until_true 90 idle small
+    check "the jobs come when the disk has room" until_true 240 idle small
     check "a full spool folder is told" says "$work/spool.told" '^INFO: The document could not be put .* make room'
     check "and the job tried again" until_true 40 grep -qx 7 "$work/spool.status"
     check "in order, those too" sh -c 'test "$(ls -tr "$0" | tr "\n" " ")" = "small1.ps small2.ps small3.ps "' "$work/small"
