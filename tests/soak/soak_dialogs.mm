@@ -4,12 +4,12 @@
 #include "ZELExtensions.h"
 #include "ZELPrint.h"
 #include "tests/dialogs/DialogScript.h"
+#include "tests/dialogs/EndOfProcess.h"
 #include "tests/dialogs/TestBundle.h"
 #include "tests/soak/Usage.h"
 
 #import <AppKit/AppKit.h>
 #include <cstdlib>
-#include <unistd.h>
 
 namespace {
 
@@ -62,6 +62,5 @@ int main(int argc, char **argv) {
     @autoreleasepool {
         if (argc == 2) status = Soak(atoi(argv[1]));
     }
-    fflush(nullptr);
-    _exit(status); // AppKit's objects outlive main
+    EndProcess(status);
 }
