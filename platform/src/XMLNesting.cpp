@@ -52,6 +52,8 @@ bool Step(std::string_view &text, int &depth) {
 }
 
 bool LooksLikePropertyList(std::string_view text) {
+    // Of less than this GNUstep's reader compares bytes behind the end.
+    if (text.size() < std::string_view("<plist/>").size()) return false;
     if (StartsWith(text, "\xef\xbb\xbf")) text.remove_prefix(3);
     const size_t first = text.find_first_not_of(kBlanks);
     if (first == std::string_view::npos) return false;

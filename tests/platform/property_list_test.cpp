@@ -210,8 +210,9 @@ TEST(PropertyList, OtherDataAreRefused) {
          {std::string(), std::string(1, '\0'), std::string("x"), std::string("{ a = 1; }"),
           std::string("bplist00"), std::string("bplist00") + std::string(40, '\0'),
           std::string("bplist00") + std::string(40, '\xff'), std::string("<?xml"),
-          std::string("<plist><dict><key>a</key></plist>"), std::string("<plist></array></plist>"),
-          std::string(100000, '('), std::string(100000, '<')})
+          std::string("<?xml?>"), std::string("<plist><dict><key>a</key></plist>"),
+          std::string("<plist></array></plist>"), std::string(100000, '('),
+          std::string(100000, '<')})
         EXPECT_FALSE(Read(bytes)) << bytes.substr(0, 40);
     EXPECT_EQ(CFPropertyListCreateWithData(nullptr, nullptr, 0, nullptr, nullptr), nullptr);
 }
