@@ -21,17 +21,28 @@ bool Give(VipsRegion *region, const VipsRect &area, const PageRows::Take &take) 
 }
 
 /// Who takes what libvips gives. libvips calls from one of its threads after the other, never from
-/// two at once; the lock, which is always free, lets the thread sanitizer know the order too.
-struct Sink {
-    const PageRows::Take &take;
-    std::mutex mutex;
-};
+/// two at once, and begins and ends on ours; the lock, which is always free, lets the thread
+/// sanitizer know that order too.
+class Sink {
+public:
+    explicit Sink(const PageRows::Take &take) : mTake(take) {}
+    /// Everything that libvips is asked for; 0, or an error.
+    int Fill(VipsImage *image) {
+        { const std::lock_guard lock(mMutex); }
+        const int result = vips_sink_disc(image, Give, this);
+        const std::lock_guard lock(mMutex);
+        return result;
+    }
 
-int GiveFromSink(VipsRegion *region, VipsRect *area, void *argument) {
-    auto *sink = static_cast<Sink *>(argument);
-    const std::lock_guard lock(sink->mutex);
-    return Give(region, *area, sink->take) ? 0 : -1;
-}
+private:
+    static int Give(VipsRegion *region, VipsRect *area, void *argument) {
+        auto *sink = static_cast<Sink *>(argument);
+        const std::lock_guard lock(sink->mMutex);
+        return ::Give(region, *area, sink->mTake) ? 0 : -1;
+    }
+    const PageRows::Take &mTake;
+    std::mutex mMutex;
+};
 
 } // namespace
 
@@ -69,6 +80,5 @@ bool VipsRows::ReadStraight(const Take &take) {
 
 /// libvips computes the strips with all processors, and gives them in their order.
 bool VipsRows::ReadScaled(const Take &take) {
-    Sink sink{take, {}};
-    return vips_sink_disc(mImage.get(), GiveFromSink, &sink) == 0;
+    return Sink(take).Fill(mImage.get()) == 0;
 }
