@@ -172,6 +172,7 @@ check "a folder that may be written again gets its job" until_true 90 test -e "$
 check "the folder's state is taken back" sh -c '! lpstat -l -p late | grep -q com.zel'
 if [ -n "$small" ]; then
     check "the jobs come when the disk has room" until_true 240 idle small
+    [ $failures -eq 0 ] || lpstat -l -p small -o small >&2
     check "a full spool folder is told" says "$work/spool.told" '^INFO: The document could not be put .* make room'
     check "and the job tried again" until_true 40 grep -qx 7 "$work/spool.status"
     check "in order, those too" sh -c 'test "$(ls -tr "$0" | tr "\n" " ")" = "small1.ps small2.ps small3.ps "' "$work/small"
