@@ -27,6 +27,7 @@ void InputFile::Rewind() {
     mPosition = mLimit = 0;
     mOffset = 0;
     mSize = RegularFileSize(mFile.Get());
+    mFailed = mFailed || (mFile && mSize < 0);
     mReachedEnd = false;
 }
 
