@@ -32,8 +32,8 @@ public:
     /// Ghostscript.
     Ghostscript(const GhostscriptPlan &plan, Listener listener);
 
-    /// Gives it a line to run; nothing happens when it has ended.
-    void Send(const std::string &line) const { (void)mProcess->Write(line + "\n"); }
+    /// Gives it a line to run; false when that cannot be done.
+    [[nodiscard]] bool Send(const std::string &line) const { return mProcess->Write(line + "\n"); }
     /// Lets it come to its end.
     void EndInput() const { mProcess->CloseInput(); }
 

@@ -154,7 +154,8 @@ void PDFRenderer::Draw(const PDFPageJob &page, const PageRows::MakeRoom &room,
     mDrawn = false;
     mWaited = 0;
     mUsable = false;
-    mGhostscript.Send(CommandFor(page));
+    // One that has ended tells why below; one that has not would be waited for.
+    if (!mGhostscript.Send(CommandFor(page))) mGhostscript.EndInput();
     if (!ReadHeader(stopped) || !ReadRows(room, stopped)) return;
     WaitForEnd(stopped);
     if (stopped) return;
