@@ -59,6 +59,7 @@ void VipsRows::Stop() {
 
 void VipsRows::Read(const Take &take) {
     vips_error_clear();
+    (void)TakeLostPixels();
     std::future<Damage> check;
     if (mCheck) check = std::async(std::launch::async, mCheck, std::cref(mCheckStopped));
     const bool whole = mStraight ? ReadStraight(take) : ReadScaled(take);
@@ -66,6 +67,7 @@ void VipsRows::Read(const Take &take) {
     if (!whole) mCheckStopped = true;
     if (!whole && !mStopped) ThrowUnreadable(mPath, mPage, TakeVipsError());
     mDamage = check.valid() ? check.get() : TakeTIFFDamage();
+    if (TakeLostPixels()) mDamage = {"part of it could not be read: " + TakeVipsError(), true};
 }
 
 bool VipsRows::ReadStraight(const Take &take) {

@@ -2,10 +2,17 @@
 
 #include "host/readers/images/TIFFDamage.h"
 #include "host/terminal/ExitStatus.h"
+#include <atomic>
+#include <cstring>
 
 namespace {
 
-void DropMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
+std::atomic<bool> havePixelsBeenLost{false};
+
+/// Lets no message land between our own lines.
+void Hear(const gchar *, GLogLevelFlags, const gchar *message, gpointer) {
+    if (message && std::strncmp(message, "error in tile", 13) == 0) havePixelsBeenLost = true;
+}
 
 } // namespace
 
@@ -13,13 +20,16 @@ void StartVips() {
     if (VIPS_INIT("zelprint") != 0)
         throw HostError(ExitStatus::Driver, "cannot start libvips: " + TakeVipsError());
     // Warnings about odd files would otherwise land between our own lines. What libvips hands to
-    // GLib of an absurd file is complained about there, too.
-    for (const char *domain : {"VIPS", "GLib", "GLib-GObject"})
-        g_log_set_handler(domain, static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), DropMessage,
-                          nullptr);
+    // GLib of an absurd file is complained about there, too. As the default: a handler for a domain
+    // takes memory under GLib's lock, and GLib's complaint that there is none waits for that lock.
+    g_log_set_default_handler(Hear, nullptr);
     HearTIFFDecoders();
     // Every page is read once; a cache would only keep files open.
     vips_cache_set_max(0);
+}
+
+bool TakeLostPixels() {
+    return havePixelsBeenLost.exchange(false);
 }
 
 std::string TakeVipsError() {

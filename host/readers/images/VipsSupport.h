@@ -13,5 +13,9 @@ using VipsImagePtr = std::unique_ptr<VipsImage, VipsUnref>;
 /// Starts libvips. Throws HostError.
 void StartVips();
 
+/// Has libvips put black in the place of pixels that it could not compute? It goes on then, and
+/// only warns. Forgets it.
+[[nodiscard]] bool TakeLostPixels();
+
 /// What libvips last complained about, as one line; forgets it.
 [[nodiscard]] std::string TakeVipsError();
