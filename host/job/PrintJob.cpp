@@ -4,6 +4,7 @@
 #include "host/job/Replacement.h"
 #include "host/job/SettingsFile.h"
 #include "host/readers/RowReader.h"
+#include "host/separations/DriverSeparation.h"
 #include "host/separations/Separations.h"
 #include "host/terminal/Cancellation.h"
 #include "host/terminal/Console.h"
@@ -48,7 +49,11 @@ public:
           mContext(session.Context()), mBandHeight(bandHeight),
           mProgress(mPlan.TotalPages(), quiet) {}
 
-    void Open() { Check(mDriver.ZELPrOpenDoc(mContext)); }
+    void Open() {
+        if (!mPlan.separation.empty() && mPlan.pixels == DocumentPixels::XRGB)
+            mSeparation = std::make_unique<DriverSeparation>(mSession.Bundle(), mPlan.separation);
+        Check(mDriver.ZELPrOpenDoc(mContext));
+    }
 
     /// Prints all pages and closes the document, whatever happens.
     void PrintPages() {
@@ -177,6 +182,8 @@ private:
     const DriverFunctions &mDriver;
     DriverContext *mContext;
     int mBandHeight;
+    /// The document's own, tried before it is opened and kept until it is done.
+    std::unique_ptr<DriverSeparation> mSeparation;
     Progress mProgress;
     PageCache mCache;
     std::set<std::string> mSaid;

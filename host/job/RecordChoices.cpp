@@ -180,6 +180,10 @@ void SaveSettings(const DriverSession &session, const JobOptions &options, Handl
     if (options.hotFolder) SetOutputFolder(session, record, *options.hotFolder);
     const CFOwner<CFDictionaryRef> settings(
         ZEL_CALL(session.Bundle(), ZELPrCopyJobSettings)(session.Context(), record));
+    if (options.hotFolder && OutputFolderOf(settings.Get()).empty())
+        throw HostError(ExitStatus::Output, *options.hotFolder + " cannot be kept in the settings: "
+                                                                 "not every folder above it can be "
+                                                                 "looked at");
     CheckSettingsMayReplace(options.saveSettings, options.files, options.force);
     WriteSettings(options.saveSettings, record, settings.Get(), ppd, queue);
 }

@@ -88,6 +88,14 @@ INSTANTIATE_TEST_SUITE_P(
                        "its table is empty"}),
     [](const auto &info) { return std::string(info.param.name); });
 
+TEST_F(SeparationCommand, ProfileThatMakesNoInk_IsRefused) {
+    WriteProfile("P", ProfileBytes().Bytes());
+    for (const char *format : {"--ps", "--eps"}) {
+        const RunResult run = PrintCMYK({"--separation", "P", format});
+        ExpectRefused(run, 1, "makes no ink of any colour");
+    }
+}
+
 TEST_F(SeparationCommand, ProfileInASubfolder_IsOfferedButNotFound) {
     WriteProfile("Old/P", ProfileBytes().Bytes());
     EXPECT_EQ(mPlace.Run({"separations"}).out, "Standard\nP\n");
@@ -99,7 +107,9 @@ TEST_F(SeparationCommand, ProfileInASubfolder_IsOfferedButNotFound) {
 class SavedSeparation : public SeparationCommand {
 protected:
     SavedSeparation() {
-        WriteProfile("P", ProfileBytes().Bytes());
+        ProfileBytes profile;
+        profile.grid = [](int, int, int, int) { return uint16_t{65535}; };
+        WriteProfile("P", profile.Bytes());
         EXPECT_EQ(PrintCMYK({"--eps", "--separation", "P", "--save-settings", mSaved}).status, 0);
         EXPECT_EQ(mPlace.HotFiles(), Names{"s.eps"});
         fs::remove(mPlace.Hot("s.eps"));
