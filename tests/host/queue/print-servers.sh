@@ -50,6 +50,8 @@ SetEnv ZEL_SYSTEM_LIBRARY $ZEL_SYSTEM_LIBRARY
 CONF
     # Sanitizers that know their exceptions no more fail every job.
     env | sed -n 's/^\([A-Z]*SAN_OPTIONS\)=/SetEnv \1 /p' >>"$dir/etc/cups-files.conf"
+    # Counts of other users' runs cannot be added to.
+    [ -z "${ZEL_COUNTS:-}" ] || echo "SetEnv LLVM_PROFILE_FILE $ZEL_COUNTS/queue-%2m.profraw" >>"$dir/etc/cups-files.conf"
     restart "$1"
 }
 restart() { # NAME: starts a scheduler that has been made; sets address and pid
