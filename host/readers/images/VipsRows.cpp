@@ -1,10 +1,12 @@
 #include "host/readers/images/VipsRows.h"
 
 #include "host/readers/images/TIFFDamage.h"
+#include "host/terminal/LastResort.h"
 #include <algorithm>
 #include <functional>
 #include <future>
 #include <mutex>
+#include <new>
 
 namespace {
 
@@ -18,6 +20,30 @@ using RegionPtr = std::unique_ptr<VipsRegion, RegionUnref>;
 
 bool Give(VipsRegion *region, const VipsRect &area, const PageRows::Take &take) {
     return take(VIPS_REGION_ADDR(region, 0, area.top), VIPS_REGION_LSKIP(region), area.height);
+}
+
+/// What a thread of libvips begins its work with: where its stack runs full, as it does while GLib
+/// tells again and again that there is no memory, the end has room.
+void *BeginThread(VipsImage *image, void *source, void *) {
+    thread_local std::unique_ptr<StackForTheEnd> stack;
+    if (!stack) stack.reset(new (std::nothrow) StackForTheEnd);
+    return vips_start_one(image, source, nullptr);
+}
+
+int PassOn(VipsRegion *region, void *sequence, void *, void *, gboolean *) {
+    auto *source = static_cast<VipsRegion *>(sequence);
+    const VipsRect *area = &region->valid;
+    if (vips_region_prepare(source, area) != 0) return -1;
+    return vips_region_region(region, source, area, area->left, area->top);
+}
+
+/// The image, computed by threads that have begun as above; null when libvips cannot.
+VipsImagePtr WithStacks(VipsImage *image) {
+    VipsImagePtr out(vips_image_new());
+    const bool made =
+        vips_image_pipelinev(out.get(), VIPS_DEMAND_STYLE_ANY, image, nullptr) == 0 &&
+        vips_image_generate(out.get(), BeginThread, PassOn, vips_stop_one, image, nullptr) == 0;
+    return made ? std::move(out) : nullptr;
 }
 
 /// Who takes what libvips gives. libvips calls from one of its threads after the other, never from
@@ -82,5 +108,6 @@ bool VipsRows::ReadStraight(const Take &take) {
 
 /// libvips computes the strips with all processors, and gives them in their order.
 bool VipsRows::ReadScaled(const Take &take) {
-    return Sink(take).Fill(mImage.get()) == 0;
+    const VipsImagePtr image = WithStacks(mImage.get());
+    return image && Sink(take).Fill(image.get()) == 0;
 }
