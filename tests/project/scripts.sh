@@ -130,10 +130,12 @@ covered() { # LINES BRANCHES: in percent
     {"filename": "$tree/a/b.cpp", "summary": {"lines": {"count": 100, "covered": $1},
         "branches": {"count": 100, "covered": $2}}},
     {"filename": "$tree/c/d.cpp", "summary": {"lines": {"count": 0, "covered": 0},
-        "branches": {"count": 0, "covered": 0}}}]}]}
+        "branches": {"count": 0, "covered": 0}}},
+    {"filename": "$tree/tests/a/e.cpp", "summary": {"lines": {"count": 100, "covered": 0},
+        "branches": {"count": 100, "covered": 0}}}]}]}
 END
 }
-table() { covered "$1" "$2" | python3 -B scripts/coverage-table.py "$tree" 95 85 list; }
+table() { covered "$1" "$2" | python3 -B scripts/coverage-table.py "$tree" 95 85 list a c; }
 run table 95 85
 [ "$status" -eq 0 ] || fail "enough coverage ends with $status"
 expect 'a/ *95.0 % *100 *85.0 % *100'
