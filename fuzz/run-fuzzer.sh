@@ -18,7 +18,7 @@ cd "$work"
 ASAN_OPTIONS="$ASAN_OPTIONS:detect_leaks=0:fast_unwind_on_malloc=1:malloc_context_size=4" "$fuzzer" -detect_leaks=0 \
     -timeout=60 -rss_limit_mb=2048 -print_final_stats=1 "$@" "$corpus" "$seeds"
 case "$*" in *-merge*) exit 0 ;; esac
-find "$seeds" "$corpus" -type f -print0 | xargs -0 "$fuzzer" -timeout=60 "$@" >leaks 2>&1 || {
+find "$seeds" "$corpus" -type f -print0 | xargs -0 "$fuzzer" -timeout=60 "$@" -runs=1 >leaks 2>&1 || {
     tail -n 100 leaks >&2
     exit 1
 }
