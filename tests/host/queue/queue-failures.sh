@@ -115,13 +115,13 @@ check "a queue without a PPD file is told" until_true 60 told bare 'no PPD file'
 check "and stops" until_true 20 sh -c 'lpstat -p bare | grep -q disabled'
 
 # --- an installation that is not whole: the queue stops, says what it cannot read, and prints when that is mended
-for part in bin/zelprint "$(cd "$work/installed" && echo lib*/zel/ZELPostscript.bundle lib/*/zel/ZELPostscript.bundle | tr ' ' '\n' | grep -v '\*')"; do
+for part in "$zelprint" "$(find "$work/installed" -name ZELPostscript.bundle)"; do
     name=$(basename "$part" .bundle)
-    chmod 0 "$work/installed/$part"
+    chmod 0 "$part"
     lp -d one -t "with$name" "$work/doc.jpg" >/dev/null
     check "$name that cannot be read is told" until_true 60 told one "$name.* cannot"
     check "$name that cannot be read stops the queue" until_true 20 sh -c 'lpstat -p one | grep -q disabled'
-    chmod 0755 "$work/installed/$part"
+    chmod 0755 "$part"
     cupsenable one
     check "$name that can be read again prints" until_true 60 test -e "$work/one/with$name.ps"
 done
