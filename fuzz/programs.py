@@ -20,6 +20,8 @@ import zlib
 # Of the processor; and of a clock, where many others want it.
 SECONDS = 60
 WAITED_SECONDS = 900
+# Settings that are as good as any others can ask for hundreds of copies of large pages, which are only planned.
+MOST_BYTES = 2_000_000_000
 STATUSES = {0, 1, 2, 3, 4, 5}
 PROFILE = "/usr/share/color/icc/ghostscript/default_cmyk.icc"
 LIGHT_PROFILE = "/usr/share/color/icc/ghostscript/srgb.icc"
@@ -150,7 +152,9 @@ class Worker:
                 self.printing("--ppd", path, *page, self.picture),
                 [self.zelprint, "printer-info", *self.random.choice([[], ["--json"]]), path]])
         if kind == "settings":
-            return [self.zelprint, "--hot-folder", str(self.hot), "--no-queue", "--settings", path, self.picture]
+            job = [self.zelprint, "--hot-folder", str(self.hot), "--no-queue", "--settings", path, self.picture]
+            plan = [*job, "--dry-run", "--json"]
+            return plan if self.expected_bytes(plan) > MOST_BYTES else job
         if kind.startswith("icc"):
             profiles = ["--to", path] if kind == "icc of ink" else ["--from", path, "--to", PROFILE]
             return [self.zelprint, "make-separation", "Damaged", *profiles, "--grid", "2", "--force"]
@@ -158,6 +162,10 @@ class Worker:
             self.separation.write_bytes(content)
             return [*self.printing(*printer), "--colour-space", "cmyk", "--separation", SEPARATION, self.picture]
         return self.printing(*printer, path)
+
+    def expected_bytes(self, plan):
+        done = self.run(plan)
+        return json.loads(done.stdout)["expected_bytes"] if done.returncode == 0 else 0
 
     def damaged(self, content):
         data = bytearray(content)
