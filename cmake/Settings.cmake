@@ -21,8 +21,8 @@ if(ZEL_WERROR)
 endif()
 
 if(ZEL_SANITIZE)
-  # What reports need, and quicker to build than the build type's own.
-  add_compile_options(-O1 -gline-tables-only -fno-omit-frame-pointer)
+  # What reports need, and quicker to build than the build type's own; what is fuzzed runs millions of times.
+  add_compile_options($<IF:$<BOOL:${ZEL_FUZZ}>,-O2,-O1> -gline-tables-only -fno-omit-frame-pointer)
 endif()
 if(ZEL_SANITIZE STREQUAL "address")
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined)

@@ -6,16 +6,19 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
 void Separate(const EightColourLUT &table) {
-    constexpr int64_t kColours = 9 * 9 * 9;
+    constexpr uint8_t kLevels[] = {0, 1, 100, 254, 255};
+    constexpr int kLevelCount = std::size(kLevels);
+    constexpr int64_t kColours = kLevelCount * kLevelCount * kLevelCount;
     uint8_t src[4 * kColours] = {};
     for (int i = 0; i < kColours; ++i) {
-        const int levels[3] = {i / 81, i / 9 % 9, i % 9};
-        for (int c = 0; c < 3; ++c)
-            src[4 * i + c] = static_cast<uint8_t>(levels[c] * 255 / 8);
+        src[4 * i] = kLevels[i / (kLevelCount * kLevelCount)];
+        src[4 * i + 1] = kLevels[i / kLevelCount % kLevelCount];
+        src[4 * i + 2] = kLevels[i % kLevelCount];
     }
     uint8_t plain[4 * kColours];
     uint8_t fast[4 * kColours];

@@ -17,6 +17,9 @@
 
 namespace {
 
+/// In pixels. The system would take most of the time to clear memory for the rows of wider ones.
+constexpr int32_t kWidestPage = 20000;
+
 PostscriptPrinterInfo *MakePrinter(const TestPPD &ppd) {
     const std::string text = ppd.Text();
     MemoryFile file;
@@ -63,6 +66,7 @@ Handle HandleOf(const void *bytes, size_t size) {
 void OpenAsEPS(DriverContext *context, Handle handle) {
     if (GetHandleSize(handle) < static_cast<Size>(sizeof(PSHPrint))) return;
     reinterpret_cast<PSHPrint *>(*handle)->mEPSFormat_be = 1;
+    if (RecordGeometry(CopyRecord(handle)).widthPixels > kWidestPage) return;
     context->record = handle;
     if (DoOpenDocument(context) == 0) KillDocument(context->mPageOutputSession);
     context->mPageOutputSession = nullptr;

@@ -12,8 +12,9 @@
 
 namespace {
 
-/// More would leave the Writebuffer's current buffer, where the text is read.
-constexpr size_t kMostData = 40000;
+/// Enough for many blocks of every kernel and many lines of text. More only takes longer, and more
+/// than 50,000 would leave the Writebuffer's current buffer, where the text is read.
+constexpr size_t kMostData = 1024;
 
 void Require(bool condition) {
     if (!condition) std::abort();
