@@ -1,5 +1,6 @@
 #include "host/readers/ByteReader.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,6 +9,14 @@
 namespace {
 
 constexpr size_t kBufferBytes = 1 << 16;
+
+ssize_t ReadOn(int descriptor, uint8_t *bytes, size_t count) {
+    ssize_t done = 0;
+    do
+        done = read(descriptor, bytes, count);
+    while (done < 0 && errno == EINTR);
+    return done;
+}
 
 } // namespace
 
@@ -34,12 +43,22 @@ bool ByteReader::Seek(int64_t position) {
     return true;
 }
 
+ssize_t ByteReader::Read(uint8_t *bytes, size_t count) {
+    if (mAt == mEnd) {
+        const ssize_t done = ReadOn(mDescriptor, bytes, count);
+        mPast += static_cast<int64_t>(mEnd) + std::max<ssize_t>(done, 0);
+        mAt = mEnd = 0;
+        return done;
+    }
+    const size_t done = std::min(count, mEnd - mAt);
+    std::copy_n(mBuffer.data() + mAt, done, bytes);
+    mAt += done;
+    return static_cast<ssize_t>(done);
+}
+
 bool ByteReader::Fill() {
     if (mDescriptor < 0) return false;
-    ssize_t count = 0;
-    do
-        count = read(mDescriptor, mBuffer.data(), mBuffer.size());
-    while (count < 0 && errno == EINTR);
+    const ssize_t count = ReadOn(mDescriptor, mBuffer.data(), mBuffer.size());
     if (count <= 0) return false;
     mPast += static_cast<int64_t>(mEnd);
     mAt = 0;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 class ByteReader {
@@ -17,6 +18,10 @@ public:
     static constexpr int kEnd = -1;
     int Next() { return mAt < mEnd || Fill() ? mBuffer[mAt++] : kEnd; }
     [[nodiscard]] int Peek() { return mAt < mEnd || Fill() ? mBuffer[mAt] : kEnd; }
+
+    /// The next bytes, `count` at most. 0 at the end; -1, and `errno` is set, where they cannot be
+    /// read.
+    [[nodiscard]] ssize_t Read(uint8_t *bytes, size_t count);
 
     /// Bytes before the next one.
     [[nodiscard]] int64_t Position() const { return mPast + static_cast<int64_t>(mAt); }

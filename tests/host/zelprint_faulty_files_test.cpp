@@ -70,4 +70,13 @@ TEST_F(FaultyFiles, PPDThatCannotBeReadToItsEnd_IsRefused) {
                       "cannot be read: Input/output error");
 }
 
+TEST_F(FaultyFiles, PictureThatCannotBeReadToItsEnd_IsRefused) {
+    const std::string header = "P6\n200 300\n255\n";
+    WriteFile(mPlace.Path("p.ppm"), header + std::string(200 * 300 * 3, 'z'));
+    for (const uint64_t at : {header.size() + 1, header.size() + 100000})
+        ExpectRefused(
+            RunWithFault("read-error", "/p.ppm", at, Job({"--eps", mPlace.Path("p.ppm")})), 1,
+            "Input/output error");
+}
+
 } // namespace

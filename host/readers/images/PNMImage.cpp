@@ -1,14 +1,15 @@
 #include "host/readers/images/PNMImage.h"
 
 #include "host/readers/ByteReader.h"
-#include "host/readers/images/PlainBits.h"
+#include "host/readers/images/PNMSources.h"
 
 namespace {
 
-int LoadPlainBits(const char *path, VipsAccess access, VipsImage **out) {
-    VipsSource *source = NewPlainBitsSource(path);
+/// Takes the source.
+int LoadSource(VipsSource *source, VipsAccess access, VipsImage **out) {
     if (!source) return -1;
-    const int result = vips_ppmload_source(source, out, "access", access, nullptr);
+    const int result =
+        vips_ppmload_source(source, out, "access", access, "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
     g_object_unref(source);
     return result;
 }
@@ -46,8 +47,9 @@ int LoadAsItIs(const char *path, VipsAccess access, VipsImage **out) {
     ByteReader file(path);
     (void)file.Next();
     const int kind = file.Next();
-    if (kind == '1') return LoadPlainBits(path, access, out);
+    if (kind == '1') return LoadSource(NewPlainBitsSource(path), access, out);
     if (kind == 'f' || kind == 'F') return LoadFloats(path, out);
+    if (access == VIPS_ACCESS_SEQUENTIAL) return LoadSource(NewStreamedSource(path), access, out);
     return vips_ppmload(path, out, "access", access, "fail_on", VIPS_FAIL_ON_ERROR, nullptr);
 }
 
