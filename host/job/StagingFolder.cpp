@@ -18,7 +18,7 @@ namespace {
 const char kPrefix[] = ".zelprint-";
 const char kLockName[] = ".lock";
 /// Others of the user who remove what is abandoned may come between making and locking.
-constexpr int kTries = 10;
+constexpr int kTries = 100;
 
 std::string InFolder(const std::string &folder, const std::string &name) {
     return (folder == "/" ? "" : folder) + "/" + name;
@@ -71,9 +71,8 @@ std::unique_ptr<StagingFolder> StagingFolder::Make(const std::string &parent,
                                                    RightsFunction inheritRights) {
     for (int tries = 0; tries < kTries; ++tries) {
         std::unique_ptr<StagingFolder> staging(new StagingFolder(parent));
-        if (!staging->Create()) return nullptr;
-        if (!staging->Lock()) {
-            if (errno == ENOENT) continue;
+        if (!staging->Create() || !staging->Lock()) {
+            if (staging->mIsMade && errno == ENOENT) continue;
             return nullptr;
         }
         const std::string &path = staging->Path();
@@ -106,7 +105,7 @@ StagingFolder::StagingFolder(const std::string &parent)
       mUnfinished([](void *self) noexcept { static_cast<StagingFolder *>(self)->Remove(); }, this) {
 }
 
-/// False with errno set.
+/// False with errno set, ENOENT when the folder has been made and is gone.
 bool StagingFolder::Create() {
     mIsMade = mkdtemp(mPath.data()) != nullptr;
     mListing = mIsMade ? opendir(mPath.c_str()) : nullptr;

@@ -1,9 +1,12 @@
 #include "host/job/OutputStaging.h"
 
+#include "host/job/StagingFolder.h"
 #include "host/terminal/ExitStatus.h"
+#include <atomic>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <gtest/gtest.h>
 #include <new>
 #include <platform/Platform.h>
@@ -251,6 +254,21 @@ TEST_F(OutputStagingTest, OfAKilledProcess_IsRemovedByTheNext) {
     ASSERT_EQ(Listing(mRoot).size(), 2U) << "it left nothing";
     { const OutputStaging staging(mHot); }
     EXPECT_EQ(Listing(mRoot), Names{"hot"});
+}
+
+TEST_F(OutputStagingTest, OthersThatRemoveWhatIsAbandoned_AreNeverInTheWay) {
+    std::atomic<bool> isDone{false};
+    const auto sweep = [&] {
+        while (!isDone)
+            StagingFolder::RemoveAbandoned(mRoot);
+    };
+    const std::future<void> others[] = {std::async(std::launch::async, sweep),
+                                        std::async(std::launch::async, sweep)};
+    int refused = 0;
+    for (int i = 0; i < 1000; ++i)
+        if (!StagingFolder::Make(mRoot, mHot, nullptr)) ++refused;
+    isDone = true;
+    EXPECT_EQ(refused, 0);
 }
 
 TEST_F(OutputStagingTest, OfALivingProcess_IsLeftAlone) {
