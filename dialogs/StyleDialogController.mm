@@ -287,9 +287,12 @@ static std::string FieldText(NSTextField *field) { return [[field stringValue] U
     return _setup->IsPPDFile([path fileSystemRepresentation]);
 }
 
-// GNUstep asks this instead; what is refused is hidden.
+// GNUstep asks this instead; what is refused is hidden. It asks again of what it shows whenever
+// columns scroll, and would read a column anew in the middle of opening those behind it, which
+// raises: what is gone by then stays.
 - (BOOL)panel:(id)sender shouldShowFilename:(NSString *)path {
-    return [self panel:sender shouldEnableURL:[NSURL fileURLWithPath:path]];
+    return ![[NSFileManager defaultManager] fileExistsAtPath:path] ||
+           [self panel:sender shouldEnableURL:[NSURL fileURLWithPath:path]];
 }
 
 /// Beside the present file, which is the one chosen last.

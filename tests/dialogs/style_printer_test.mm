@@ -311,6 +311,25 @@ TEST_F(StylePPD, Choose_Cancelled_KeepsThePrinter) {
     EXPECT_FALSE(SavedPPD());
 }
 
+TEST_F(StylePPD, Choose_FoldersThatGoWhileThePanelIsOpen_AreNoHindrance) {
+    const std::string deep = mFolder + "/1/2/3/4/5/6";
+    std::filesystem::create_directories(deep);
+    WriteFile(deep, "Deep.ppd", PPDText());
+    std::filesystem::create_directory(mFolder + "/1/goes");
+    ChoosePPD([&](NSOpenPanel *panel) {
+        NSBrowser *browser = Browser([panel contentView]);
+        [browser loadColumnZero];
+        EXPECT_TRUE([browser setPath:[NSString stringWithUTF8String:(mFolder + "/1/2").c_str()]]);
+        std::filesystem::remove(mFolder + "/1/goes");
+        NSString *path = [NSString stringWithUTF8String:(deep + "/Deep.ppd").c_str()];
+        EXPECT_TRUE([browser setPath:path]);
+        [panel ok:nil];
+    });
+    WhenOpen([] { EXPECT_EQ(Text([Controller() ppdTitleText]), "Deep.ppd"); });
+    Press(@"OK");
+    EXPECT_TRUE(Run());
+}
+
 TEST_F(StyleFlow, PanelFilter_FoldersAndPPDFilesOnly) {
     WriteFile(mFolder, "good", PPDText());
     WriteFile(mFolder, "bad.ppd", "*PPD-Other: \"4.3\"\n");
@@ -321,7 +340,8 @@ TEST_F(StyleFlow, PanelFilter_FoldersAndPPDFilesOnly) {
             NSString *path = [NSString stringWithUTF8String:(mFolder + "/" + name).c_str()];
             const BOOL enabled = [Controller() panel:nil
                                      shouldEnableURL:[NSURL fileURLWithPath:path]];
-            EXPECT_EQ(enabled, [(id)Controller() panel:nil shouldShowFilename:path]);
+            if (std::filesystem::exists(mFolder + "/" + name))
+                EXPECT_EQ(enabled, [(id)Controller() panel:nil shouldShowFilename:path]);
             return enabled;
         };
         EXPECT_TRUE(enables("good"));
