@@ -1,5 +1,6 @@
 #include "host/job/OutputStaging.h"
 
+#include "host/job/FolderListing.h"
 #include "host/terminal/Cancellation.h"
 #include "host/terminal/ExitStatus.h"
 #include "host/terminal/LastResort.h"
@@ -9,12 +10,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <set>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -110,14 +111,10 @@ OutputStaging::OutputStaging(const std::string &folder, const StagingFunctions &
 }
 
 std::vector<std::string> OutputStaging::Files() const {
-    std::vector<std::string> names;
-    DIR *folder = opendir(Folder().c_str());
-    if (!folder) Refuse(Folder(), std::string(strerror(errno)) + "; print again");
-    while (const dirent *entry = readdir(folder)) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != ".." && !StagingFolder::IsOwn(name)) names.push_back(name);
-    }
-    (void)closedir(folder);
+    std::optional<std::vector<std::string>> listing = NamesIn(Folder());
+    if (!listing) Refuse(Folder(), std::string(strerror(errno)) + "; print again");
+    std::vector<std::string> names = std::move(*listing);
+    names.erase(std::remove_if(names.begin(), names.end(), StagingFolder::IsOwn), names.end());
     // base.eps, base_p02.eps, ..., base_p99.eps, base_p100.eps
     std::sort(names.begin(), names.end(), [](const std::string &a, const std::string &b) {
         return a.size() != b.size() ? a.size() < b.size() : a < b;

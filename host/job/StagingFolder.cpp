@@ -2,6 +2,7 @@
 // the process ends.
 #include "host/job/StagingFolder.h"
 
+#include "host/job/FolderListing.h"
 #include <cerrno>
 #include <cstdlib>
 #include <dirent.h>
@@ -42,13 +43,8 @@ bool CanMove(const std::string &from, const std::string &to) {
 
 std::vector<std::string> StagingFoldersIn(const std::string &parent) {
     std::vector<std::string> folders;
-    DIR *listing = opendir(parent.c_str());
-    if (!listing) return folders;
-    while (const dirent *entry = readdir(listing)) {
-        const std::string name = entry->d_name;
+    for (const std::string &name : NamesIn(parent).value_or(std::vector<std::string>()))
         if (name.rfind(kPrefix, 0) == 0) folders.push_back(InFolder(parent, name));
-    }
-    (void)closedir(listing);
     return folders;
 }
 
