@@ -2,11 +2,13 @@
 // $ZEL_FAULT_PATH, from the byte $ZEL_FAULT_AT on. $ZEL_FAULT is
 //   short-write  the one write that reaches that byte stops before it and reports what it wrote
 //   read-error   nothing from that byte on can be read (EIO)
+//   list-error   the entry of folders with that number, from 1 on, cannot be read (EIO)
 #include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <dlfcn.h>
 #include <string>
 #include <sys/types.h>
@@ -82,6 +84,15 @@ extern "C" ssize_t pread(int fd, void *bytes, size_t count, off_t offset) {
 
 extern "C" ssize_t pread64(int fd, void *bytes, size_t count, off64_t offset) {
     return ReadAt("pread64", fd, bytes, count, offset);
+}
+
+extern "C" dirent *readdir(DIR *folder) {
+    static auto *const original = Original<dirent *(DIR *)>("readdir");
+    static std::atomic<off_t> entries{0};
+    if (!IsWanted("list-error") || !IsMeant(dirfd(folder)) || ++entries != FaultyByte())
+        return original(folder);
+    errno = EIO;
+    return nullptr;
 }
 
 extern "C" ssize_t write(int fd, const void *bytes, size_t count) {

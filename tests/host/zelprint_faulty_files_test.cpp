@@ -52,6 +52,13 @@ TEST_F(FaultyFiles, BytesLostInOneOfManyFiles_NothingIsPublished) {
                       3, "not written whole");
 }
 
+TEST_F(FaultyFiles, FolderThatCannotBeListedToItsEnd_NothingIsPublished) {
+    for (uint64_t entry = 1; entry <= 7; ++entry) // three files, the lock, ".", ".." and the end
+        ExpectRefused(
+            RunWithFault("list-error", "/.zelprint-", entry, Job({"--eps", "-n", "3", Source()})),
+            3, "Input/output error");
+}
+
 TEST_F(FaultyFiles, BytesLostOfAPostScriptDocument_NothingIsPublished) {
     const Names job = {"--colour-space", "gray",  "--hot-folder", mPlace.Hot(), "-t",
                        "document",       Source()};

@@ -6,6 +6,7 @@
 
 namespace {
 
+/// What a source hands to libvips.
 class Stream {
 public:
     Stream() = default;
